@@ -1,0 +1,200 @@
+#pragma once
+
+#include <Pelon/TypeRep.h>
+
+#include <algorithm>
+#include <cstring>
+#include <initializer_list>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+namespace Pelon {
+
+/// Contiguous, growable elements of one type; `bool` takes a byte like any other type.
+///
+/// Storage comes from the type representation and arrives zeroed. Elements whose value-initialised
+/// form is all zero bits are not written again, so `Array<float>(n)` touches no memory.
+/// Copies are deep; sharing is the business of Ptr. Not synchronised.
+template <class T>
+class Array {
+public:
+    using value_type = T;
+    using size_type = std::size_t;
+    using iterator = T*;
+    using const_iterator = const T*;
+
+    Array() noexcept = default;
+
+    /// `count` value-initialised elements.
+    explicit Array(size_type count)
+    {
+        resize(count);
+    }
+
+    /// `count` copies of `value`.
+    Array(size_type count, const T& value)
+    {
+        resize(count, value);
+    }
+
+    Array(std::initializer_list<T> values)
+    {
+        Storage storage(values.size());
+        std::uninitialized_copy(values.begin(), values.end(), storage.data);
+        adopt(storage, values.size());
+    }
+
+    Array(const Array& other)
+    {
+        Storage storage(other.m_size);
+        std::uninitialized_copy(other.begin(), other.end(), storage.data);
+        adopt(storage, other.m_size);
+    }
+
+    Array(Array&& other) noexcept { swap(other); }
+
+    ~Array()
+    {
+        std::destroy(begin(), end());
+        Internal::typeRep<T>.deallocate(m_data, m_capacity);
+    }
+
+    Array& operator=(Array other) noexcept
+    {
+        swap(other);
+        return *this;
+    }
+
+    T* data() noexcept { return m_data; }
+    const T* data() const noexcept { return m_data; }
+    size_type size() const noexcept { return m_size; }
+    bool empty() const noexcept { return m_size == 0; }
+
+    T& operator[](size_type i) noexcept { return m_data[i]; }
+    const T& operator[](size_type i) const noexcept { return m_data[i]; }
+
+    iterator begin() noexcept { return m_data; }
+    iterator end() noexcept { return m_data + m_size; }
+    const_iterator begin() const noexcept { return m_data; }
+    const_iterator end() const noexcept { return m_data + m_size; }
+
+    /// Keeps the first min(size, count) elements; new ones are value-initialised.
+    /// Shrinking keeps the storage; growing beyond it at least doubles it.
+    void resize(size_type count)
+    {
+        resizeWith(count, [](T* first, T* last, bool zeroed) {
+            if (!(zeroed && kZeroBitsAreValue))
+                std::uninitialized_value_construct(first, last);
+        });
+    }
+
+    /// The same, with new elements equal to `value` (which may be an element of this array).
+    void resize(size_type count, const T& value)
+    {
+        const T kept = value;
+        resizeWith(count, [&kept](T* first, T* last, bool zeroed) {
+            if (!(zeroed && isZeroBits(kept)))
+                std::uninitialized_fill(first, last, kept);
+        });
+    }
+
+    void push_back(const T& value) { append(value); }
+    void push_back(T&& value) { append(std::move(value)); }
+
+    friend bool operator==(const Array& a, const Array& b)
+    {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end());
+    }
+    friend bool operator!=(const Array& a, const Array& b) { return !(a == b); }
+
+private:
+    static constexpr bool kZeroBitsAreValue = std::is_trivially_default_constructible_v<T>;
+
+    // Raw storage that gives itself back unless an array adopts it.
+    struct Storage {
+        T* data;
+        size_type capacity;
+
+        explicit Storage(size_type count)
+            : data(static_cast<T*>(Internal::typeRep<T>.allocate(count))), capacity(count)
+        {
+        }
+        Storage(const Storage&) = delete;
+        Storage& operator=(const Storage&) = delete;
+        ~Storage() { Internal::typeRep<T>.deallocate(data, capacity); }
+    };
+
+    static bool isZeroBits(const T& value)
+    {
+        if constexpr (std::is_trivially_copyable_v<T>) {
+            const unsigned char zero[sizeof(T)] = {};
+            return std::memcmp(std::addressof(value), zero, sizeof(T)) == 0;
+        }
+        return false;
+    }
+
+    void swap(Array& other) noexcept
+    {
+        std::swap(m_data, other.m_data);
+        std::swap(m_size, other.m_size);
+        std::swap(m_capacity, other.m_capacity);
+    }
+
+    // Takes over `storage`, in which `size` elements live, and leaves the old block to it.
+    void adopt(Storage& storage, size_type size) noexcept
+    {
+        std::destroy(begin(), end());
+        std::swap(m_data, storage.data);
+        std::swap(m_capacity, storage.capacity);
+        m_size = size;
+    }
+
+    size_type grownCapacity(size_type needed) const { return std::max(needed, 2 * m_capacity); }
+
+    static void relocate(T* first, T* last, T* to)
+    {
+        if constexpr (std::is_nothrow_move_constructible_v<T>)
+            std::uninitialized_move(first, last, to);
+        else
+            std::uninitialized_copy(first, last, to);
+    }
+
+    template <class Construct>
+    void resizeWith(size_type count, const Construct& construct)
+    {
+        if (count <= m_size) {
+            std::destroy(begin() + count, end());
+            m_size = count;
+        } else if (count <= m_capacity) {
+            construct(m_data + m_size, m_data + count, false);
+            m_size = count;
+        } else {
+            Storage storage(grownCapacity(count));
+            construct(storage.data + m_size, storage.data + count, true);
+            relocate(begin(), end(), storage.data);
+            adopt(storage, count);
+        }
+    }
+
+    template <class Value>
+    void append(Value&& value)
+    {
+        if (m_size < m_capacity) {
+            ::new (static_cast<void*>(m_data + m_size)) T(std::forward<Value>(value));
+            ++m_size;
+            return;
+        }
+        // The new element comes first: `value` may live in the block that is about to go.
+        Storage storage(grownCapacity(std::max<size_type>(m_size + 1, 8)));
+        ::new (static_cast<void*>(storage.data + m_size)) T(std::forward<Value>(value));
+        relocate(begin(), end(), storage.data);
+        adopt(storage, m_size + 1);
+    }
+
+    T* m_data = nullptr;
+    size_type m_size = 0;
+    size_type m_capacity = 0;
+};
+
+}  // namespace Pelon

@@ -1,0 +1,89 @@
+#include <Pelon/TypeRep.h>
+
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
+namespace Pelon {
+namespace Internal {
+namespace {
+
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+
+#if defined(__linux__)
+
+std::size_t roundedUp(std::size_t bytes, std::size_t unit)
+{
+    return (bytes + unit - 1) / unit * unit;
+}
+
+// A tail of small pages costs a fault each, so whole huge pages are taken wherever the tail is a
+// small part of the block.
+std::size_t mappedSize(std::size_t bytes)
+{
+    return roundedUp(bytes, bytes >= 8 * kHugePage ? kHugePage : std::size_t{4096});
+}
+
+void* mapZeroed(std::size_t bytes)
+{
+    const std::size_t length = mappedSize(bytes);
+    void* mapped = mmap(nullptr, length + kHugePage, PROT_READ | PROT_WRITE,
+                        MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped == MAP_FAILED)
+        throw std::bad_alloc();
+
+    // The mapping is a huge page longer than asked: cut it down to the aligned part.
+    char* const first = static_cast<char*>(mapped);
+    const std::size_t lead =
+        roundedUp(reinterpret_cast<std::uintptr_t>(first), kHugePage) -
+        reinterpret_cast<std::uintptr_t>(first);
+    if (lead > 0)
+        munmap(first, lead);
+    munmap(first + lead + length, kHugePage - lead);
+    madvise(first + lead, length, MADV_HUGEPAGE);  // only advice: small pages serve as well
+    return first + lead;
+}
+
+bool isMapped(std::size_t bytes)
+{
+    return bytes >= kHugePage;
+}
+
+#endif
+
+}  // namespace
+
+void* UntypedTypeRep::allocate(std::size_t count) const
+{
+    if (count == 0)
+        return nullptr;
+    if (count > std::numeric_limits<std::ptrdiff_t>::max() / m_size)
+        throw std::bad_array_new_length();
+#if defined(__linux__)
+    if (isMapped(count * m_size))
+        return mapZeroed(count * m_size);
+#endif
+    static_assert(alignof(std::max_align_t) >= 16, "calloc aligns for every element type");
+    void* const block = std::calloc(count, m_size);
+    if (!block)
+        throw std::bad_alloc();
+    return block;
+}
+
+void UntypedTypeRep::deallocate(void* pointer, std::size_t count) const noexcept
+{
+#if defined(__linux__)
+    if (isMapped(count * m_size)) {
+        munmap(pointer, mappedSize(count * m_size));
+        return;
+    }
+#endif
+    std::free(pointer);
+}
+
+}  // namespace Internal
+}  // namespace Pelon

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <Pelon/TypeRep.h>
+
+/// TESSARY_API marks what the library exports.
+#if defined(_WIN32)
+#if defined(tessary_EXPORTS)
+#define TESSARY_API __declspec(dllexport)
+#else
+#define TESSARY_API __declspec(dllimport)
+#endif
+#else
+#define TESSARY_API __attribute__((visibility("default")))
+#endif
+
+namespace Tessary {
+
+using Pelon::uint;  ///< 32-bit unsigned, the type of every index
+
+}  // namespace Tessary

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <Korvane/Object.h>
+#include <Pelon/Ptr.h>
+#include <Pelon/TypeRep.h>
+
+namespace MeshIo {
+
+/// A closed mesh that shows everything a mesh file can carry: quads, triangles and larger polygons,
+/// indexed corner UVs with a seam ("texcoord"), indexed corner normals ("normal"), a material name
+/// ("material", string) and an id ("face_id", int) on faces, colours on points ("color", float3).
+///
+/// `resolution` is the number of segments along the shorter way round, at least 8; faces grow with
+/// its square: hundreds at 8, about a million at 512. The same bits on every machine: only
+/// additions, multiplications, divisions and square roots are used.
+Pelon::MutablePtr<Korvane::Object> makeDemoMesh(Pelon::uint resolution);
+
+}  // namespace MeshIo
