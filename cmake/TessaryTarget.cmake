@@ -9,7 +9,7 @@ function(tessary_target target)
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
   target_compile_options(${target} PRIVATE
-    $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off -Wall -Wextra -Wshadow>
+    $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off -ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -Wall -Wextra -Wshadow>
     $<$<CXX_COMPILER_ID:MSVC>:/fp:precise /W4>)
 endfunction()
 

@@ -79,8 +79,7 @@ void addComponent(Object& geometry, const String& name, uint count)
     geometry.setProperty(name, component);
 }
 
-void addMesh(Object& geometry, Array<float3> points, Array<uint> faceOffset,
-             Array<uint> faceVertex)
+void addMesh(Object& geometry, Array<float3> points, Array<uint> faceOffset, Array<uint> faceVertex)
 {
     const std::size_t faceCount = faceOffset.empty() ? 0 : faceOffset.size() - 1;
     addComponent(geometry, sPointComp, static_cast<uint>(points.size()));

@@ -13,9 +13,8 @@ Object::~Object() = default;
 
 const Object::Entry* Object::find(StringView name) const
 {
-    const auto found = std::find_if(m_entries.begin(), m_entries.end(), [name](const Entry& entry) {
-        return entry.name == name;
-    });
+    const auto found = std::find_if(m_entries.begin(), m_entries.end(),
+                                    [name](const Entry& entry) { return entry.name == name; });
     return found == m_entries.end() ? nullptr : &*found;
 }
 

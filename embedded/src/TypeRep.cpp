@@ -38,9 +38,8 @@ void* mapZeroed(std::size_t bytes)
 
     // The mapping is a huge page longer than asked: cut it down to the aligned part.
     char* const first = static_cast<char*>(mapped);
-    const std::size_t lead =
-        roundedUp(reinterpret_cast<std::uintptr_t>(first), kHugePage) -
-        reinterpret_cast<std::uintptr_t>(first);
+    const std::size_t lead = roundedUp(reinterpret_cast<std::uintptr_t>(first), kHugePage) -
+                             reinterpret_cast<std::uintptr_t>(first);
     if (lead > 0)
         munmap(first, lead);
     munmap(first + lead + length, kHugePage - lead);

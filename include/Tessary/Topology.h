@@ -29,10 +29,11 @@ TESSARY_API void constructDualMesh(const Pelon::Array<uint>& faceVertex,
 ///
 /// in     pointComponent        names the component whose element count is the point count
 /// in     faceVertexName        names the face-vertex property to invert (uint data)
-/// out    dualComponentName     a new component with one element per corner; an empty name stores none
-/// out    dualFaceVertexName    the corner lists, a property of that component, default 0xFFFFFFFF
-/// out    dualFaceOffsetName    the offsets, a property that targets faceVertexName, default 0
-/// else   without the face-vertex property nothing changes. Build once: properties that exist
+/// out    dualComponentName     a new component with one element per corner; an empty name stores
+/// none out    dualFaceVertexName    the corner lists, a property of that component, default
+/// 0xFFFFFFFF out    dualFaceOffsetName    the offsets, a property that targets faceVertexName,
+/// default 0 else   without the face-vertex property nothing changes. Build once: properties that
+/// exist
 ///        already are resized but not cleared, so a second build adds its counts to the first
 /// cost   that of constructDualMesh
 TESSARY_API void addDual(Korvane::Object& geometry, const Pelon::String& pointComponent,

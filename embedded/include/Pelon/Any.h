@@ -21,8 +21,8 @@ inline constexpr bool isHeldByValue<MutablePtr<T>> = false;
 
 }  // namespace Internal
 
-/// A value of any copyable type, or nothing. Nested objects are held as Ptr<Korvane::Object>, arrays
-/// as Ptr<Array<T>>, everything else by value.
+/// A value of any copyable type, or nothing. Nested objects are held as Ptr<Korvane::Object>,
+/// arrays as Ptr<Array<T>>, everything else by value.
 class Any {
 public:
     Any() = default;
@@ -30,15 +30,13 @@ public:
     template <class T, class = std::enable_if_t<Internal::isHeldByValue<std::decay_t<T>>>>
     Any(T&& value)  // NOLINT(google-explicit-constructor)
         : m_value(std::forward<T>(value))
-    {
-    }
+    {}
 
     /// A stored object is shared from now on, so it is held as a pointer that only reads.
     template <class T>
     Any(MutablePtr<T> pointer)  // NOLINT(google-explicit-constructor)
         : m_value(Ptr<T>(std::move(pointer)))
-    {
-    }
+    {}
 
     bool empty() const noexcept { return !m_value.has_value(); }
 

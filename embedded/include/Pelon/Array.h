@@ -27,16 +27,10 @@ public:
     Array() noexcept = default;
 
     /// `count` value-initialised elements.
-    explicit Array(size_type count)
-    {
-        resize(count);
-    }
+    explicit Array(size_type count) { resize(count); }
 
     /// `count` copies of `value`.
-    Array(size_type count, const T& value)
-    {
-        resize(count, value);
-    }
+    Array(size_type count, const T& value) { resize(count, value); }
 
     Array(std::initializer_list<T> values)
     {
@@ -118,8 +112,7 @@ private:
 
         explicit Storage(size_type count)
             : data(static_cast<T*>(Internal::typeRep<T>.allocate(count))), capacity(count)
-        {
-        }
+        {}
         Storage(const Storage&) = delete;
         Storage& operator=(const Storage&) = delete;
         ~Storage() { Internal::typeRep<T>.deallocate(data, capacity); }

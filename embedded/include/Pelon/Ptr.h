@@ -15,8 +15,7 @@ struct Counted {
 
     template <class... Args>
     explicit Counted(Args&&... args) : value(std::forward<Args>(args)...)
-    {
-    }
+    {}
 };
 
 /// One counted reference. The count may be changed from any thread; one handle may not.
@@ -81,8 +80,7 @@ private:
 
     explicit MutablePtr(Internal::Reference<T> reference) noexcept
         : m_reference(std::move(reference))
-    {
-    }
+    {}
 
     Internal::Reference<T> m_reference;
 };
@@ -93,11 +91,10 @@ template <class T>
 class Ptr {
 public:
     Ptr() noexcept = default;
-    Ptr(std::nullptr_t) noexcept {}  // NOLINT(google-explicit-constructor)
+    Ptr(std::nullptr_t) noexcept {}      // NOLINT(google-explicit-constructor)
     Ptr(MutablePtr<T> pointer) noexcept  // NOLINT(google-explicit-constructor)
         : m_reference(std::move(pointer.m_reference))
-    {
-    }
+    {}
 
     const T* get() const noexcept { return m_reference.get(); }
     const T& operator*() const noexcept { return *get(); }

@@ -15,9 +15,9 @@ public:
     constexpr StringView(const char* text) : m_text(text) {}  // NOLINT(google-explicit-constructor)
     constexpr StringView(std::string_view text) noexcept      // NOLINT(google-explicit-constructor)
         : m_text(text)
-    {
-    }
-    StringView(const std::string& text) noexcept : m_text(text) {}  // NOLINT(google-explicit-constructor)
+    {}
+    StringView(const std::string& text) noexcept
+        : m_text(text) {}  // NOLINT(google-explicit-constructor)
 
     constexpr const char* data() const noexcept { return m_text.data(); }
     constexpr std::size_t size() const noexcept { return m_text.size(); }
@@ -35,11 +35,15 @@ private:
 class String {
 public:
     String() = default;
-    String(const char* text) : m_text(text) {}                    // NOLINT(google-explicit-constructor)
-    String(std::string text) noexcept : m_text(std::move(text)) {}  // NOLINT(google-explicit-constructor)
+    String(const char* text) : m_text(text) {}  // NOLINT(google-explicit-constructor)
+    String(std::string text) noexcept
+        : m_text(std::move(text)) {}  // NOLINT(google-explicit-constructor)
     explicit String(StringView text) : m_text(text.view()) {}
 
-    operator StringView() const noexcept { return StringView(m_text); }  // NOLINT(google-explicit-constructor)
+    operator StringView() const noexcept
+    {
+        return StringView(m_text);
+    }  // NOLINT(google-explicit-constructor)
 
     const char* c_str() const noexcept { return m_text.c_str(); }
     std::size_t size() const noexcept { return m_text.size(); }

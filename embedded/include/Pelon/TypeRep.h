@@ -21,8 +21,7 @@ class UntypedTypeRep {
 public:
     constexpr UntypedTypeRep(std::size_t size, std::size_t alignment) noexcept
         : m_size(size), m_alignment(alignment)
-    {
-    }
+    {}
 
     constexpr std::size_t size() const noexcept { return m_size; }
     constexpr std::size_t alignment() const noexcept { return m_alignment; }

@@ -1,0 +1,134 @@
+#include <Tessary/Topology.h>
+
+#include "host/Assert.h"
+#include "host/MeshLayout.h"
+#include "host/PropertyAccess.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace Tessary {
+namespace {
+
+bool isAllZero(const Array<uint>& values)
+{
+    uint bits = 0;
+    for (const uint value : values)
+        bits |= value;
+    return bits == 0;
+}
+
+void countCorners(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset)
+{
+    [[maybe_unused]] const std::size_t pointCount = dualFaceOffset.size() - 1;
+    for (const uint& corner : faceVertex) {
+        const std::size_t point = corner;
+        TESSARY_ASSERT(point < pointCount, "corner " << &corner - faceVertex.data()
+                                                     << " names point " << point << " of "
+                                                     << pointCount);
+        ++dualFaceOffset[point + 1];
+    }
+}
+
+void sumUp(Array<uint>& offsets)
+{
+    uint sum = 0;
+    for (uint& offset : offsets)
+        offset = sum += offset;
+}
+
+// Lists the corners with the offsets themselves as cursors, and shifts the offsets back. Stops at
+// the first slot that is taken, with the offsets restored, and returns the corner that found it, or
+// the corner count.
+uint fillByOffsets(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
+                   Array<uint>& dualFaceVertex)
+{
+    const uint cornerCount = static_cast<uint>(faceVertex.size());
+    const uint* const points = faceVertex.data();
+    uint* const cursors = dualFaceOffset.data();
+    uint* const slots = dualFaceVertex.data();
+
+    for (uint corner = 0; corner < cornerCount; ++corner) {
+        const uint slot = cursors[points[corner]];
+        if (slots[slot] != kNone) {
+            for (uint c = 0; c < corner; ++c)
+                --cursors[points[c]];
+            return corner;
+        }
+        slots[slot] = corner;
+        cursors[points[corner]] = slot + 1;
+    }
+    // Every cursor has reached the start of the next point's list.
+    std::copy_backward(dualFaceOffset.begin(), dualFaceOffset.end() - 1, dualFaceOffset.end());
+    dualFaceOffset[0] = 0;
+    return cornerCount;
+}
+
+// The first slot of [slot, end) that is free; `end` or beyond where there is none. A slot outside
+// the array counts as taken.
+uint firstFree(const Array<uint>& dualFaceVertex, uint slot, uint end)
+{
+    const uint last = static_cast<uint>(std::min<std::size_t>(end, dualFaceVertex.size()));
+    while (slot < last && dualFaceVertex[slot] != kNone)
+        ++slot;
+    return slot < last ? slot : end;
+}
+
+// Lists the corners from `firstCorner` on, each in the first free slot of its point's range.
+void fillBySearch(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffset,
+                  Array<uint>& dualFaceVertex, uint firstCorner)
+{
+    // Ranges that do not overlap fill from the front, so a search may go on where the one before it
+    // ended. Sums that wrapped make ranges overlap: then each search starts at its range's start.
+    const bool isAscending = std::is_sorted(dualFaceOffset.begin(), dualFaceOffset.end());
+    std::vector<uint> cursors(dualFaceOffset.begin(), dualFaceOffset.end());
+
+    const uint cornerCount = static_cast<uint>(faceVertex.size());
+    for (uint corner = firstCorner; corner < cornerCount; ++corner) {
+        const std::size_t point = faceVertex[corner];
+        const uint end = dualFaceOffset[point + 1];
+        const uint slot = firstFree(dualFaceVertex, cursors[point], end);
+        if (slot < end)
+            dualFaceVertex[slot] = corner;
+        if (isAscending)
+            cursors[point] = slot;
+    }
+}
+
+}  // namespace
+
+void constructDualMesh(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
+                       Array<uint>& dualFaceVertex)
+{
+    const bool isPrepared = !dualFaceOffset.empty() && isAllZero(dualFaceOffset) &&
+                            faceVertex.size() < kNone && dualFaceVertex.size() >= faceVertex.size();
+    countCorners(faceVertex, dualFaceOffset);
+    sumUp(dualFaceOffset);
+    const uint filled = isPrepared ? fillByOffsets(faceVertex, dualFaceOffset, dualFaceVertex) : 0;
+    if (filled < static_cast<uint>(faceVertex.size()))
+        fillBySearch(faceVertex, dualFaceOffset, dualFaceVertex, filled);
+}
+
+void addDual(Object& geometry, const String& pointComponent, const String& faceVertexName,
+             const String& dualComponentName, const String& dualFaceVertexName,
+             const String& dualFaceOffsetName)
+{
+    const Ptr<Array<uint>> faceVertex = getDataArray<uint>(geometry, faceVertexName);
+    if (!faceVertex)
+        return;
+    const uint pointCount = Geometry::getElementCount(geometry, pointComponent);
+    const MutablePtr<Array<uint>> dualFaceOffset = addDataArray<uint>(
+        faceVertexName, dualFaceOffsetName, std::uint64_t{pointCount} + 1, 0, geometry);
+
+    const std::size_t cornerCount = faceVertex->size();
+    const MutablePtr<Object> component = Korvane::createObject();
+    Geometry::populateComponentGeoProperty(static_cast<uint>(cornerCount), *component);
+    if (!dualComponentName.empty())
+        geometry.setProperty(dualComponentName, component);
+
+    const MutablePtr<Array<uint>> dualFaceVertex =
+        addDataArray<uint>(dualComponentName, dualFaceVertexName, cornerCount, kNone, geometry);
+    constructDualMesh(*faceVertex, *dualFaceOffset, *dualFaceVertex);
+}
+
+}  // namespace Tessary

@@ -1,0 +1,53 @@
+#pragma once
+
+// How the faces of a polygon mesh hand values on to the triangles of their fans.
+
+#include "host/MeshLayout.h"
+#include "host/ParallelLoop.h"
+
+namespace Tessary {
+
+/// Runs `body(face, fan)` for every face, in parallel and bound to the caller's job.
+template <class Body>
+void forEachFan(const Array<uint>& faceOffset, const Body& body)
+{
+    if (faceOffset.empty())
+        return;
+    const uint* const offsets = faceOffset.data();
+    parallelForEach(static_cast<uint>(faceOffset.size() - 1), LoopContext::Bound,
+                    [offsets, &body](uint face) { body(face, fanOf(offsets, face)); });
+}
+
+/// Repeats each face's value on the triangles of its fan.
+template <class T>
+void repeatOnTriangles(const Array<uint>& faceOffset, const Array<T>& faceValue,
+                       Array<T>& triangleValue)
+{
+    const T* const in = faceValue.data();
+    T* const out = triangleValue.data();
+    forEachFan(faceOffset, [in, out](uint face, Fan fan) {
+        for (uint t = fan.begin; t < fan.end; ++t)
+            out[t] = in[face];
+    });
+}
+
+/// Picks, for each triangle corner, the value of the polygon corner that it came from.
+template <class T>
+void pickAtCorners(const Array<uint>& faceOffset, const Array<T>& cornerValue,
+                   Array<T>& triangleCornerValue)
+{
+    const T* const in = cornerValue.data();
+    T* const out = triangleCornerValue.data();
+    forEachFan(faceOffset, [in, out](uint, Fan fan) {
+        const T* corner = in + fan.firstCorner;
+        const T& apex = *corner;
+        for (std::size_t t = fan.begin; t < fan.end; ++t) {
+            ++corner;
+            out[3 * t] = apex;
+            out[3 * t + 1] = corner[0];
+            out[3 * t + 2] = corner[1];
+        }
+    });
+}
+
+}  // namespace Tessary

@@ -1,0 +1,97 @@
+#include <Tessary/Triangulation.h>
+
+#include "host/MeshLayout.h"
+#include "host/ParallelLoop.h"
+
+namespace Tessary {
+namespace {
+
+// Whether every face has three corners or more and no offset decreases: then each face's triangles
+// have their place in the output whatever the other faces are.
+bool areAllPolygons(const uint* faceOffset, std::size_t faceCount)
+{
+    bool all = true;
+    for (std::size_t f = 0; f < faceCount; ++f) {
+        const uint begin = faceOffset[f];
+        const uint end = faceOffset[f + 1];
+        all &= (end > begin) & (end - begin >= 3);
+    }
+    return all;
+}
+
+// Every element is about to be written, so old ones are only kept where that costs nothing.
+void resizeForOverwriting(Array<uint>& array, std::size_t size)
+{
+    if (array.size() < size)
+        array.resize(0);
+    array.resize(size);
+}
+
+void fillFans(const uint* faceOffset, const uint* faceVertex, uint begin, uint end,
+              uint* triangleOffset, uint* triangleVertex)
+{
+    for (uint f = begin; f < end; ++f) {
+        const uint* const corner = faceVertex + faceOffset[f];
+        const std::size_t first = faceOffset[f] - faceOffset[0] - std::size_t{2} * f;
+        const uint count = faceOffset[f + 1] - faceOffset[f] - 2;
+        for (uint k = 0; k < count; ++k) {
+            const std::size_t t = first + k;
+            triangleOffset[t] = static_cast<uint>(3 * t);
+            triangleVertex[3 * t] = corner[0];
+            triangleVertex[3 * t + 1] = corner[k + 1];
+            triangleVertex[3 * t + 2] = corner[k + 2];
+        }
+    }
+}
+
+void triangulatePolygons(const Array<uint>& faceOffsets, const Array<uint>& faceVertices,
+                         Array<uint>& triangleFaceOffsets, Array<uint>& triangleVertices)
+{
+    const uint faceCount = static_cast<uint>(faceOffsets.size() - 1);
+    const std::size_t cornerCount = faceOffsets[faceCount] - faceOffsets[0];
+    const std::size_t triangleCount = cornerCount - std::size_t{2} * faceCount;
+    resizeForOverwriting(triangleFaceOffsets, triangleCount + 1);
+    resizeForOverwriting(triangleVertices, 3 * triangleCount);
+    parallelLoop(0, faceCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
+        fillFans(faceOffsets.data(), faceVertices.data(), begin, end, triangleFaceOffsets.data(),
+                 triangleVertices.data());
+    });
+    triangleFaceOffsets[triangleCount] = static_cast<uint>(3 * triangleCount);
+}
+
+// The general form, for meshes with a face that cannot be split or with decreasing offsets.
+bool appendTriangles(const Array<uint>& faceOffsets, const Array<uint>& faceVertices,
+                     Array<uint>& triangleFaceOffsets, Array<uint>& triangleVertices)
+{
+    triangleFaceOffsets.resize(0);
+    triangleVertices.resize(0);
+    for (std::size_t f = 0; f + 1 < faceOffsets.size(); ++f) {
+        const std::size_t begin = faceOffsets[f];
+        const std::size_t end = faceOffsets[f + 1];
+        if (end >= begin && end - begin < 3)
+            return false;
+        for (std::size_t corner = begin + 2; corner < end; ++corner) {
+            triangleFaceOffsets.push_back(static_cast<uint>(triangleVertices.size()));
+            triangleVertices.push_back(faceVertices[begin]);
+            triangleVertices.push_back(faceVertices[corner - 1]);
+            triangleVertices.push_back(faceVertices[corner]);
+        }
+    }
+    if (!triangleFaceOffsets.empty())
+        triangleFaceOffsets.push_back(static_cast<uint>(triangleVertices.size()));
+    return true;
+}
+
+}  // namespace
+
+bool computeTriangulation(const Array<uint>& faceOffsets, const Array<uint>& faceVertices,
+                          Array<uint>& triangleFaceOffsets, Array<uint>& triangleVertices)
+{
+    const bool hasFaces = faceOffsets.size() >= 2;
+    if (!hasFaces || !areAllPolygons(faceOffsets.data(), faceOffsets.size() - 1))
+        return appendTriangles(faceOffsets, faceVertices, triangleFaceOffsets, triangleVertices);
+    triangulatePolygons(faceOffsets, faceVertices, triangleFaceOffsets, triangleVertices);
+    return true;
+}
+
+}  // namespace Tessary
