@@ -10,8 +10,8 @@
 #include <vector>
 
 /// Mesh files to and from host objects, keeping polygons of any size, the order of points, corners
-/// and faces, and every attribute. What each format holds, and under which property names, stands in
-/// Obj.h and Ply.h.
+/// and faces, and every attribute. What each format holds, and under which property names, stands
+/// in Obj.h and Ply.h.
 namespace MeshIo {
 
 class OutputFile;
@@ -44,8 +44,9 @@ MeshRead readMeshUnchecked(const std::string& path);
 /// The format that a file name's ending asks for (.obj, .ply), or none.
 std::optional<MeshFormat> formatOfName(std::string_view path);
 
-/// Writes the mesh into `output`, which the caller commits. Returns a warning line for each thing
-/// that the format cannot hold.
+/// Writes the mesh, or a point cloud without face arrays, into `output`, which the caller commits.
+/// Returns a warning line for each thing that the format cannot hold. A mesh with errors is not
+/// written: InvalidMesh.
 std::vector<std::string> writeMesh(const Korvane::Object& mesh, MeshFormat format,
                                    OutputFile& output);
 

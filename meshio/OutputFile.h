@@ -7,9 +7,11 @@ namespace MeshIo {
 
 /// A file that appears under its name only when it is complete.
 ///
-/// Bytes go to a temporary name in the same folder; commit() renames it into place. Without commit()
-/// the temporary is removed and an existing file stays as it was. "-" is standard output, written
-/// straight through. Every operation throws FileError where the system refuses.
+/// Bytes go to a temporary name in the same folder; commit() renames it into place. Without
+/// commit() the temporary is removed and an existing file stays as it was. A file that is replaced
+/// hands on its permissions, and a symbolic link stays one: what it points to is replaced. "-" is
+/// standard output; that, devices and pipes are written straight through. Every operation throws
+/// FileError where the system refuses.
 class OutputFile {
 public:
     /// With `overwrite` false an existing file is an error that says how to replace it.
@@ -27,8 +29,13 @@ public:
     void commit();
 
 private:
+    void openTemporary(unsigned permissions);
+    void close();
+
     std::string m_path;
-    std::string m_temporary;  // empty for standard output and after commit()
+    std::string m_target;     // what the temporary becomes
+    std::string m_temporary;  // empty where bytes go straight through, and after commit()
+    bool m_overwrite;
     int m_descriptor = -1;
 };
 

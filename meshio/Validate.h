@@ -35,12 +35,24 @@ struct ValidationReport {
 
 /// Checks whatever the kernels trust their callers with.
 ///
-/// Errors: topology arrays missing or of another type, offsets that do not start at 0, decrease or
-/// do not end at the corner count, corners that name no point, faces of fewer than three corners,
-/// points that are not finite, arrays whose length does not match their component, index arrays with
-/// an index outside their values (0xFFFFFFFF, no value, is allowed), more triangles or corners than
-/// 32-bit indices of the triangulation can name. Warning: corners that repeat a point of their face.
-/// Linear in the size of the mesh; never reads outside an array, whatever the mesh holds.
+/// Kinds of error:
+///   topology-missing     no array of points, face offsets or corners
+///   topology-type        one of these is not of its type
+///   length-mismatch      an array whose length does not match its component
+///   offset-order         face offsets that do not start at 0, decrease or do not end at the corner
+///                        count
+///   index-out-of-range   corners that name no point
+///   small-face           faces of fewer than three corners
+///   point-not-finite     points with a coordinate that is infinite or not a number
+///   property-index       an index array with an index outside its values; 0xFFFFFFFF, no value, is
+///                        allowed
+///   circular-target      a property whose targets lead round in a circle
+///   too-large            more corners than 32-bit indices of the triangulation can name
+/// Kind of warning:
+///   repeated-corner      corners that repeat a point of their face
+///
+/// Faces, points and corners are counted from 0, corners through the whole mesh. Time is linear in
+/// the size of the mesh. Never reads outside an array, whatever the mesh holds.
 ValidationReport validateMesh(const Korvane::Object& mesh);
 
 /// Thrown by readers for a mesh with errors; what() names the file and the first error.
