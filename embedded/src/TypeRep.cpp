@@ -1,6 +1,8 @@
 #include <Pelon/TypeRep.h>
 
+#include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -54,6 +56,17 @@ bool isMapped(std::size_t bytes)
 
 #endif
 
+// What calloc aligns for; few element types ask for more.
+bool isOverAligned(std::size_t alignment)
+{
+    return alignment > alignof(std::max_align_t);
+}
+
+void* allocateOverAligned(std::size_t bytes, std::size_t alignment)
+{
+    return std::memset(::operator new(bytes, std::align_val_t(alignment)), 0, bytes);
+}
+
 }  // namespace
 
 void* UntypedTypeRep::allocate(std::size_t count) const
@@ -66,7 +79,8 @@ void* UntypedTypeRep::allocate(std::size_t count) const
     if (isMapped(count * m_size))
         return mapZeroed(count * m_size);
 #endif
-    static_assert(alignof(std::max_align_t) >= 16, "calloc aligns for every element type");
+    if (isOverAligned(m_alignment))
+        return allocateOverAligned(count * m_size, m_alignment);
     void* const block = std::calloc(count, m_size);
     if (!block)
         throw std::bad_alloc();
@@ -81,7 +95,10 @@ void UntypedTypeRep::deallocate(void* pointer, std::size_t count) const noexcept
         return;
     }
 #endif
-    std::free(pointer);
+    if (isOverAligned(m_alignment))
+        ::operator delete(pointer, std::align_val_t(m_alignment));
+    else
+        std::free(pointer);
 }
 
 }  // namespace Internal

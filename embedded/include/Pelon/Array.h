@@ -143,6 +143,20 @@ private:
         m_size = size;
     }
 
+    // Puts the elements in front of those that were made at [m_size, size) of `storage`, and takes
+    // it over. Where a copy throws, the new elements go and the array stays as it is.
+    void relocateTo(Storage& storage, size_type size)
+    {
+        struct Added {
+            T* first;
+            T* last;
+            ~Added() { std::destroy(first, last); }
+        } added{storage.data + m_size, storage.data + size};
+        relocate(begin(), end(), storage.data);
+        added.last = added.first;
+        adopt(storage, size);
+    }
+
     size_type grownCapacity(size_type needed) const { return std::max(needed, 2 * m_capacity); }
 
     static void relocate(T* first, T* last, T* to)
@@ -165,8 +179,7 @@ private:
         } else {
             Storage storage(grownCapacity(count));
             construct(storage.data + m_size, storage.data + count, true);
-            relocate(begin(), end(), storage.data);
-            adopt(storage, count);
+            relocateTo(storage, count);
         }
     }
 
@@ -181,8 +194,7 @@ private:
         // The new element comes first: `value` may live in the block that is about to go.
         Storage storage(grownCapacity(std::max<size_type>(m_size + 1, 8)));
         ::new (static_cast<void*>(storage.data + m_size)) T(std::forward<Value>(value));
-        relocate(begin(), end(), storage.data);
-        adopt(storage, m_size + 1);
+        relocateTo(storage, m_size + 1);
     }
 
     T* m_data = nullptr;
