@@ -1,0 +1,187 @@
+#include <Korvane/Math.h>
+#include <Pelon/Array.h>
+#include <Pelon/String.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+using Pelon::Array;
+using Pelon::String;
+
+// Counts living objects, and throws when the countdown of copies reaches zero. Its move may throw
+// too, so that an array has to copy it when it grows.
+struct Fragile {
+    static inline int living = 0;
+    static inline int copiesLeft = 0;
+
+    int value;
+
+    explicit Fragile(int v = 0) : value(v) { ++living; }
+    Fragile(const Fragile& other) : value(other.value)
+    {
+        if (copiesLeft-- <= 0)
+            throw std::runtime_error("no more copies");
+        ++living;
+    }
+    Fragile& operator=(const Fragile&) = default;
+    ~Fragile() { --living; }
+    friend bool operator==(const Fragile& a, const Fragile& b) { return a.value == b.value; }
+};
+
+bool isAllZero(const void* block, std::size_t bytes)
+{
+    const auto* first = static_cast<const unsigned char*>(block);
+    return std::all_of(first, first + bytes, [](unsigned char byte) { return byte == 0; });
+}
+
+std::uintptr_t addressOf(const void* pointer)
+{
+    return reinterpret_cast<std::uintptr_t>(pointer);
+}
+
+TEST(Array, ConstructorsAndResizeGiveTheNamedElements)
+{
+    EXPECT_TRUE(Array<int>().empty());
+    EXPECT_EQ(Array<int>(3), (Array<int>{0, 0, 0}));
+    EXPECT_EQ(Array<int>(2, 7), (Array<int>{7, 7}));
+
+    Array<int> numbers{1, 2, 3};
+    numbers.resize(5);
+    EXPECT_EQ(numbers, (Array<int>{1, 2, 3, 0, 0}));
+    numbers.resize(2);
+    numbers.resize(4);  // the storage still holds the old 3, which must not come back
+    EXPECT_EQ(numbers, (Array<int>{1, 2, 0, 0}));
+    numbers.resize(5, numbers[1]);
+    EXPECT_EQ(numbers, (Array<int>{1, 2, 0, 0, 2}));
+    EXPECT_NE(numbers, (Array<int>{1, 2, 0, 0}));
+    EXPECT_EQ(Array<String>(2, "x"), (Array<String>{"x", "x"}));
+}
+
+TEST(Array, FillsWithValuesWhoseBitsAreNotAllZero)
+{
+    const Array<float> negativeZero(3, -0.0f);
+    EXPECT_TRUE(std::signbit(negativeZero[2]));
+    const Array<Korvane::Math::float3> ones(2, {0, 0, 1});
+    EXPECT_EQ(ones[1], (Korvane::Math::float3{0, 0, 1}));
+}
+
+TEST(Array, HoldsOneByteForEachBool)
+{
+    Array<bool> flags(4);
+    flags[2] = true;
+    flags.push_back(true);
+    const bool* const first = flags.data();
+    EXPECT_EQ(std::vector<bool>(first, first + 5), (std::vector<bool>{0, 0, 1, 0, 1}));
+}
+
+TEST(Array, CopiesAreDeepAndMovesKeepTheStorage)
+{
+    Array<String> names{"a", "b"};
+    Array<String> copy = names;
+    copy[0] = "changed";
+    EXPECT_EQ(names, (Array<String>{"a", "b"}));
+
+    const String* const storage = names.data();
+    Array<String> moved = std::move(names);
+    EXPECT_EQ(moved.data(), storage);
+    moved = moved;
+    EXPECT_EQ(moved, (Array<String>{"a", "b"}));
+}
+
+TEST(Array, GrowsGeometricallyAndMayAppendItsOwnElements)
+{
+    Array<String> names{"a string that is too long to be stored in place"};
+    const String expected = names[0];
+    int moves = 0;
+    const String* storage = names.data();
+    while (names.size() < 10000) {
+        names.push_back(names[0]);
+        moves += names.data() != storage;
+        storage = names.data();
+    }
+    EXPECT_LT(moves, 20);
+    EXPECT_EQ(names, Array<String>(10000, expected));
+
+    names.resize(1);
+    names.push_back(std::move(names[0]));
+    EXPECT_EQ(names[1], expected);
+}
+
+// Lets `change` fail at its first copy, at its second, and so on, until it succeeds; after each
+// failure the array must hold what it held, and nothing else may live. Returns the failures.
+template <class Change>
+int failEachCopy(const Change& change)
+{
+    for (int copies = 0;; ++copies) {
+        SCOPED_TRACE(copies);
+        Fragile::copiesLeft = 100;
+        Array<Fragile> array(4, Fragile(5));
+        const Array<Fragile> before = array;
+        const int livingBefore = Fragile::living;
+        try {
+            Fragile::copiesLeft = copies;
+            change(array);
+            return copies;
+        } catch (const std::runtime_error&) {
+            EXPECT_EQ(Fragile::living, livingBefore);
+            EXPECT_EQ(array, before);
+        }
+    }
+}
+
+TEST(Array, KeepsItsElementsAndLeaksNoneWhenACopyThrows)
+{
+    const Fragile added(6);
+    EXPECT_EQ(failEachCopy([&](auto& array) { array.resize(9, added); }), 1 + 5 + 4);
+    EXPECT_EQ(failEachCopy([&](auto& array) { array.push_back(added); }), 1 + 4);
+    EXPECT_EQ(failEachCopy([](auto& array) { const auto copy = array; }), 4);
+    EXPECT_EQ(Fragile::living, 1);
+}
+
+TEST(Array, LargeBlocksAreZeroAndStartOnAHugePage)
+{
+    constexpr std::size_t kHugePage = std::size_t{2} << 20;
+    for (const std::size_t bytes : {kHugePage - 1, kHugePage, kHugePage + 5, 9 * kHugePage + 5}) {
+        SCOPED_TRACE(bytes);
+        for (int round = 0; round < 2; ++round) {  // the second may get the first one's memory
+            Array<unsigned char> block(bytes);
+            EXPECT_TRUE(isAllZero(block.data(), bytes));
+            if (bytes >= kHugePage) {
+                EXPECT_EQ(addressOf(block.data()) % kHugePage, 0u);
+            }
+            std::fill(block.begin(), block.end(), 0xFF);
+        }
+    }
+}
+
+TEST(Array, AlignsForTheElementType)
+{
+    struct alignas(64) Line {
+        float lane[16];
+    };
+    for (const std::size_t count : {1, 3, 100, 50000}) {
+        const Array<Line> lines(count);
+        EXPECT_EQ(addressOf(lines.data()) % 64, 0u) << count;
+        EXPECT_TRUE(isAllZero(lines.data(), count * sizeof(Line))) << count;
+    }
+}
+
+TEST(Array, RefusesSizesThatCannotBe)
+{
+    Array<double> array{1, 2};
+    EXPECT_THROW(array.resize(std::numeric_limits<std::size_t>::max() / 8),
+                 std::bad_array_new_length);
+    EXPECT_THROW(array.resize(std::size_t{1} << 59), std::bad_alloc);
+    EXPECT_EQ(array, (Array<double>{1, 2}));
+    EXPECT_EQ(Pelon::Internal::typeRep<int>.allocate(0), nullptr);
+}
+
+}  // namespace
