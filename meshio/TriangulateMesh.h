@@ -16,13 +16,22 @@ struct TriangulatedMesh {
 };
 
 /// Every property of `mesh` that a program may want to carry: data properties other than the
-/// topology, and render settings; in the object's order.
+/// topology, and render settings; in the object's order. The offsets of a list go with the list and
+/// are not named.
 Pelon::Array<Pelon::String> carriedPropertyNames(const Korvane::Object& mesh);
 
-/// Triangulates a valid mesh, carries the named properties, and keeps indexed corner properties
-/// indexed: their index arrays go through the triangulation as plain corner values, and the range
-/// properties are put together again from them. Values of the object itself (not geometry
-/// properties), such as "material_library", are copied.
+/// Triangulates a mesh without errors (see Validate.h) and carries the named properties, in the
+/// order of `mesh`.
+///
+/// Indexed properties stay indexed: their values are shared, their index arrays follow the corners,
+/// and an index array that several properties use is carried once. Lists that belong to points are
+/// shared. A list or any other property on a component of its own has no rule by which it follows
+/// faces onto triangles; a warning says that it is left out. Values of the object itself (not
+/// geometry properties), such as "material_library", are always carried. A mesh without faces keeps
+/// its points. `mesh` is not changed; names that it lacks are passed over.
+///
+/// Throws std::invalid_argument where the kernel rejects the mesh, std::runtime_error when the
+/// caller's job is cancelled.
 TriangulatedMesh triangulateMesh(const Korvane::Object& mesh,
                                  const Pelon::Array<Pelon::String>& propertyNames);
 

@@ -1,0 +1,32 @@
+#include "Console.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <cerrno>
+#include <csignal>
+
+namespace Cli {
+
+void secureStandardStreams()
+{
+    // open() takes the lowest free descriptor, which is the one just found closed.
+    for (int descriptor = 0; descriptor <= 2; ++descriptor)
+        if (fcntl(descriptor, F_GETFD) == -1 && errno == EBADF)
+            static_cast<void>(open("/dev/null", descriptor == 0 ? O_WRONLY : O_RDONLY));
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool writeAll(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+}  // namespace Cli

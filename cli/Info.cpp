@@ -1,0 +1,33 @@
+#include "MeshFacts.h"
+#include "Options.h"
+#include "Verbs.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+namespace Cli {
+namespace {
+
+ExitCode info(const std::string& path, Session& session)
+{
+    const MeshIo::MeshRead input = readInput(session, path);
+    session.beginStage("measuring");
+    Json facts = {{"verb", "info"}, {"file", path}, {"format", formatName(input.format)}};
+    facts.update(factsOf(*input.mesh));
+    const std::string text = path + ": " + formatName(input.format) + "\n" + textOf(facts);
+    session.finish(std::move(facts), text);
+    return ExitCode::Done;
+}
+
+}  // namespace
+
+Run declareInfo(CLI::App& verb, Session& session)
+{
+    const auto path = std::make_shared<std::string>();
+    addInput(verb, *path);
+    verb.footer("Example:\n  tessary info roof.obj");
+    return [path, &session] { return info(*path, session); };
+}
+
+}  // namespace Cli

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Session.h"
+
+#include <Korvane/Object.h>
+
+#include <string>
+
+/// What can be said about a mesh, as JSON.
+namespace Cli {
+
+/// "points", "corners" and "faces".
+Json countsOf(const Korvane::Object& mesh);
+
+/// The names of the carried properties.
+Json carriedNames(const Korvane::Object& mesh);
+
+/// A valid mesh: counts, polygon sizes, bounding box, area, properties and values of the object.
+Json factsOf(const Korvane::Object& mesh);
+
+/// The same as lines for people.
+std::string textOf(const Json& facts);
+
+/// A list of strings as "a, b, c".
+std::string joined(const Json& strings);
+
+}  // namespace Cli

@@ -1,0 +1,94 @@
+#include "MeshFacts.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace Cli {
+namespace {
+
+constexpr std::size_t kShownSizes = 6;
+
+std::string sizesText(const Json& sizes)
+{
+    std::string text;
+    std::size_t shown = 0;
+    for (const auto& [size, count] : sizes.items()) {
+        if (shown++ == kShownSizes)
+            return text + ", ...";
+        text += (text.empty() ? "" : ", ") + count.dump() + " of " + size + " corners";
+    }
+    return text;
+}
+
+std::string boxText(const Json& box)
+{
+    if (box.is_null())
+        return "none";
+    const auto corner = [](const Json& v) {
+        return v[0].dump() + " " + v[1].dump() + " " + v[2].dump();
+    };
+    return corner(box["min"]) + "  to  " + corner(box["max"]);
+}
+
+std::string propertyText(const Json& property)
+{
+    const auto word = [&property](const char* key) { return property[key].get<std::string>(); };
+    std::string text = property["type"].is_null() ? "unknown type" : word("type");
+    text += " on " + property["elements"].dump() + " " + word("component");
+    if (!property["through"].is_null())
+        text += ", " + property["values"].dump() + " values through " + word("through");
+    return text;
+}
+
+using Rows = std::vector<std::pair<std::string, std::string>>;
+
+std::string table(const Rows& rows)
+{
+    std::size_t width = 0;
+    for (const auto& row : rows)
+        width = std::max(width, row.first.size());
+    std::ostringstream text;
+    for (const auto& [name, value] : rows)
+        text << "  " << std::left << std::setw(static_cast<int>(width)) << name << "  " << value
+             << "\n";
+    return text.str();
+}
+
+Rows summaryRows(const Json& facts)
+{
+    const std::string sizes = sizesText(facts["polygon_sizes"]);
+    return {{"points", facts["points"].dump()},
+            {"corners", facts["corners"].dump()},
+            {"faces", facts["faces"].dump() + (sizes.empty() ? "" : ": " + sizes)},
+            {"bounding box", boxText(facts["bounding_box"])},
+            {"area", facts["area"].dump()}};
+}
+
+}  // namespace
+
+std::string textOf(const Json& facts)
+{
+    std::string text = table(summaryRows(facts));
+    Rows properties, values;
+    for (const Json& property : facts["properties"])
+        properties.emplace_back(property["name"].get<std::string>(), propertyText(property));
+    for (const auto& [name, value] : facts["values"].items())
+        values.emplace_back(name, value.dump(-1, ' ', false, Json::error_handler_t::replace));
+    if (!properties.empty())
+        text += "properties\n" + table(properties);
+    if (!values.empty())
+        text += "values\n" + table(values);
+    return text;
+}
+
+std::string joined(const Json& strings)
+{
+    std::string text;
+    for (const Json& string : strings)
+        text += (text.empty() ? "" : ", ") + string.get<std::string>();
+    return text;
+}
+
+}  // namespace Cli

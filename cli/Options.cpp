@@ -1,0 +1,125 @@
+#include "Options.h"
+
+#include <meshio/TriangulateMesh.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+
+namespace Cli {
+namespace {
+
+using MeshIo::MeshFormat;
+
+constexpr unsigned kMostThreads = 1024;
+
+struct NamedFormat {
+    const char* name;
+    MeshFormat format;
+};
+constexpr NamedFormat kFormats[] = {{"obj", MeshFormat::Obj},
+                                    {"ply", MeshFormat::PlyBinary},
+                                    {"ply-ascii", MeshFormat::PlyAscii},
+                                    {"ply-big", MeshFormat::PlyBinaryBigEndian}};
+
+std::vector<std::string> formatNames()
+{
+    std::vector<std::string> names;
+    for (const NamedFormat& format : kFormats)
+        names.push_back(format.name);
+    return names;
+}
+
+std::string namesOf(const Pelon::Array<Pelon::String>& names)
+{
+    std::string list;
+    for (const Pelon::String& name : names)
+        list += (list.empty() ? "" : ", ") + std::string(name.view());
+    return list.empty() ? "none" : list;
+}
+
+}  // namespace
+
+void addSettings(CLI::App& verb, Session::Settings& settings)
+{
+    verb.add_flag("--json", settings.json, "Report as one JSON document on standard output");
+    verb.add_flag("--quiet,-q", settings.quiet, "Say nothing on standard error but errors");
+    verb.add_option("--threads", settings.threads, "Use this many threads, 1 to 1024")
+        ->type_name("N")
+        ->check(CLI::Range(1u, kMostThreads).description(""));
+}
+
+void addInput(CLI::App& verb, std::string& path)
+{
+    verb.add_option("INPUT", path, "Mesh file to read (OBJ or PLY); - is standard input")
+        ->type_name("")
+        ->required();
+}
+
+void addOutput(CLI::App& verb, OutputOptions& output)
+{
+    verb.add_option("--output,-o", output.path, "File to write; - is standard output")
+        ->type_name("FILE")
+        ->required();
+    verb.add_option("--format", output.format,
+                    "obj, ply, ply-ascii or ply-big; without it the ending of FILE decides")
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember(formatNames()).description(""));
+    verb.add_flag("--force,-f", output.force, "Replace FILE if it exists");
+}
+
+void addProperties(CLI::App& verb, std::string& selection)
+{
+    verb.add_option("--properties", selection,
+                    "What to carry: all (without this option), none, or names such as a,b")
+        ->type_name("NAMES");
+}
+
+MeshFormat formatFor(const OutputOptions& output)
+{
+    for (const NamedFormat& format : kFormats)
+        if (output.format == format.name)
+            return format.format;
+    if (output.path == "-")
+        throw UsageError("standard output has no ending that says its format; give --format");
+    if (const auto format = MeshIo::formatOfName(output.path))
+        return *format;
+    throw UsageError(output.path + ": the ending is neither .obj nor .ply; give --format");
+}
+
+const char* formatName(MeshFormat format)
+{
+    return std::find_if(std::begin(kFormats), std::end(kFormats),
+                        [format](const NamedFormat& named) { return named.format == format; })
+        ->name;
+}
+
+Pelon::Array<Pelon::String> selectProperties(const Korvane::Object& mesh,
+                                             const std::string& selection)
+{
+    const Pelon::Array<Pelon::String> present = MeshIo::carriedPropertyNames(mesh);
+    if (selection.empty() || selection == "all")
+        return present;
+    Pelon::Array<Pelon::String> selected;
+    if (selection == "none")
+        return selected;
+    std::istringstream list(selection);
+    for (std::string name; std::getline(list, name, ',');) {
+        if (std::find(present.begin(), present.end(), Pelon::String(name)) == present.end())
+            throw UsageError("the mesh has no property \"" + name +
+                             "\"; it has: " + namesOf(present));
+        selected.push_back(name);
+    }
+    return selected;
+}
+
+MeshIo::MeshRead readInput(Session& session, const std::string& path)
+{
+    session.setSubject(path);
+    session.beginStage("reading");
+    MeshIo::MeshRead input = MeshIo::readMesh(path);
+    session.warn(input.warnings);
+    return input;
+}
+
+}  // namespace Cli

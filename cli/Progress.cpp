@@ -1,0 +1,91 @@
+#include "Progress.h"
+
+#include "Console.h"
+
+#include <pthread.h>
+#include <unistd.h>
+#include <algorithm>
+#include <csignal>
+
+namespace Cli {
+namespace {
+
+constexpr std::chrono::milliseconds kPatience{500};
+constexpr std::chrono::milliseconds kPeriod{250};
+constexpr std::size_t kWidth = 79;  // a longer line would wrap and could not be erased
+
+std::string cutToWidth(std::string line)
+{
+    std::size_t length = std::min(line.size(), kWidth);
+    while (length < line.size() && length > 0 && (line[length] & 0xC0) == 0x80)
+        --length;
+    line.resize(length);
+    return line;
+}
+
+}  // namespace
+
+Progress::~Progress()
+{
+    if (!m_thread.joinable())
+        return;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_stopped = true;
+        erase();
+    }
+    m_changed.notify_all();
+    m_thread.join();
+}
+
+void Progress::start()
+{
+    // Signals belong to the main thread, whose waiting they have to end.
+    sigset_t all, old;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &old);
+    m_thread = std::thread([this] { run(); });
+    pthread_sigmask(SIG_SETMASK, &old, nullptr);
+}
+
+void Progress::show(std::string line)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    erase();
+    m_line = std::move(line);
+    m_since = Clock::now();
+}
+
+std::unique_lock<std::mutex> Progress::clear()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    erase();
+    return lock;
+}
+
+void Progress::run()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_stopped) {
+        const Clock::duration elapsed = Clock::now() - m_since;
+        if (!m_line.empty() && elapsed > kPatience)
+            draw(elapsed);
+        m_changed.wait_for(lock, kPeriod);
+    }
+}
+
+void Progress::draw(Clock::duration elapsed)
+{
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
+    const std::string line = m_line + ", " + std::to_string(seconds) + " s";
+    m_drawn = writeAll(STDERR_FILENO, "\r\033[K" + cutToWidth(line));
+}
+
+void Progress::erase()
+{
+    if (m_drawn)
+        writeAll(STDERR_FILENO, "\r\033[K");
+    m_drawn = false;
+}
+
+}  // namespace Cli

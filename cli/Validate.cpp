@@ -1,0 +1,79 @@
+#include "Options.h"
+#include "Verbs.h"
+
+#include <meshio/Validate.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+namespace Cli {
+namespace {
+
+using MeshIo::Problem;
+using MeshIo::ValidationReport;
+
+const char* severityName(Problem::Severity severity)
+{
+    return severity == Problem::Severity::Error ? "error" : "warning";
+}
+
+Json factsOf(const Problem& problem)
+{
+    return {{"severity", severityName(problem.severity)},
+            {"kind", problem.kind},
+            {"message", problem.message},
+            {"count", problem.count},
+            {"places", problem.places},
+            {"advice", problem.advice}};
+}
+
+std::string textOf(const std::string& file, const Problem& problem)
+{
+    std::string text = file + ": " + severityName(problem.severity) + ": " +
+                       std::to_string(problem.count) + " " + problem.message + " [" + problem.kind +
+                       "]\n";
+    for (const std::string& place : problem.places)
+        text += "    " + place + "\n";
+    if (problem.places.size() < problem.count && !problem.places.empty())
+        text += "    ...\n";
+    return text + "    what to do: " + problem.advice + "\n";
+}
+
+ExitCode validate(const std::string& path, Session& session)
+{
+    session.setSubject(path);
+    session.beginStage("reading");
+    const MeshIo::MeshRead input = MeshIo::readMeshUnchecked(path);
+    session.warn(input.warnings);
+    session.beginStage("validating");
+    const ValidationReport report = MeshIo::validateMesh(*input.mesh);
+    const bool valid = !report.hasErrors();
+
+    Json facts = {{"verb", "validate"},
+                  {"file", path},
+                  {"format", formatName(input.format)},
+                  {"valid", valid},
+                  {"problems", Json::array()}};
+    std::string text = valid ? path + ": valid\n" : "";
+    for (const Problem& problem : report.problems) {
+        facts["problems"].push_back(factsOf(problem));
+        text += textOf(path, problem);
+    }
+    session.finish(std::move(facts), text);
+    return valid ? ExitCode::Done : ExitCode::CheckFailed;
+}
+
+}  // namespace
+
+Run declareValidate(CLI::App& verb, Session& session)
+{
+    const auto path = std::make_shared<std::string>();
+    addInput(verb, *path);
+    verb.footer(
+        "Exits with 1 where the mesh has errors, with 0 where it has at most warnings.\n\n"
+        "Example:\n  tessary validate roof.obj");
+    return [path, &session] { return validate(*path, session); };
+}
+
+}  // namespace Cli

@@ -1,0 +1,106 @@
+#include "Console.h"
+#include "Options.h"
+#include "Session.h"
+#include "Verbs.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <unistd.h>
+#include <map>
+
+namespace {
+
+using namespace Cli;
+
+struct Verb {
+    const char* name;
+    const char* summary;
+    Run (*declare)(CLI::App&, Session&);
+};
+
+constexpr Verb kVerbs[] = {
+    {"info", "Say what a mesh file holds", declareInfo},
+    {"validate", "List what is wrong with a mesh", declareValidate},
+    {"triangulate", "Split polygons into triangles", declareTriangulate},
+    {"demo", "Run every kernel on a demo mesh and write the results", declareDemo},
+};
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 done, 1 check failed, 2 wrong usage, 3 unreadable or unwritable file,\n"
+    "4 invalid mesh, 130 interrupted.";
+
+int printed(const std::string& text, Session& session)
+{
+    return static_cast<int>(session.run([&] {
+        session.settings.json = false;
+        session.finish(Json(), text);
+        return ExitCode::Done;
+    }));
+}
+
+std::string verbOf(const CLI::App& program)
+{
+    const auto parsed = program.get_subcommands();
+    return parsed.empty() ? "" : parsed.front()->get_name();
+}
+
+// The parser's own words for a missing or unknown verb do not name the verbs.
+std::string whatIsWrong(const CLI::App& program, const CLI::ParseError& error)
+{
+    if (!verbOf(program).empty())
+        return error.what();
+    std::string verbs;
+    for (const Verb& verb : kVerbs)
+        verbs += (verbs.empty() ? "" : ", ") + std::string(verb.name);
+    const auto rest = program.remaining();
+    return (rest.empty() ? "a verb is missing" : "there is no verb " + rest.front()) +
+           "; the verbs are " + verbs;
+}
+
+int wrongUsage(const CLI::App& program, const CLI::ParseError& error, Session& session)
+{
+    const std::string verb = verbOf(program);
+    session.setVerb(verb);
+    session.fail(whatIsWrong(program, error) + " (see tessary " + (verb.empty() ? "" : verb + " ") +
+                 "--help)");
+    return static_cast<int>(ExitCode::Usage);
+}
+
+int parseAndRun(CLI::App& program, const std::map<std::string, Run>& runs, Session& session,
+                int argc, char** argv)
+{
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        return printed(program.help(), session);
+    } catch (const CLI::CallForVersion&) {
+        return printed("tessary " TESSARY_VERSION "\n", session);
+    } catch (const CLI::ParseError& error) {
+        return wrongUsage(program, error, session);
+    }
+    session.setVerb(verbOf(program));
+    return static_cast<int>(session.run(runs.at(verbOf(program))));
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    secureStandardStreams();
+    Session session;
+    CLI::App program("Geometry kernels for mesh files (OBJ, PLY).", "tessary");
+    program.require_subcommand(1);
+    program.get_formatter()->label("SUBCOMMAND", "VERB");
+    program.get_formatter()->label("REQUIRED", "");
+    program.set_version_flag("--version", "tessary " TESSARY_VERSION);
+    program.footer(kExitCodes);
+
+    std::map<std::string, Run> runs;
+    for (const Verb& verb : kVerbs) {
+        CLI::App& declared = *program.add_subcommand(verb.name, verb.summary)->group("Verbs");
+        runs[verb.name] = verb.declare(declared, session);
+        addSettings(declared, session.settings);
+    }
+    return parseAndRun(program, runs, session, argc, argv);
+}
