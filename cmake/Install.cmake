@@ -1,0 +1,57 @@
+# Install rules: a prefix that can be moved as a whole, with one CMake package for the library, one
+# for the embedded host, and a pkg-config module.
+include(CMakePackageConfigHelpers)
+
+set(tessary_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Tessary)
+set(tessary_host_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KorvaneEmbedded)
+
+# Where programs and libraries look for the libraries beside them.
+function(tessary_install_rpath target directory)
+  file(RELATIVE_PATH to_libraries ${directory} ${CMAKE_INSTALL_FULL_LIBDIR})
+  if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+  endif()
+endfunction()
+
+# Installs the CMake package `package` with the targets of its export set, under `namespace`.
+function(tessary_install_package package namespace directory)
+  configure_package_config_file(cmake/${package}Config.cmake.in
+    ${PROJECT_BINARY_DIR}/cmake/${package}Config.cmake INSTALL_DESTINATION ${directory})
+  write_basic_package_version_file(${PROJECT_BINARY_DIR}/cmake/${package}ConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+  install(EXPORT ${package}Targets NAMESPACE ${namespace} DESTINATION ${directory})
+  install(FILES
+    ${PROJECT_BINARY_DIR}/cmake/${package}Config.cmake
+    ${PROJECT_BINARY_DIR}/cmake/${package}ConfigVersion.cmake
+    DESTINATION ${directory})
+endfunction()
+
+tessary_install_rpath(tessary ${CMAKE_INSTALL_FULL_LIBDIR})
+install(TARGETS tessary EXPORT TessaryTargets)
+install(DIRECTORY include/Tessary DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+if(TESSARY_HOST_PACKAGE)
+  set(tessary_host_package ${TESSARY_HOST_PACKAGE})
+else()
+  set(tessary_host_package KorvaneEmbedded)
+  install(TARGETS korvane_embedded EXPORT KorvaneEmbeddedTargets)
+  install(DIRECTORY embedded/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  tessary_install_package(KorvaneEmbedded Korvane:: ${tessary_host_dir})
+
+  # Which libraries another host consists of, only its CMake package says.
+  file(RELATIVE_PATH tessary_prefix_from_pkgconfig
+    ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+  set(tessary_pc_libdir "\${prefix}")
+  set(tessary_pc_includedir "\${prefix}")
+  cmake_path(APPEND tessary_pc_libdir ${CMAKE_INSTALL_LIBDIR})
+  cmake_path(APPEND tessary_pc_includedir ${CMAKE_INSTALL_INCLUDEDIR})
+  configure_file(cmake/tessary.pc.in ${PROJECT_BINARY_DIR}/cmake/tessary.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/cmake/tessary.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endif()
+tessary_install_package(Tessary Tessary:: ${tessary_package_dir})
+
+if(TESSARY_BUILD_PROGRAM)
+  tessary_install_rpath(tessary_program ${CMAKE_INSTALL_FULL_BINDIR})
+  install(TARGETS tessary_program)
+endif()
