@@ -1,0 +1,29 @@
+cmake_minimum_required(VERSION 3.25)
+# Compares what LIBRARY exports with the sorted list EXPECTED, and looks at its name.
+execute_process(COMMAND ${NM} -D -C --defined-only ${LIBRARY}
+  OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX REPLACE "(^|\n)[0-9a-f]* *[A-Za-z] " "\\1" names "${symbols}")
+file(STRINGS ${EXPECTED} expected)
+string(STRIP "${names}" names)
+string(REPLACE "\n" ";" names "${names}")
+list(SORT names)
+
+foreach(name ${names})
+  if(NOT name IN_LIST expected)
+    message(SEND_ERROR "exported, but not listed in ${EXPECTED}: ${name}")
+  endif()
+endforeach()
+foreach(name ${expected})
+  if(NOT name IN_LIST names)
+    message(SEND_ERROR "listed in ${EXPECTED}, but not exported: ${name}")
+  endif()
+endforeach()
+if(NOT names STREQUAL expected)
+  message(SEND_ERROR "${EXPECTED} is not sorted, or a name occurs twice")
+endif()
+
+execute_process(COMMAND ${READELF} -d ${LIBRARY}
+  OUTPUT_VARIABLE dynamic COMMAND_ERROR_IS_FATAL ANY)
+if(NOT dynamic MATCHES "\\(SONAME\\)[^\n]*\\[libtessary\\.so\\.2\\]")
+  message(SEND_ERROR "${LIBRARY} does not call itself libtessary.so.2")
+endif()

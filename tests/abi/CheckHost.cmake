@@ -1,0 +1,10 @@
+cmake_minimum_required(VERSION 3.25)
+# The embedded host LIBRARY stands alone: it neither defines nor needs a name of the library above it.
+execute_process(COMMAND ${NM} -D -C ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+if(NOT symbols MATCHES "Korvane::createObject")
+  message(SEND_ERROR "${LIBRARY} is not the host")
+endif()
+string(REGEX MATCHALL "[^\n]*(Tessary|MeshIo|tbb::)[^\n]*" foreign "${symbols}")
+if(foreign)
+  message(SEND_ERROR "${LIBRARY} knows of: ${foreign}")
+endif()
