@@ -172,7 +172,7 @@ bool populatePointCloud(Ptr<Array<float3>> positions, Object& geometry)
 
 MutablePtr<Object> makeMesh(Array<float3> points, Array<uint> faceOffset, Array<uint> faceVertex)
 {
-    const MutablePtr<Object> geometry = createObject();
+    MutablePtr<Object> geometry = createObject();
     addMesh(*geometry, std::move(points), std::move(faceOffset), std::move(faceVertex));
     return geometry;
 }

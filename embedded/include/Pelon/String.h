@@ -8,16 +8,15 @@
 
 namespace Pelon {
 
+// Text passes for any of its forms: NOLINTBEGIN(google-explicit-constructor)
+
 /// A view of characters that somebody else owns; not NUL-terminated.
 class StringView {
 public:
     constexpr StringView() noexcept = default;
-    constexpr StringView(const char* text) : m_text(text) {}  // NOLINT(google-explicit-constructor)
-    constexpr StringView(std::string_view text) noexcept      // NOLINT(google-explicit-constructor)
-        : m_text(text)
-    {}
-    StringView(const std::string& text) noexcept
-        : m_text(text) {}  // NOLINT(google-explicit-constructor)
+    constexpr StringView(const char* text) : m_text(text) {}
+    constexpr StringView(std::string_view text) noexcept : m_text(text) {}
+    StringView(const std::string& text) noexcept : m_text(text) {}
 
     constexpr const char* data() const noexcept { return m_text.data(); }
     constexpr std::size_t size() const noexcept { return m_text.size(); }
@@ -35,15 +34,11 @@ private:
 class String {
 public:
     String() = default;
-    String(const char* text) : m_text(text) {}  // NOLINT(google-explicit-constructor)
-    String(std::string text) noexcept
-        : m_text(std::move(text)) {}  // NOLINT(google-explicit-constructor)
+    String(const char* text) : m_text(text) {}
+    String(std::string text) noexcept : m_text(std::move(text)) {}
     explicit String(StringView text) : m_text(text.view()) {}
 
-    operator StringView() const noexcept
-    {
-        return StringView(m_text);
-    }  // NOLINT(google-explicit-constructor)
+    operator StringView() const noexcept { return StringView(m_text); }
 
     const char* c_str() const noexcept { return m_text.c_str(); }
     std::size_t size() const noexcept { return m_text.size(); }
@@ -57,6 +52,8 @@ public:
 private:
     std::string m_text;
 };
+
+// NOLINTEND(google-explicit-constructor)
 
 }  // namespace Pelon
 
