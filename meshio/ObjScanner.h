@@ -13,8 +13,7 @@ namespace MeshIo {
 /// Walks through the words of OBJ text, statement by statement.
 ///
 /// A line ends with LF, CR LF or CR; a backslash before it continues the statement on the next
-/// line. Blanks are spaces and tabs. A "#" at the beginning of a word starts a comment, save in
-/// names.
+/// line. Blanks are spaces and tabs. A "#" starts a comment, save in names.
 class ObjScanner {
 public:
     ObjScanner(std::string_view text, const std::string& name)
@@ -78,20 +77,20 @@ public:
         return unusualNumber();
     }
 
-    /// An index that begins here, of any sign; more than 18 digits are cut to a value beyond any
-    /// count. Fails with the whole word where there is none.
+    /// The index that begins here, of any sign. Fails where there is none, or none of at most 18
+    /// digits.
     std::int64_t index()
     {
         const char* const begin = m_at;
         const bool negative = m_at < m_end && *m_at == '-';
         m_at += negative || (m_at < m_end && *m_at == '+');
         const char* const digits = m_at;
-        std::int64_t value = 0;
+        std::uint64_t value = 0;
         for (; m_at < m_end && static_cast<unsigned char>(*m_at - '0') < 10; ++m_at)
-            value = value < kHugeIndex ? 10 * value + (*m_at - '0') : kHugeIndex;
-        if (m_at == digits)
+            value = 10 * value + static_cast<unsigned char>(*m_at - '0');
+        if (m_at == digits || m_at - digits > 18)
             failAtIndex(begin);
-        return negative ? -value : value;
+        return negative ? -static_cast<std::int64_t>(value) : static_cast<std::int64_t>(value);
     }
 
     /// Steps over a slash, if one is here.
@@ -105,7 +104,7 @@ public:
     /// Whether a word ends here.
     bool atSeparator() const
     {
-        return m_at == m_end || isBlank(*m_at) || *m_at == '\n' || *m_at == '\r' ||
+        return m_at == m_end || isBlank(*m_at) || *m_at == '\n' || *m_at == '\r' || *m_at == '#' ||
                (*m_at == '\\' && isContinuation());
     }
 
@@ -121,8 +120,6 @@ public:
     std::uint64_t firstMisplacedSign() const { return m_firstMisplacedSign; }
 
 private:
-    static constexpr std::int64_t kHugeIndex = 100000000000000000;
-
     static bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
     bool isContinuation() const { return m_at + 1 == m_end || m_at[1] == '\n' || m_at[1] == '\r'; }

@@ -49,7 +49,7 @@ TEST(NumberText, ReadsTheNearestValueOfEveryForm)
                              "1e",
                              "1e+",
                              "3.1+e2",
-                             "0x10",
+
                              "inf",
                              "-Infinity",
                              "1e40",
@@ -108,6 +108,14 @@ TEST(NumberText, RefusesWhatIsNoNumber)
         EXPECT_EQ(real, 7);
         EXPECT_EQ(integer, 7);
     }
+}
+
+TEST(NumberText, ReadsNoHexadecimals)
+{
+    const std::string text = "0x10";
+    float value = 7;
+    EXPECT_EQ(scanNumber(text.data(), text.data() + text.size(), value), text.data() + 1);
+    EXPECT_EQ(value, 0);
 }
 
 TEST(NumberText, ReadsIntegersThatFit)
