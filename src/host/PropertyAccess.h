@@ -112,8 +112,7 @@ MutablePtr<Array<T>> addDataArray(StringView target, StringView name, std::uint6
     clearDependsOn(property);
 
     Modification<Array<T>> modifiedData(property, Geometry::sData);
-    const MutablePtr<Array<T>> data =
-        modifiedData.valueOrMade([] { return makeMutable<Array<T>>(); });
+    MutablePtr<Array<T>> data = modifiedData.valueOrMade([] { return makeMutable<Array<T>>(); });
     data->resize(size, defaultValue);
     modifiedData.store();
 
