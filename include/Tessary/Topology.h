@@ -19,8 +19,7 @@ namespace Tessary {
 ///        and each corner goes into the first entry of its point's range that holds 0xFFFFFFFF and
 ///        lies inside the array; it is left out where there is none
 /// cost   O(corners + points) time, whatever the valence; no scratch memory for prepared arrays,
-///        4 bytes per point otherwise. Offsets that wrap past 32 bits are searched from the start
-///        of the range for each corner. Runs on the caller's thread
+///        4 bytes per corner otherwise. Runs on the caller's thread
 TESSARY_API void constructDualMesh(const Pelon::Array<uint>& faceVertex,
                                    Pelon::Array<uint>& dualFaceOffset,
                                    Pelon::Array<uint>& dualFaceVertex);
@@ -29,11 +28,10 @@ TESSARY_API void constructDualMesh(const Pelon::Array<uint>& faceVertex,
 ///
 /// in     pointComponent        names the component whose element count is the point count
 /// in     faceVertexName        names the face-vertex property to invert (uint data)
-/// out    dualComponentName     a new component with one element per corner; an empty name stores
-/// none out    dualFaceVertexName    the corner lists, a property of that component, default
-/// 0xFFFFFFFF out    dualFaceOffsetName    the offsets, a property that targets faceVertexName,
-/// default 0 else   without the face-vertex property nothing changes. Build once: properties that
-/// exist
+/// out    dualComponentName     a new component, one element per corner; an empty name stores none
+/// out    dualFaceVertexName    the corner lists, a property of that component, default 0xFFFFFFFF
+/// out    dualFaceOffsetName    the offsets, a property that targets faceVertexName, default 0
+/// else   without the face-vertex property nothing changes. Build once: properties that exist
 ///        already are resized but not cleared, so a second build adds its counts to the first
 /// cost   that of constructDualMesh
 TESSARY_API void addDual(Korvane::Object& geometry, const Pelon::String& pointComponent,

@@ -64,34 +64,50 @@ uint fillByOffsets(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
     return cornerCount;
 }
 
-// The first slot of [slot, end) that is free; `end` or beyond where there is none. A slot outside
-// the array counts as taken.
-uint firstFree(const Array<uint>& dualFaceVertex, uint slot, uint end)
-{
-    const uint last = static_cast<uint>(std::min<std::size_t>(end, dualFaceVertex.size()));
-    while (slot < last && dualFaceVertex[slot] != kNone)
-        ++slot;
-    return slot < last ? slot : end;
-}
+// Finds free slots as a search from any start would, in near constant time: every slot knows one at
+// or after it, up to the first free one, and each look shortens the way of the next.
+class FreeSlots {
+public:
+    explicit FreeSlots(const Array<uint>& dualFaceVertex)
+        : m_next(std::min<std::size_t>(dualFaceVertex.size(), kNone - 1) + 1)
+    {
+        uint slot = static_cast<uint>(m_next.size()) - 1;
+        m_next[slot] = slot;  // past the end: found where nothing is free
+        while (slot-- > 0)
+            m_next[slot] = dualFaceVertex[slot] == kNone ? slot : m_next[slot + 1];
+    }
 
-// Lists the corners from `firstCorner` on, each in the first free slot of its point's range.
+    /// The first free slot from `slot` on; past the end of the array where there is none.
+    uint find(uint slot)
+    {
+        slot = std::min(slot, static_cast<uint>(m_next.size()) - 1);
+        while (m_next[slot] != slot)
+            slot = m_next[slot] = m_next[m_next[slot]];
+        return slot;
+    }
+
+    void take(uint slot) { m_next[slot] = slot + 1; }
+
+    uint size() const { return static_cast<uint>(m_next.size()) - 1; }
+
+private:
+    std::vector<uint> m_next;
+};
+
+// Lists the corners from `firstCorner` on, each in the first free slot of its point's range. Offsets
+// that arrived filled may make ranges overlap, wrap, or reach past the array.
 void fillBySearch(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffset,
                   Array<uint>& dualFaceVertex, uint firstCorner)
 {
-    // Ranges that do not overlap fill from the front, so a search may go on where the one before it
-    // ended. Sums that wrapped make ranges overlap: then each search starts at its range's start.
-    const bool isAscending = std::is_sorted(dualFaceOffset.begin(), dualFaceOffset.end());
-    std::vector<uint> cursors(dualFaceOffset.begin(), dualFaceOffset.end());
-
+    FreeSlots freeSlots(dualFaceVertex);
     const uint cornerCount = static_cast<uint>(faceVertex.size());
     for (uint corner = firstCorner; corner < cornerCount; ++corner) {
         const std::size_t point = faceVertex[corner];
-        const uint end = dualFaceOffset[point + 1];
-        const uint slot = firstFree(dualFaceVertex, cursors[point], end);
-        if (slot < end)
+        const uint slot = freeSlots.find(dualFaceOffset[point]);
+        if (slot < dualFaceOffset[point + 1] && slot < freeSlots.size()) {
             dualFaceVertex[slot] = corner;
-        if (isAscending)
-            cursors[point] = slot;
+            freeSlots.take(slot);
+        }
     }
 }
 

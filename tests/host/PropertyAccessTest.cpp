@@ -1,0 +1,80 @@
+#include "host/PropertyAccess.h"
+
+#include "support/MeshBuilding.h"
+
+#include <gtest/gtest.h>
+
+#include <new>
+
+using namespace Tessary;
+using TestSupport::entryOf;
+using TestSupport::kNone;
+using TestSupport::meshOf;
+using TestSupport::shared;
+
+TEST(GetDataArray, IsEmptyForWhateverIsNotAnArrayOfThatType)
+{
+    const MutablePtr<Object> mesh = meshOf(3, {{0, 1, 2}});
+    mesh->setProperty("text", String("not a property"));
+    mesh->setProperty("no data", Korvane::createObject());
+    EXPECT_EQ(*getDataArray<uint>(*mesh, Geometry::sFaceVertex), (Array<uint>{0, 1, 2}));
+    EXPECT_FALSE(getDataArray<float>(*mesh, Geometry::sFaceVertex));
+    for (const char* name : {"missing", "text", "no data"})
+        EXPECT_FALSE(getDataArray<uint>(*mesh, name)) << name;
+}
+
+TEST(AddDataArray, MakesAPropertyWithEveryEntry)
+{
+    const MutablePtr<Object> geometry = Korvane::createObject();
+    const MutablePtr<Array<uint>> data = addDataArray<uint>("comp", "p", 3, kNone, *geometry);
+    (*data)[1] = 7;
+
+    EXPECT_EQ(*getDataArray<uint>(*geometry, "p"), (Array<uint>{kNone, 7, kNone}));
+    EXPECT_EQ(entryOf<uint>(*geometry, "p", Geometry::sDefault), kNone);
+    EXPECT_EQ(entryOf<String>(*geometry, "p", Geometry::sTarget), "comp");
+    EXPECT_TRUE(entryOf<Ptr<Array<String>>>(*geometry, "p", Geometry::sDependsOn)->empty());
+    using Mode = Geometry::Common::DataInterpolationMode;
+    EXPECT_EQ(static_cast<int>(entryOf<Mode>(*geometry, "p", Geometry::sInterp)), 1);
+}
+
+TEST(AddDataArray, ChangesAnUnsharedPropertyInPlaceAndCopiesASharedOne)
+{
+    const MutablePtr<Object> geometry = Korvane::createObject();
+    addDataArray<uint>("comp", "p", 2, 5, *geometry);
+    const uint* const storage = getDataArray<uint>(*geometry, "p")->data();
+    addDataArray<uint>("comp", "p", 1, 6, *geometry);
+    EXPECT_EQ(getDataArray<uint>(*geometry, "p")->data(), storage);
+    EXPECT_EQ(*getDataArray<uint>(*geometry, "p"), (Array<uint>{5}));
+
+    const Object other = *geometry;  // shares the property object
+    addDataArray<uint>("comp", "p", 3, 8, *geometry);
+    EXPECT_EQ(*getDataArray<uint>(*geometry, "p"), (Array<uint>{5, 8, 8}));
+    EXPECT_EQ(*getDataArray<uint>(other, "p"), (Array<uint>{5}));
+    EXPECT_EQ(entryOf<uint>(other, "p", Geometry::sDefault), 6u);
+
+    const Ptr<Array<uint>> array = getDataArray<uint>(*geometry, "p");  // shares the array alone
+    addDataArray<uint>("comp", "p", 0, 8, *geometry);
+    EXPECT_EQ(array->size(), 3u);
+}
+
+TEST(AddDataArray, ReplacesAnArrayOfAnotherTypeAndStoresNothingUnderAnEmptyName)
+{
+    const MutablePtr<Object> geometry = Korvane::createObject();
+    addDataArray<float>("comp", "p", 2, 1.0f, *geometry);
+    addDataArray<uint>("comp", "p", 1, 4, *geometry);
+    EXPECT_EQ(*getDataArray<uint>(*geometry, "p"), (Array<uint>{4}));
+
+    const auto unnamed = addDataArray<uint>("comp", "", 2, 9, *geometry);
+    EXPECT_EQ(*unnamed, (Array<uint>{9, 9}));
+    EXPECT_EQ(geometry->propertyNames(), (Array<String>{"p"}));
+}
+
+TEST(AddDataArray, LosesNothingWhenMemoryRunsOut)
+{
+    const MutablePtr<Object> geometry = Korvane::createObject();
+    addDataArray<uint>("comp", "p", 2, 5, *geometry);
+    const std::uint64_t tooMany = std::uint64_t{1} << 62;
+    EXPECT_THROW(addDataArray<uint>("comp", "p", tooMany, 6, *geometry), std::bad_alloc);
+    ASSERT_TRUE(getDataArray<uint>(*geometry, "p"));
+    EXPECT_EQ(*getDataArray<uint>(*geometry, "p"), (Array<uint>{5, 5}));
+}
