@@ -1,9 +1,12 @@
 #include <meshio/Validate.h>
 
-#include <Korvane/ElementTypes.h>
 #include <Korvane/Geometry.h>
 
+#include <meshio/ValidateParts.h>
+
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace MeshIo {
@@ -17,43 +20,8 @@ using Pelon::String;
 using Pelon::uint;
 namespace Geometry = Korvane::Geometry;
 
-constexpr uint kNone = 0xFFFFFFFF;
-constexpr std::size_t kPlaces = 5;
+constexpr std::size_t kBlock = 1024;
 constexpr uint kPairwiseFaceSize = 8;  // up to here comparing each with each is the quickest
-
-std::string str(std::uint64_t number)
-{
-    return std::to_string(number);
-}
-
-/// Collects one kind of problem; only the first few places are put into words.
-class Finding {
-public:
-    Finding(Problem::Severity severity, const char* kind, const char* message, const char* advice)
-        : m_problem{severity, kind, message, 0, {}, advice}
-    {}
-
-    template <class Describe>
-    void add(Describe&& describe)
-    {
-        if (m_problem.count++ < kPlaces)
-            m_problem.places.push_back(describe());
-    }
-
-    void addTo(ValidationReport& report)
-    {
-        if (m_problem.count > 0)
-            report.problems.push_back(std::move(m_problem));
-    }
-
-private:
-    Problem m_problem;
-};
-
-Finding error(const char* kind, const char* message, const char* advice)
-{
-    return {Problem::Severity::Error, kind, message, advice};
-}
 
 struct Topology {
     Ptr<Array<float3>> points;
@@ -153,8 +121,7 @@ void checkCorners(const Topology& mesh, ValidationReport& report)
 {
     const Array<uint>& corners = *mesh.faceVertex;
     const std::size_t pointCount = mesh.points->size();
-    const auto largest = std::max_element(corners.begin(), corners.end());
-    if (largest == corners.end() || *largest < pointCount)
+    if (countOutside(corners, pointCount, false) == 0)
         return;
     Finding wrong = error("index-out-of-range", "corners that name no point",
                           "add the missing points or correct the faces");
@@ -167,18 +134,39 @@ void checkCorners(const Topology& mesh, ValidationReport& report)
     wrong.addTo(report);
 }
 
+bool isFinite(const float3& p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+// The exponent of a float that is infinite or not a number has all its bits set.
+bool areFinite(const float3* points, std::size_t count)
+{
+    constexpr uint kExponent = 0x7F800000;
+    uint found = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        uint bits[3];
+        std::memcpy(bits, &points[i], sizeof bits);
+        found |= ((bits[0] & kExponent) == kExponent) | ((bits[1] & kExponent) == kExponent) |
+                 ((bits[2] & kExponent) == kExponent);
+    }
+    return found == 0;
+}
+
 void checkPoints(const Array<float3>& points, ValidationReport& report)
 {
     Finding wrong = error("point-not-finite", "points that are not finite",
                           "give every point three finite coordinates");
-    for (std::size_t point = 0; point < points.size(); ++point) {
-        const float3& p = points[point];
-        // Infinity and not-a-number are all that a zero factor does not turn into zero.
-        if (p.x * 0 + p.y * 0 + p.z * 0 != 0)
-            wrong.add([&] {
-                return "point " + str(point) + " (" + std::to_string(p.x) + " " +
-                       std::to_string(p.y) + " " + std::to_string(p.z) + ")";
-            });
+    for (std::size_t block = 0; block < points.size(); block += kBlock) {
+        const std::size_t end = std::min(block + kBlock, points.size());
+        if (areFinite(points.data() + block, end - block))
+            continue;
+        for (std::size_t point = block; point < end; ++point)
+            if (const float3& p = points[point]; !isFinite(p))
+                wrong.add([&] {
+                    return "point " + str(point) + " (" + std::to_string(p.x) + " " +
+                           std::to_string(p.y) + " " + std::to_string(p.z) + ")";
+                });
     }
     wrong.addTo(report);
 }
@@ -205,9 +193,21 @@ public:
     }
 
 private:
+    // Most faces are triangles and quads without a repeated corner.
+    static bool isDistinct(const uint* corner, uint count)
+    {
+        const bool triangle =
+            (corner[0] != corner[1]) & (corner[1] != corner[2]) & (corner[2] != corner[0]);
+        return count == 3 ? triangle
+                          : count == 4 && (triangle & (corner[3] != corner[0]) &
+                                           (corner[3] != corner[1]) & (corner[3] != corner[2]));
+    }
+
     void compare(std::size_t face, uint first, uint last)
     {
         const uint* const corners = m_mesh.faceVertex->data();
+        if (last - first >= 3 && isDistinct(corners + first, last - first))
+            return;
         for (uint corner = first + 1; corner < last; ++corner)
             for (uint earlier = first; earlier < corner; ++earlier)
                 if (corners[earlier] == corners[corner]) {
@@ -264,82 +264,6 @@ bool isTooLarge(const Topology& mesh, ValidationReport& report)
     return true;
 }
 
-/// Checks the arrays of all properties against their components and against each other.
-class PropertyChecks {
-public:
-    explicit PropertyChecks(const Object& mesh) : m_mesh(mesh) {}
-
-    void check(ValidationReport& report)
-    {
-        for (const String& name : m_mesh.propertyNames()) {
-            if (const auto property = Geometry::getDataGeoProperty(m_mesh, name))
-                Korvane::visitArray(property->getProperty(Geometry::sData),
-                                    [&](const auto& array, const char*) {
-                                        checkArray(name, *property, array->size());
-                                    });
-            else if (const auto range = Geometry::getRangeGeoProperty(m_mesh, name))
-                checkArray(name, *range, Geometry::getRangeGeoPropIndices(*range)->size());
-        }
-        m_length.addTo(report);
-        m_index.addTo(report);
-        m_circle.addTo(report);
-    }
-
-private:
-    void checkArray(const String& name, const Object& property, std::size_t size)
-    {
-        const std::string shown(name.view());
-        const Pelon::Any targetEntry = property.getProperty(Geometry::sTarget);
-        const String target = targetEntry.get<String>() ? *targetEntry.get<String>() : String();
-        if (const auto range = Geometry::getRangeGeoProperty(m_mesh, target))
-            checkIndices(shown, target, *Geometry::getRangeGeoPropIndices(*range), size);
-        const String component = Geometry::getTargetComponent(m_mesh, name);
-        if (component.empty())
-            m_circle.add([&] { return shown; });
-        else if (component == target)
-            checkLength(shown, component, size, name == Geometry::sFaceOffset ? 1 : 0);
-    }
-
-    // What targets a property rather than a component may be of any length.
-    void checkLength(const std::string& name, const String& component, std::size_t size,
-                     std::size_t extra)
-    {
-        const std::size_t expected = Geometry::getElementCount(m_mesh, component) + extra;
-        if (size != expected)
-            m_length.add([&] {
-                return "\"" + name + "\", which has " + str(size) + " entries and should have " +
-                       str(expected) + " (\"" + std::string(component.view()) + "\")";
-            });
-    }
-
-    void checkIndices(const std::string& name, const String& range, const Array<uint>& indices,
-                      std::size_t valueCount)
-    {
-        std::size_t outside = 0;
-        for (const uint index : indices)
-            outside += index >= valueCount && index != kNone;
-        for (std::size_t i = 0; outside > 0; ++i) {
-            if (indices[i] < valueCount || indices[i] == kNone)
-                continue;
-            --outside;
-            m_index.add([&] {
-                return "entry " + str(i) + " of \"" + std::string(range.view()) +
-                       "\", which names value " + str(indices[i]) + " of " + str(valueCount) +
-                       " in \"" + name + "\"";
-            });
-        }
-    }
-
-    const Object& m_mesh;
-    Finding m_length =
-        error("length-mismatch", "arrays whose length does not match their component",
-              "give the array one entry per element");
-    Finding m_index = error("property-index", "indices outside the values of their property",
-                            "add the missing values or correct the indices");
-    Finding m_circle = error("circular-target", "properties whose targets lead round in a circle",
-                             "let the property target a component");
-};
-
 std::string times(std::uint64_t count)
 {
     return count == 1 ? "once" : str(count) + " times";
@@ -373,7 +297,7 @@ ValidationReport validateMesh(const Object& mesh)
     checkFaceSizes(topology, report);
     checkCorners(topology, report);
     checkPoints(*topology.points, report);
-    PropertyChecks(mesh).check(report);
+    checkProperties(mesh, report);
     RepeatedCorners(topology).check(report);
     return report;
 }
