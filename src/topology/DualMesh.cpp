@@ -10,12 +10,20 @@
 namespace Tessary {
 namespace {
 
-bool isAllZero(const Array<uint>& values)
+// Whether the arrays arrive as addDual makes them: offsets zero, a free slot for every corner.
+bool arePrepared(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffset,
+                 const Array<uint>& dualFaceVertex)
 {
-    uint bits = 0;
-    for (const uint value : values)
-        bits |= value;
-    return bits == 0;
+    const std::size_t cornerCount = faceVertex.size();
+    if (dualFaceOffset.empty() || cornerCount >= kNone || dualFaceVertex.size() < cornerCount)
+        return false;
+    uint nonZero = 0;
+    for (const uint offset : dualFaceOffset)
+        nonZero |= offset;
+    uint taken = 0;
+    for (std::size_t slot = 0; slot < cornerCount; ++slot)
+        taken |= ~dualFaceVertex[slot];
+    return (nonZero | taken) == 0;
 }
 
 void countCorners(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset)
@@ -37,31 +45,20 @@ void sumUp(Array<uint>& offsets)
         offset = sum += offset;
 }
 
-// Lists the corners with the offsets themselves as cursors, and shifts the offsets back. Stops at
-// the first slot that is taken, with the offsets restored, and returns the corner that found it, or
-// the corner count.
-uint fillByOffsets(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
+// Lists the corners with the offsets themselves as cursors, and shifts the offsets back.
+void fillByOffsets(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
                    Array<uint>& dualFaceVertex)
 {
     const uint cornerCount = static_cast<uint>(faceVertex.size());
     const uint* const points = faceVertex.data();
     uint* const cursors = dualFaceOffset.data();
     uint* const slots = dualFaceVertex.data();
+    for (uint corner = 0; corner < cornerCount; ++corner)
+        slots[cursors[points[corner]]++] = corner;
 
-    for (uint corner = 0; corner < cornerCount; ++corner) {
-        const uint slot = cursors[points[corner]];
-        if (slots[slot] != kNone) {
-            for (uint c = 0; c < corner; ++c)
-                --cursors[points[c]];
-            return corner;
-        }
-        slots[slot] = corner;
-        cursors[points[corner]] = slot + 1;
-    }
     // Every cursor has reached the start of the next point's list.
     std::copy_backward(dualFaceOffset.begin(), dualFaceOffset.end() - 1, dualFaceOffset.end());
     dualFaceOffset[0] = 0;
-    return cornerCount;
 }
 
 // Finds free slots as a search from any start would, in near constant time: every slot knows one at
@@ -94,14 +91,14 @@ private:
     std::vector<uint> m_next;
 };
 
-// Lists the corners from `firstCorner` on, each in the first free slot of its point's range. Offsets
+// Lists the corners, each in the first free slot of its point's range. Offsets
 // that arrived filled may make ranges overlap, wrap, or reach past the array.
 void fillBySearch(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffset,
-                  Array<uint>& dualFaceVertex, uint firstCorner)
+                  Array<uint>& dualFaceVertex)
 {
     FreeSlots freeSlots(dualFaceVertex);
     const uint cornerCount = static_cast<uint>(faceVertex.size());
-    for (uint corner = firstCorner; corner < cornerCount; ++corner) {
+    for (uint corner = 0; corner < cornerCount; ++corner) {
         const std::size_t point = faceVertex[corner];
         const uint slot = freeSlots.find(dualFaceOffset[point]);
         if (slot < dualFaceOffset[point + 1] && slot < freeSlots.size()) {
@@ -116,13 +113,13 @@ void fillBySearch(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffs
 void constructDualMesh(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
                        Array<uint>& dualFaceVertex)
 {
-    const bool isPrepared = !dualFaceOffset.empty() && isAllZero(dualFaceOffset) &&
-                            faceVertex.size() < kNone && dualFaceVertex.size() >= faceVertex.size();
+    const bool isPrepared = arePrepared(faceVertex, dualFaceOffset, dualFaceVertex);
     countCorners(faceVertex, dualFaceOffset);
     sumUp(dualFaceOffset);
-    const uint filled = isPrepared ? fillByOffsets(faceVertex, dualFaceOffset, dualFaceVertex) : 0;
-    if (filled < static_cast<uint>(faceVertex.size()))
-        fillBySearch(faceVertex, dualFaceOffset, dualFaceVertex, filled);
+    if (isPrepared)
+        fillByOffsets(faceVertex, dualFaceOffset, dualFaceVertex);
+    else
+        fillBySearch(faceVertex, dualFaceOffset, dualFaceVertex);
 }
 
 void addDual(Object& geometry, const String& pointComponent, const String& faceVertexName,

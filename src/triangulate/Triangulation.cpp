@@ -6,6 +6,9 @@
 namespace Tessary {
 namespace {
 
+// Handing a piece to another thread costs about as much as splitting a thousand quads.
+constexpr uint kFacesPerPiece = 4096;
+
 // Whether every face has three corners or more and no offset decreases: then each face's triangles
 // have their place in the output whatever the other faces are.
 bool areAllPolygons(const uint* faceOffset, std::size_t faceCount)
@@ -27,19 +30,25 @@ void resizeForOverwriting(Array<uint>& array, std::size_t size)
     array.resize(size);
 }
 
-void fillFans(const uint* faceOffset, const uint* faceVertex, uint begin, uint end,
-              uint* triangleOffset, uint* triangleVertex)
+// Splits the faces [begin, end), whose first triangle is `triangle`.
+void splitFaces(const uint* faceOffset, const uint* faceVertex, uint begin, uint end,
+                std::size_t triangle, uint* triangleOffset, uint* triangleVertex)
 {
+    uint* out = triangleVertex + 3 * triangle;
+    uint corner = faceOffset[begin];
     for (uint f = begin; f < end; ++f) {
-        const uint* const corner = faceVertex + faceOffset[f];
-        const std::size_t first = faceOffset[f] - faceOffset[0] - std::size_t{2} * f;
-        const uint count = faceOffset[f + 1] - faceOffset[f] - 2;
-        for (uint k = 0; k < count; ++k) {
-            const std::size_t t = first + k;
-            triangleOffset[t] = static_cast<uint>(3 * t);
-            triangleVertex[3 * t] = corner[0];
-            triangleVertex[3 * t + 1] = corner[k + 1];
-            triangleVertex[3 * t + 2] = corner[k + 2];
+        const uint faceEnd = faceOffset[f + 1];
+        const uint apex = faceVertex[corner];
+        uint previous = faceVertex[corner + 1];
+        for (corner += 2; corner < faceEnd; ++corner) {
+            const uint current = faceVertex[corner];
+            triangleOffset[triangle] = static_cast<uint>(3 * triangle);
+            out[0] = apex;
+            out[1] = previous;
+            out[2] = current;
+            previous = current;
+            out += 3;
+            ++triangle;
         }
     }
 }
@@ -52,9 +61,10 @@ void triangulatePolygons(const Array<uint>& faceOffsets, const Array<uint>& face
     const std::size_t triangleCount = cornerCount - std::size_t{2} * faceCount;
     resizeForOverwriting(triangleFaceOffsets, triangleCount + 1);
     resizeForOverwriting(triangleVertices, 3 * triangleCount);
-    parallelLoop(0, faceCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
-        fillFans(faceOffsets.data(), faceVertices.data(), begin, end, triangleFaceOffsets.data(),
-                 triangleVertices.data());
+    parallelLoop(0, faceCount, kFacesPerPiece, LoopContext::Isolated, [&](uint begin, uint end) {
+        const std::size_t first = faceOffsets[begin] - faceOffsets[0] - std::size_t{2} * begin;
+        splitFaces(faceOffsets.data(), faceVertices.data(), begin, end, first,
+                   triangleFaceOffsets.data(), triangleVertices.data());
     });
     triangleFaceOffsets[triangleCount] = static_cast<uint>(3 * triangleCount);
 }
