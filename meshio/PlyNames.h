@@ -1,0 +1,32 @@
+#pragma once
+
+#include <meshio/PlyFormat.h>
+
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace MeshIo {
+namespace Ply {
+
+/// Gives out names of PLY properties, each once per element.
+class ColumnNames {
+public:
+    ColumnNames();
+
+    /// Keeps the names of the mesh's own properties from being given to a part of another one.
+    void reserveForProperty(std::string_view name);
+
+    /// Names for a property of the mesh: one for a scalar or a corner's list, one for each scalar of
+    /// a vector or matrix. The names by which other programs know normals, colours and texture
+    /// coordinates are preferred, then NAME_x and the like.
+    std::vector<std::string> columnsFor(std::string_view name, Owner owner, Form form);
+
+private:
+    std::set<std::string> m_properties;
+    std::set<std::string> m_used[2];  // of points; of faces, which hold the corners too
+};
+
+}  // namespace Ply
+}  // namespace MeshIo
