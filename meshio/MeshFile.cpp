@@ -9,6 +9,7 @@
 #include <meshio/Validate.h>
 
 #include <algorithm>
+#include <new>
 
 namespace MeshIo {
 namespace {
@@ -40,9 +41,14 @@ bool hasFaceArrays(const Korvane::Object& mesh)
 
 MeshRead readMeshUnchecked(const std::string& path)
 {
-    const Pelon::Array<char> bytes = readFile(path);
-    const std::string_view text = viewOf(bytes);
-    return startsLikePly(text) ? readPly(text, inputName(path)) : readObj(text, inputName(path));
+    try {
+        const Pelon::Array<char> bytes = readFile(path);
+        const std::string_view text = viewOf(bytes);
+        return startsLikePly(text) ? readPly(text, inputName(path))
+                                   : readObj(text, inputName(path));
+    } catch (const std::bad_alloc&) {
+        throw FileError(inputName(path) + ": does not fit into memory; split the mesh into parts");
+    }
 }
 
 MeshRead readMesh(const std::string& path)

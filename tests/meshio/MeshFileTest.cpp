@@ -1,0 +1,72 @@
+#include <meshio/MeshFile.h>
+
+#include <gtest/gtest.h>
+#include <support/MeshBuilding.h>
+
+#include <meshio/OutputFile.h>
+#include <meshio/Validate.h>
+
+#include "MeshFiles.h"
+
+namespace {
+
+using namespace TestSupport;
+using namespace MeshFiles;
+using MeshIo::MeshFormat;
+
+const std::string kPly =
+    "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\n"
+    "property float z\nelement face 1\nproperty list uchar int vertex_indices\nend_header\n"
+    "0 0 0\n1 0 0\n2 0 0\n3 0 1 2\n";
+
+template <class Error, class F>
+std::string messageOf(F&& f)
+{
+    try {
+        f();
+    } catch (const Error& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST(MeshFile, RecognisesTheFormatByTheContent)
+{
+    const TemporaryFolder folder;
+    makeFile(folder / "a.obj", kPly);
+    makeFile(folder / "a.ply", "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n");
+    const auto ply = MeshIo::readMesh(folder / "a.obj");
+    const auto obj = MeshIo::readMesh(folder / "a.ply");
+    EXPECT_EQ(ply.format, MeshFormat::PlyAscii);
+    EXPECT_EQ(obj.format, MeshFormat::Obj);
+    EXPECT_EQ(firstDifference(*ply.mesh, *obj.mesh), "");
+}
+
+TEST(MeshFile, KnowsTheEndingsOfNames)
+{
+    EXPECT_EQ(MeshIo::formatOfName("a.b/C.OBJ"), MeshFormat::Obj);
+    EXPECT_EQ(MeshIo::formatOfName("x.ply"), MeshFormat::PlyBinary);
+    EXPECT_EQ(MeshIo::formatOfName("obj"), std::nullopt);
+    EXPECT_EQ(MeshIo::formatOfName("a.stl"), std::nullopt);
+}
+
+TEST(MeshFile, RefusesMeshesWithErrorsOnBothWays)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder / "a.obj";
+    makeFile(path, "v 0 0 0\nv 1 0 0\nf 1 2\n");
+    const std::string found =
+        ": faces of fewer than three corners (once), first at face 0, which "
+        "has 2; remove them or give them three corners";
+    EXPECT_EQ(messageOf<MeshIo::InvalidMesh>([&] { MeshIo::readMesh(path); }), path + found);
+
+    const auto mesh = MeshIo::readMeshUnchecked(path).mesh;
+    for (const MeshFormat format : {MeshFormat::Obj, MeshFormat::PlyBinary}) {
+        MeshIo::OutputFile output(folder / "b", false);
+        EXPECT_EQ(messageOf<MeshIo::InvalidMesh>([&] { writeMesh(*mesh, format, output); }),
+                  (folder / "b") + found);
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder / "b"));
+}
+
+}  // namespace
