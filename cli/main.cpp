@@ -54,7 +54,8 @@ std::string whatIsWrong(const CLI::App& program, const CLI::ParseError& error)
     for (const Verb& verb : kVerbs)
         verbs += (verbs.empty() ? "" : ", ") + std::string(verb.name);
     const auto rest = program.remaining();
-    return (rest.empty() ? "a verb is missing" : "there is no verb " + rest.front()) +
+    const char* const kind = rest.empty() || rest.front()[0] != '-' ? "verb " : "option ";
+    return (rest.empty() ? "a verb is missing" : "there is no " + (kind + rest.front())) +
            "; the verbs are " + verbs;
 }
 

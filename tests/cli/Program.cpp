@@ -1,0 +1,139 @@
+#include "Program.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+extern char** environ;
+
+namespace TestSupport {
+namespace {
+
+constexpr std::chrono::milliseconds kPause{2};
+constexpr int kPatience = 60000;  // pauses: two minutes, or more on a busy machine
+
+// Whoever runs the tests may ignore signals, which a program inherits.
+void resetSignals(posix_spawnattr_t& attributes)
+{
+    sigset_t signals;
+    sigfillset(&signals);
+    posix_spawnattr_setsigdefault(&attributes, &signals);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+}
+
+}  // namespace
+
+const char* const kHouse =
+    "mtllib house.mtl\n"
+    "v 0 0 0\nv 2 0 0\nv 2 2 0\nv 0 2 0\nv 1 3 0\nv 0 0 2\nv 2 0 2\n"
+    "vt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\nvt 0.5 0.5\n"
+    "g front\nf 1/1 2/2 3/3 5/5 4/4\n"
+    "g floor\nusemtl wood\nf 1/1 6/2 7/3 2/4\nf 1/5 4/2 6/1\n";
+
+bool Outcome::saidOneLine() const
+{
+    return err.compare(0, 7, "tessary") == 0 && std::count(err.begin(), err.end(), '\n') == 1 &&
+           err.back() == '\n';
+}
+
+Folder::Folder()
+{
+    std::string name = (std::filesystem::temp_directory_path() / "tessary_cli_XXXXXX").string();
+    if (!mkdtemp(name.data()))
+        throw std::runtime_error("no temporary folder");
+    m_path = name;
+}
+
+Folder::~Folder()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+}
+
+std::string Folder::file(const std::string& name, const std::string& text) const
+{
+    std::ofstream(path(name), std::ios::binary) << text;
+    return path(name);
+}
+
+std::vector<std::string> Folder::names() const
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(m_path))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+Started::Started(const std::vector<std::string>& arguments, const Folder& folder,
+                 const Streams& streams)
+    : m_out(streams.output.empty() ? folder.path("stdout") : streams.output),
+      m_err(folder.path("stderr"))
+{
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, streams.input.c_str(), O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, m_out.c_str(), O_WRONLY | O_CREAT, 0600);
+    posix_spawn_file_actions_addopen(&actions, 2, m_err.c_str(), O_WRONLY | O_CREAT, 0600);
+    for (const int descriptor : streams.closed)
+        posix_spawn_file_actions_addclose(&actions, descriptor);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    resetSignals(attributes);
+
+    std::vector<char*> argv = {const_cast<char*>("tessary")};
+    for (const std::string& argument : arguments)
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    const int error =
+        posix_spawn(&m_process, TESSARY_PROGRAM, &actions, &attributes, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+    if (error != 0)
+        throw std::runtime_error("cannot start " TESSARY_PROGRAM);
+}
+
+void Started::signal(int number) const
+{
+    kill(m_process, number);
+}
+
+// A program that hangs is ended, so that the test fails and does not hang too.
+Outcome Started::finish()
+{
+    int status = 0;
+    for (int i = 0; waitpid(m_process, &status, WNOHANG) == 0; ++i) {
+        if (i == kPatience)
+            kill(m_process, SIGKILL);
+        std::this_thread::sleep_for(kPause);
+    }
+    Outcome outcome;
+    outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    if (std::filesystem::is_regular_file(m_out))
+        outcome.out = textOfFile(m_out);
+    outcome.err = textOfFile(m_err);
+    return outcome;
+}
+
+Outcome run(const std::vector<std::string>& arguments, const Streams& streams)
+{
+    const Folder folder;
+    return Started(arguments, folder, streams).finish();
+}
+
+std::string textOfFile(const std::string& path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+}  // namespace TestSupport

@@ -1,0 +1,56 @@
+#include "Program.h"
+
+#include <gtest/gtest.h>
+
+using namespace TestSupport;
+
+namespace {
+
+TEST(Streams, AMeshFlowsThroughStandardInputAndOutput)
+{
+    const Folder folder;
+    const std::string house = folder.file("house.obj", kHouse);
+    const Outcome outcome =
+        run({"triangulate", "-", "-o", "-", "--format", "ply-ascii", "--quiet"}, {house, "", {}});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out.find("ply\nformat ascii 1.0\n"), 0u) << outcome.out;
+    const Outcome back = run({"info", "-", "--json"}, {folder.file("a", outcome.out), "", {}});
+    EXPECT_EQ(back.json()["faces"], 6);
+}
+
+TEST(Streams, AFullOrClosedOutputExitsWithThreeAndALine)
+{
+    const Folder folder;
+    const std::string house = folder.file("house.obj", kHouse);
+    const Streams full = {"/dev/null", "/dev/full", {}}, closed = {"/dev/null", "", {1}};
+    const std::vector<std::string> info = {"info", house}, help = {"--help"},
+                                   flow = {"triangulate", house, "-o", "-", "--format", "obj"};
+    for (const auto& arguments : {info, help, flow})
+        for (const Streams& streams : {full, closed}) {
+            const Outcome outcome = run(arguments, streams);
+            EXPECT_EQ(outcome.exitCode, 3) << outcome.err;
+            EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
+            EXPECT_NE(outcome.err.find("standard output: "), std::string::npos) << outcome.err;
+        }
+}
+
+// A file opened by a program without standard streams takes their numbers.
+TEST(Streams, ClosedStreamsNeverLeadIntoTheMeshFile)
+{
+    const Folder folder;
+    const std::string house = folder.file("house.obj", kHouse);
+    const std::string out = folder.path("out.obj"), good = folder.path("good.obj");
+    ASSERT_EQ(run({"triangulate", house, "-o", good, "--quiet"}).exitCode, 0);
+    const Outcome outcome =
+        run({"triangulate", house, "-o", out, "--json"}, {"/dev/null", "", {0, 1, 2}});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(textOfFile(out), textOfFile(good));
+
+    // The summary had nowhere to go.
+    const Streams mute = {"/dev/null", "", {2}};
+    EXPECT_EQ(run({"triangulate", house, "-o", out, "--force"}, mute).exitCode, 3);
+    EXPECT_EQ(run({"triangulate", house, "-o", out, "--force", "--quiet"}, mute).exitCode, 0);
+}
+
+}  // namespace

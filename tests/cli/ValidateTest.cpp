@@ -1,0 +1,63 @@
+#include "Program.h"
+
+#include <gtest/gtest.h>
+
+using namespace TestSupport;
+using nlohmann::json;
+
+namespace {
+
+constexpr const char* kNotFinite =
+    "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\n"
+    "property float z\nelement face 1\nproperty list uchar int vertex_indices\nend_header\n"
+    "0 0 0\n1 nan 0\n0 1 0\n3 0 1 2\n";
+
+TEST(Validate, ErrorsExitWithOneAndAreListedWithPlaceAndAdvice)
+{
+    const Folder folder;
+    const std::string path = folder.file("bad.ply", kNotFinite);
+    const Outcome outcome = run({"validate", path, "--json"});
+    EXPECT_EQ(outcome.exitCode, 1) << outcome.err;
+    const json facts = outcome.json();
+    EXPECT_EQ(facts["valid"], false);
+    ASSERT_EQ(facts["problems"].size(), 1u);
+    const json& problem = facts["problems"][0];
+    EXPECT_EQ(problem["severity"], "error");
+    EXPECT_EQ(problem["kind"], "point-not-finite");
+    EXPECT_EQ(problem["count"], 1);
+    EXPECT_EQ(problem["places"].size(), 1u);
+
+    const std::string text = run({"validate", path}).out;
+    EXPECT_NE(text.find("error: 1 "), std::string::npos) << text;
+    EXPECT_NE(text.find("what to do: "), std::string::npos) << text;
+}
+
+TEST(Validate, GoodMeshesAndMereWarningsExitWithZero)
+{
+    const Folder folder;
+    const std::string house = folder.file("house.obj", kHouse);
+    EXPECT_EQ(run({"validate", house}).out, house + ": valid\n");
+
+    const Outcome repeated =
+        run({"validate", folder.file("repeat.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3 2\n"),
+             "--json"});
+    EXPECT_EQ(repeated.exitCode, 0);
+    EXPECT_EQ(repeated.json()["valid"], true);
+    EXPECT_EQ(repeated.json()["problems"][0]["kind"], "repeated-corner");
+}
+
+TEST(Validate, OtherVerbsRefuseAMeshWithErrors)
+{
+    const Folder folder;
+    const std::string path = folder.file("bad.ply", kNotFinite);
+    const std::string out = folder.file("out.ply", "kept");
+    const Outcome outcome = run({"triangulate", path, "-o", out, "--force"});
+    EXPECT_EQ(outcome.exitCode, 4);
+    EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
+    EXPECT_EQ(outcome.err.find("tessary triangulate: " + path + ": "), 0u) << outcome.err;
+    EXPECT_EQ(textOfFile(out), "kept");
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"bad.ply", "out.ply"}));
+    EXPECT_EQ(run({"validate", folder.file("cut.ply", "ply\nformat ascii 1.0\n")}).exitCode, 3);
+}
+
+}  // namespace
