@@ -3,6 +3,7 @@
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
 #include <tbb/partitioner.h>
+#include <tbb/task_arena.h>
 #include <tbb/task_group.h>
 
 #include <stdexcept>
@@ -26,6 +27,11 @@ void parallelLoop(uint begin, uint end, uint grain, LoopContext context, LoopBod
         tbb::auto_partitioner(), group);
     if (context == LoopContext::Bound && Pelon::isJobCancelled())
         throw std::runtime_error(KOR::exceptionMessage.c_str());
+}
+
+uint loopConcurrency()
+{
+    return static_cast<uint>(tbb::this_task_arena::max_concurrency());
 }
 
 }  // namespace Tessary

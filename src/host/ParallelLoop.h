@@ -38,6 +38,9 @@ private:
 /// scheduler's code exists once and not once per body.
 void parallelLoop(uint begin, uint end, uint grain, LoopContext context, LoopBody body);
 
+/// How many pieces of a loop may run at the same time.
+uint loopConcurrency();
+
 /// Runs `body(i)` for every index in [0, count), grain 1.
 template <class Body>
 void parallelForEach(uint count, LoopContext context, const Body& body)

@@ -1,5 +1,6 @@
 #include <Tessary/Triangulation.h>
 
+#include "host/Arrays.h"
 #include "host/MeshLayout.h"
 #include "host/ParallelLoop.h"
 
@@ -20,14 +21,6 @@ bool areAllPolygons(const uint* faceOffset, std::size_t faceCount)
         all &= (end > begin) & (end - begin >= 3);
     }
     return all;
-}
-
-// Every element is about to be written, so old ones are only kept where that costs nothing.
-void resizeForOverwriting(Array<uint>& array, std::size_t size)
-{
-    if (array.size() < size)
-        array.resize(0);
-    array.resize(size);
 }
 
 // Splits the faces [begin, end), whose first triangle is `triangle`.

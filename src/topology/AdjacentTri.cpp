@@ -1,0 +1,280 @@
+#include <Tessary/Topology.h>
+
+#include "host/MeshLayout.h"
+#include "host/ParallelLoop.h"
+#include "host/PropertyAccess.h"
+
+#include <algorithm>
+#include <atomic>
+#include <vector>
+
+// The triangle across a half-edge from point a to point b is the first, in the order of b's list of
+// corners, that follows b with a. Lists are short on most meshes and walked as they are. A long one
+// is not walked: the same triangle is found in a's list, if that is short, or else in an order of
+// b's list that is made once.
+
+namespace Tessary {
+namespace {
+
+constexpr uint kLongList = 64;  // corners
+
+#if defined(__GNUC__)
+void prefetch(const void* address)
+{
+    __builtin_prefetch(address);
+}
+#else
+void prefetch(const void*) {}
+#endif
+
+// A triangle mesh with its dual table.
+struct Mesh {
+    const uint* faceVertex;
+    std::size_t cornerCount;
+    const uint* dualOffset;
+    std::size_t pointCount;
+    const uint* dualCorners;
+
+    uint listSize(uint point) const { return dualOffset[point + 1] - dualOffset[point]; }
+    bool isLong(uint point) const { return listSize(point) > kLongList; }
+
+    // Whether `corner` is followed by `point`. The last triangle may be incomplete.
+    bool isFollowedBy(uint corner, uint point) const
+    {
+        const uint next = nextCorner(corner, corner / 3);
+        return next < cornerCount && faceVertex[next] == point;
+    }
+};
+
+struct Edge {
+    uint triangle;
+    uint start;
+    uint end;
+};
+
+uint findInEndList(const Mesh& mesh, Edge edge)
+{
+    for (uint slot = mesh.dualOffset[edge.end]; slot < mesh.dualOffset[edge.end + 1]; ++slot) {
+        const uint corner = mesh.dualCorners[slot];
+        if (corner / 3 != edge.triangle && mesh.isFollowedBy(corner, edge.start))
+            return corner / 3;
+    }
+    return kNone;
+}
+
+// The same from the other side, for lists that hold every corner of their point in ascending order:
+// then the first in the end point's list is the smallest.
+uint findInStartList(const Mesh& mesh, Edge edge)
+{
+    uint found = kNone;
+    for (uint slot = mesh.dualOffset[edge.start]; slot < mesh.dualOffset[edge.start + 1]; ++slot) {
+        const uint next = mesh.dualCorners[slot];
+        const uint triangle = next / 3;
+        const uint corner = next > 3 * triangle ? next - 1 : next + 2;
+        if (triangle != edge.triangle && corner < mesh.cornerCount &&
+            mesh.faceVertex[corner] == edge.end)
+            found = std::min(found, triangle);
+    }
+    return found;
+}
+
+bool hasLongList(const Mesh& mesh)
+{
+    bool any = false;
+    for (std::size_t point = 0; point < mesh.pointCount; ++point)
+        any |= mesh.isLong(static_cast<uint>(point));
+    return any;
+}
+
+bool isListOf(const Mesh& mesh, uint point)
+{
+    const uint begin = mesh.dualOffset[point];
+    const uint end = mesh.dualOffset[point + 1];
+    if (begin > end || end > mesh.cornerCount)
+        return false;
+    for (uint slot = begin; slot < end; ++slot) {
+        const uint corner = mesh.dualCorners[slot];
+        if (corner >= mesh.cornerCount || mesh.faceVertex[corner] != point ||
+            (slot > begin && mesh.dualCorners[slot - 1] >= corner))
+            return false;
+    }
+    return true;
+}
+
+// Whether the dual is that of the mesh: as many entries as corners, each once and in its own list.
+bool isDualOfMesh(const Mesh& mesh)
+{
+    if (mesh.dualOffset[0] != 0 || mesh.dualOffset[mesh.pointCount] != mesh.cornerCount)
+        return false;
+    std::atomic<bool> all{true};
+    parallelForEach(static_cast<uint>(mesh.pointCount), LoopContext::Isolated, [&](uint point) {
+        if (!isListOf(mesh, point))
+            all.store(false, std::memory_order_relaxed);
+    });
+    return all;
+}
+
+// A point's list by following point: the first triangle in it, and the first other one.
+class OrderedList {
+public:
+    OrderedList(const Mesh& mesh, uint point)
+    {
+        std::vector<std::uint64_t> keys;
+        const uint begin = mesh.dualOffset[point];
+        for (uint slot = begin; slot < mesh.dualOffset[point + 1]; ++slot) {
+            const uint corner = mesh.dualCorners[slot];
+            const uint next = nextCorner(corner, corner / 3);
+            if (next < mesh.cornerCount)
+                keys.push_back(std::uint64_t{mesh.faceVertex[next]} << 32 | (slot - begin));
+        }
+        std::sort(keys.begin(), keys.end());
+        for (const std::uint64_t key : keys)
+            add(static_cast<uint>(key >> 32), mesh.dualCorners[begin + static_cast<uint>(key)] / 3);
+    }
+
+    uint find(Edge edge) const
+    {
+        const auto found =
+            std::lower_bound(m_entries.begin(), m_entries.end(), edge.start,
+                             [](const Entry& entry, uint next) { return entry.next < next; });
+        if (found == m_entries.end() || found->next != edge.start)
+            return kNone;
+        return found->first != edge.triangle ? found->first : found->other;
+    }
+
+private:
+    struct Entry {
+        uint next;
+        uint first;
+        uint other;
+    };
+
+    void add(uint next, uint triangle)
+    {
+        if (m_entries.empty() || m_entries.back().next != next)
+            m_entries.push_back({next, triangle, kNone});
+        else if (m_entries.back().other == kNone && m_entries.back().first != triangle)
+            m_entries.back().other = triangle;
+    }
+
+    std::vector<Entry> m_entries;
+};
+
+// The ordered lists of all points with long lists.
+class OrderedLists {
+public:
+    explicit OrderedLists(const Mesh& mesh)
+    {
+        for (std::size_t point = 0; point < mesh.pointCount; ++point)
+            if (mesh.isLong(static_cast<uint>(point)))
+                m_points.push_back(static_cast<uint>(point));
+        for (const uint point : m_points)
+            m_lists.emplace_back(mesh, point);
+    }
+
+    uint find(Edge edge) const
+    {
+        const auto point = std::lower_bound(m_points.begin(), m_points.end(), edge.end);
+        return m_lists[static_cast<std::size_t>(point - m_points.begin())].find(edge);
+    }
+
+private:
+    std::vector<uint> m_points;
+    std::vector<OrderedList> m_lists;
+};
+
+// Points come in any order, so their lists are asked for well before they are walked.
+void prefetchLists(const Mesh& mesh, std::size_t triangle)
+{
+    constexpr std::size_t kOffsetsAhead = 24;
+    constexpr std::size_t kListsAhead = 12;
+    const std::size_t corner = 3 * (triangle + kOffsetsAhead);
+    if (corner + 3 > mesh.cornerCount)
+        return;
+    for (int k = 0; k < 3; ++k) {
+        prefetch(mesh.dualOffset + mesh.faceVertex[corner + k]);
+        const uint point = mesh.faceVertex[corner - 3 * (kOffsetsAhead - kListsAhead) + k];
+        prefetch(mesh.dualCorners + mesh.dualOffset[point]);
+    }
+}
+
+// Writes `find(edge)` for every half-edge of the triangles.
+template <class Find>
+void forEachHalfEdge(const Mesh& mesh, uint* adjacentTri, const Find& find)
+{
+    const uint triangleCount = static_cast<uint>(mesh.cornerCount / 3);
+    parallelLoop(0, triangleCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
+        for (uint t = begin; t < end; ++t) {
+            prefetchLists(mesh, t);
+            const uint* const point = mesh.faceVertex + std::size_t{3} * t;
+            uint* const out = adjacentTri + std::size_t{3} * t;
+            out[0] = find(Edge{t, point[0], point[1]});
+            out[1] = find(Edge{t, point[1], point[2]});
+            out[2] = find(Edge{t, point[2], point[0]});
+        }
+    });
+}
+
+void findAroundLongLists(const Mesh& mesh, uint* adjacentTri)
+{
+    const bool isDual = isDualOfMesh(mesh);
+    const auto isFromStart = [&](Edge edge) { return isDual && !mesh.isLong(edge.start); };
+    std::atomic<bool> needsOrder{false};
+    forEachHalfEdge(mesh, adjacentTri, [&](Edge edge) {
+        if (!mesh.isLong(edge.end))
+            return findInEndList(mesh, edge);
+        if (isFromStart(edge))
+            return findInStartList(mesh, edge);
+        needsOrder.store(true, std::memory_order_relaxed);
+        return kNone;
+    });
+    if (!needsOrder)
+        return;
+    const OrderedLists lists(mesh);
+    const uint triangleCount = static_cast<uint>(mesh.cornerCount / 3);
+    parallelForEach(triangleCount, LoopContext::Isolated, [&](uint t) {
+        for (uint corner = 3 * t; corner < 3 * t + 3; ++corner) {
+            const Edge edge{t, mesh.faceVertex[corner], mesh.faceVertex[nextCorner(corner, t)]};
+            if (mesh.isLong(edge.end) && !isFromStart(edge))
+                adjacentTri[corner] = lists.find(edge);
+        }
+    });
+}
+
+}  // namespace
+
+void populateAdjacentTri(const Array<uint>& triFaceVertex, const Array<uint>& dualFaceOffset,
+                         const Array<uint>& dualFaceVertex, Array<uint>& adjacentTri)
+{
+    adjacentTri.resize(triFaceVertex.size());
+    if (triFaceVertex.size() < 3)
+        return;
+    const Mesh mesh{triFaceVertex.data(), triFaceVertex.size(), dualFaceOffset.data(),
+                    dualFaceOffset.size() - 1, dualFaceVertex.data()};
+    if (hasLongList(mesh))
+        findAroundLongLists(mesh, adjacentTri.data());
+    else
+        forEachHalfEdge(mesh, adjacentTri.data(),
+                        [&mesh](Edge edge) { return findInEndList(mesh, edge); });
+}
+
+void addAdjacentTri(Object& geometry, const String& target, const String& faceVertexName,
+                    const String& dualComponentName, const String& dualFaceVertexName,
+                    const String& dualFaceOffsetName)
+{
+    const Ptr<Array<uint>> faceVertex = getDataArray<uint>(geometry, faceVertexName);
+    if (!faceVertex)
+        return;
+    if (!geometry.hasProperty(dualComponentName))
+        addDual(geometry, Geometry::sPointComp, faceVertexName, dualComponentName,
+                dualFaceVertexName, dualFaceOffsetName);
+    const Ptr<Array<uint>> dualFaceOffset = getDataArray<uint>(geometry, dualFaceOffsetName);
+    const Ptr<Array<uint>> dualFaceVertex = getDataArray<uint>(geometry, dualFaceVertexName);
+    if (!dualFaceOffset || !dualFaceVertex)
+        return;
+    const MutablePtr<Array<uint>> adjacentTri =
+        addDataArray<uint>(target, "face_vertex_adjacent_tri", faceVertex->size(), kNone, geometry);
+    populateAdjacentTri(*faceVertex, *dualFaceOffset, *dualFaceVertex, *adjacentTri);
+}
+
+}  // namespace Tessary

@@ -1,0 +1,115 @@
+#include "support/TriangleMeshes.h"
+
+#include <Tessary/HalfEdge.h>
+#include <Tessary/Topology.h>
+#include <gtest/gtest.h>
+#include <tbb/global_control.h>
+
+using namespace TestSupport;
+
+namespace {
+
+struct Dual {
+    Array<uint> offset;
+    Array<uint> corners;
+};
+
+Dual dualOf(const NamedTriangles& mesh)
+{
+    Dual dual{Array<uint>(std::size_t{mesh.pointCount} + 1),
+              Array<uint>(mesh.faceVertex.size(), kNone)};
+    Tessary::constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
+    return dual;
+}
+
+Array<uint> adjacentTri(const NamedTriangles& mesh, const Dual& dual, Array<uint> old = {})
+{
+    Tessary::populateAdjacentTri(mesh.faceVertex, dual.offset, dual.corners, old);
+    return old;
+}
+
+// One search per half-edge.
+Array<uint> literalAdjacentTri(const NamedTriangles& mesh, const Dual& dual)
+{
+    Array<uint> adjacent(mesh.faceVertex.size());
+    for (uint c = 0; c < mesh.faceVertex.size() / 3 * 3; ++c)
+        adjacent[c] =
+            Tessary::findAdjacentHalfEdge(mesh.faceVertex, dual.offset, dual.corners, {c, c / 3})
+                .face;
+    return adjacent;
+}
+
+}  // namespace
+
+TEST(AdjacentTri, EqualsTheSearchOfEachHalfEdge)
+{
+    for (const NamedTriangles& mesh : triangleMeshes()) {
+        SCOPED_TRACE(mesh.name);
+        const Dual dual = dualOf(mesh);
+        EXPECT_EQ(adjacentTri(mesh, dual), literalAdjacentTri(mesh, dual));
+    }
+}
+
+TEST(AdjacentTri, FollowsTheOrderOfADualThatIsNotTheMeshsOwn)
+{
+    for (const NamedTriangles& mesh : {fan(200, 0), fan(200, 7), book(200, 0x5A5A5A5A)}) {
+        SCOPED_TRACE(mesh.name);
+        Dual reversed = dualOf(mesh);
+        for (uint p = 0; p < mesh.pointCount; ++p)
+            std::reverse(reversed.corners.begin() + reversed.offset[p],
+                         reversed.corners.begin() + reversed.offset[p + 1]);
+        EXPECT_EQ(adjacentTri(mesh, reversed), literalAdjacentTri(mesh, reversed));
+
+        Dual incomplete = dualOf(mesh);  // corners missing from a list, another twice
+        for (std::size_t slot = 1; slot < incomplete.corners.size(); slot += 5)
+            incomplete.corners[slot] = incomplete.corners[slot - 1];
+        EXPECT_EQ(adjacentTri(mesh, incomplete), literalAdjacentTri(mesh, incomplete));
+    }
+}
+
+TEST(AdjacentTri, KeepsTheEntriesOfAnIncompleteLastTriangle)
+{
+    const NamedTriangles mesh{"", 4, {0, 1, 2, 2, 1, 3, 0}};
+    const Array<uint> adjacent = adjacentTri(mesh, dualOf(mesh), Array<uint>(9, 5));
+    EXPECT_EQ(adjacent, (Array<uint>{kNone, 1, kNone, 0, kNone, kNone, 5}));
+    EXPECT_TRUE(adjacentTri({"", 1, {}}, dualOf({"", 1, {}}), {3}).empty());
+}
+
+// Walked corner by corner, either would take 10^10 steps and more.
+TEST(AdjacentTri, PointsWithManyCornersCostNoMoreThanOthers)
+{
+    const NamedTriangles wheel = fan(300000, 0);
+    EXPECT_EQ(adjacentTri(wheel, dualOf(wheel))[3 * 1000], 999u);
+    const NamedTriangles pages = book(300000, 0);  // one direction: no neighbour anywhere
+    const Array<uint> adjacent = adjacentTri(pages, dualOf(pages));
+    EXPECT_EQ(std::count(adjacent.begin(), adjacent.end(), kNone), 900000);
+}
+
+TEST(AddAdjacentTri, StoresThePropertyBuildsAMissingDualAndUsesAnExistingOne)
+{
+    const auto add = [](Object& mesh, const String& faceVertex) {
+        Tessary::addAdjacentTri(mesh, Geometry::sFaceVertexComp, faceVertex, "dual", "corners",
+                                "offsets");
+    };
+    const MutablePtr<Object> mesh = meshOf(4, {{0, 1, 2}, {2, 1, 3}});
+    const Array<String> before = mesh->propertyNames();
+    add(*mesh, "missing");
+    EXPECT_EQ(mesh->propertyNames(), before);
+
+    add(*mesh, Geometry::sFaceVertex);
+    const String name = "face_vertex_adjacent_tri";
+    EXPECT_EQ(*dataOf<uint>(*mesh, name), (Array<uint>{kNone, 1, kNone, 0, kNone, kNone}));
+    EXPECT_EQ(entryOf<String>(*mesh, name, Geometry::sTarget), Geometry::sFaceVertexComp);
+    EXPECT_EQ(entryOf<uint>(*mesh, name, Geometry::sDefault), kNone);
+    EXPECT_EQ(Geometry::getElementCount(*mesh, "dual"), 6u);
+
+    // The dual's own arrays decide, not the faces that they came from.
+    Geometry::addDataGeoProperty<uint>(*mesh, "offsets", Geometry::sFaceVertex,
+                                       makeMutable<Array<uint>>(5));
+    add(*mesh, Geometry::sFaceVertex);
+    EXPECT_EQ(*dataOf<uint>(*mesh, name), Array<uint>(6, kNone));
+    mesh->setProperty("offsets", String("no array"));
+    const Array<String> names = mesh->propertyNames();
+    add(*mesh, Geometry::sFaceVertex);
+    EXPECT_EQ(mesh->propertyNames(), names);
+}

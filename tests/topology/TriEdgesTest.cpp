@@ -1,0 +1,116 @@
+#include "support/TriangleMeshes.h"
+
+#include <Tessary/Topology.h>
+#include <gtest/gtest.h>
+#include <tbb/global_control.h>
+
+#include <algorithm>
+#include <numeric>
+
+using namespace TestSupport;
+
+namespace {
+
+struct Edges {
+    Array<uint> pairs;
+    std::string messages;
+};
+
+constexpr const char* kGaveUp =
+    "Non manifold or inconsistently oriented mesh detected\nEdge computation canceled\n";
+
+Edges edgesOf(const Array<uint>& faceVertex, Array<uint> old = {7, 7, 7})
+{
+    Edges edges{std::move(old), {}};
+    testing::internal::CaptureStderr();
+    Tessary::computeTriEdges(faceVertex, edges.pairs);
+    edges.messages = testing::internal::GetCapturedStderr();
+    return edges;
+}
+
+// Records in corner order, a stable sort, one scan over neighbours.
+Edges literalEdges(const Array<uint>& fv)
+{
+    const auto ends = [&fv](uint c) { return std::pair(fv[c], fv[c % 3 == 2 ? c - 2 : c + 1]); };
+    const auto key = [&ends](uint c) {
+        const auto [p, q] = ends(c);
+        return std::pair(std::max(p, q), std::min(p, q));
+    };
+    std::vector<uint> corners(fv.size() / 3 * 3);
+    std::iota(corners.begin(), corners.end(), 0u);
+    std::stable_sort(corners.begin(), corners.end(),
+                     [&key](uint a, uint b) { return key(a) < key(b); });
+    Edges edges;
+    for (std::size_t i = 0; i < corners.size();) {
+        edges.pairs.push_back(corners[i]);
+        const auto [p, q] = ends(corners[i]);
+        if (i + 1 < corners.size() && ends(corners[i + 1]) == std::pair(p, q))
+            return {{}, kGaveUp};
+        if (i + 1 < corners.size() && ends(corners[i + 1]) == std::pair(q, p)) {
+            edges.pairs.push_back(corners[i + 1]);
+            i += 2;
+        } else {
+            edges.pairs.push_back(kNone);
+            i += 1;
+        }
+    }
+    return edges;
+}
+
+}  // namespace
+
+//  2---3     triangles 0 1 2 and 2 1 3;
+//  | \ |     corner 1 (1 to 2) and corner 3 (2 to 1) share an edge
+//  0---1
+TEST(TriEdges, TwoTrianglesOfOppositeOrientationShareOnePair)
+{
+    const Edges edges = edgesOf({0, 1, 2, 2, 1, 3});
+    EXPECT_EQ(edges.pairs, (Array<uint>{0, kNone, 2, kNone, 1, 3, 4, kNone, 5, kNone}));
+    EXPECT_EQ(edges.messages, "");
+}
+
+TEST(TriEdges, GivesUpOnTwoHalfEdgesInOneDirectionButNotOnAThirdAfterAPair)
+{
+    const Edges sameWay = edgesOf({0, 1, 2, 0, 1, 3});
+    EXPECT_TRUE(sameWay.pairs.empty());
+    EXPECT_EQ(sameWay.messages, kGaveUp);
+
+    const Edges third = edgesOf({0, 1, 2, 1, 0, 3, 0, 1, 4});
+    EXPECT_EQ(third.messages, "");
+    EXPECT_EQ(Array<uint>({third.pairs[0], third.pairs[1], third.pairs[2], third.pairs[3]}),
+              (Array<uint>{0, 3, 6, kNone}));
+}
+
+TEST(TriEdges, FewerThanThreeCornersAndTrailingOnesYieldNothing)
+{
+    for (const Array<uint>& corners : {Array<uint>{}, Array<uint>{4}, Array<uint>{4, 5}})
+        EXPECT_TRUE(edgesOf(corners).pairs.empty());
+    EXPECT_EQ(edgesOf({0, 1, 2, 0, 1}).pairs, edgesOf({0, 1, 2}).pairs);
+}
+
+TEST(TriEdges, EqualTheLiteralRulesAndListEveryCornerOnceAtAnyThreadCount)
+{
+    for (const NamedTriangles& mesh : triangleMeshes()) {
+        SCOPED_TRACE(mesh.name);
+        const Edges expected = literalEdges(mesh.faceVertex);
+        const Edges edges = edgesOf(mesh.faceVertex);
+        EXPECT_EQ(edges.pairs, expected.pairs);
+        EXPECT_EQ(edges.messages, expected.messages);
+    }
+    // Large enough for several pieces, with points far apart and with one that most triangles share.
+    NamedTriangles large = fan(100000, 99999);
+    for (uint seed = 0; large.faceVertex.size() < 600000; ++seed)
+        for (const uint point : randomPatch(seed).faceVertex)
+            large.faceVertex.push_back(100002 + seed * 169 + point);
+    Array<uint> farApart = large.faceVertex;
+    for (uint& point : farApart)
+        point = 4294967295u - 40 * point % 4294967291u;
+    for (const Array<uint>& faceVertex : {large.faceVertex, farApart}) {
+        const Edges expected = literalEdges(faceVertex);
+        ASSERT_FALSE(expected.pairs.empty());
+        for (const std::size_t threads : {1, 2, 3, 8}) {
+            tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+            EXPECT_TRUE(edgesOf(faceVertex).pairs == expected.pairs) << threads << " threads";
+        }
+    }
+}
