@@ -7,6 +7,7 @@
 #include <Tessary/Tessary.h>
 #include <meshio/DemoMesh.h>
 #include <meshio/OutputFile.h>
+#include <meshio/ReadFile.h>
 #include <meshio/TriangulateMesh.h>
 
 #include <CLI/CLI.hpp>
@@ -122,9 +123,11 @@ bool isConsistent(const Views& views, HalfEdge polyEdge)
 std::string checkHalfEdges(const Views& views, std::size_t& wrong)
 {
     const Array<uint>& offset = *views.faceOffset;
-    for (uint face = 0; face + 1 < offset.size(); ++face)
+    for (uint face = 0; face + 1 < offset.size(); ++face) {
+        MeshIo::throwIfCancelled();
         for (uint corner = offset[face]; corner < offset[face + 1]; ++corner)
             wrong += isConsistent(views, {corner, face}) ? 0 : 1;
+    }
     return std::to_string(views.faceVertex->size()) + " half-edges there and back, " +
            std::to_string(wrong) + " wrong";
 }

@@ -77,8 +77,8 @@ void Progress::run()
 void Progress::draw(Clock::duration elapsed)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
-    const std::string line = m_line + ", " + std::to_string(seconds) + " s";
-    m_drawn = writeAll(STDERR_FILENO, "\r\033[K" + cutToWidth(line));
+    const std::string time = seconds > 0 ? ", " + std::to_string(seconds) + " s" : " ...";
+    m_drawn = writeAll(STDERR_FILENO, "\r\033[K" + cutToWidth(m_line + time));
 }
 
 void Progress::erase()

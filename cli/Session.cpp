@@ -119,7 +119,7 @@ ExitCode Session::failWith(ExitCode code, const std::string& text)
 {
     m_progress.show("");
     if (m_interrupt.isRequested()) {
-        fail(named("interrupted; nothing was left half written"));
+        fail(named("interrupted; no file is left half written"));
         return ExitCode::Interrupted;
     }
     fail(text);
