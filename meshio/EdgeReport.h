@@ -1,0 +1,35 @@
+#pragma once
+
+#include <Pelon/Array.h>
+#include <Pelon/TypeRep.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace MeshIo {
+
+/// Two triangles that run along one edge in the same direction.
+struct SameDirection {
+    Pelon::uint start, end;       ///< the points that both half-edges lead from and to
+    Pelon::uint corner, another;  ///< where the half-edges start, the smaller corner first
+};
+
+/// The edges for which computeTriEdges makes no table.
+struct EdgeReport {
+    std::uint64_t count = 0;
+    std::vector<SameDirection> first;  ///< the first few, by larger and then smaller point
+};
+
+/// Finds the edges that computeTriEdges gives up on, without its message: those of which two
+/// half-edges that follow each other in corner order run the same way, an opposite pair before them
+/// aside.
+///
+/// in     triFaceVertex  3 point indices per triangle, all below pointCount
+/// in     most           how many edges to describe; all are counted
+/// cost   O(n) time but for long lists of one point's corners, which are sorted. Throws
+///        std::runtime_error when the caller's job is cancelled
+EdgeReport findSameDirectionEdges(const Pelon::Array<Pelon::uint>& triFaceVertex,
+                                  std::size_t pointCount, std::size_t most = 5);
+
+}  // namespace MeshIo
