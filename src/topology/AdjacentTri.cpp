@@ -2,6 +2,7 @@
 
 #include "host/MeshLayout.h"
 #include "host/ParallelLoop.h"
+#include "host/Prefetch.h"
 #include "host/PropertyAccess.h"
 
 #include <algorithm>
@@ -17,15 +18,6 @@ namespace Tessary {
 namespace {
 
 constexpr uint kLongList = 64;  // corners
-
-#if defined(__GNUC__)
-void prefetch(const void* address)
-{
-    __builtin_prefetch(address);
-}
-#else
-void prefetch(const void*) {}
-#endif
 
 // A triangle mesh with its dual table.
 struct Mesh {
@@ -56,7 +48,8 @@ uint findInEndList(const Mesh& mesh, Edge edge)
 {
     for (uint slot = mesh.dualOffset[edge.end]; slot < mesh.dualOffset[edge.end + 1]; ++slot) {
         const uint corner = mesh.dualCorners[slot];
-        if (corner / 3 != edge.triangle && mesh.isFollowedBy(corner, edge.start))
+        // This order: the triangle's own corner hardly ever passes the first test.
+        if (mesh.isFollowedBy(corner, edge.start) && corner / 3 != edge.triangle)
             return corner / 3;
     }
     return kNone;
@@ -71,8 +64,8 @@ uint findInStartList(const Mesh& mesh, Edge edge)
         const uint next = mesh.dualCorners[slot];
         const uint triangle = next / 3;
         const uint corner = next > 3 * triangle ? next - 1 : next + 2;
-        if (triangle != edge.triangle && corner < mesh.cornerCount &&
-            mesh.faceVertex[corner] == edge.end)
+        if (corner < mesh.cornerCount && mesh.faceVertex[corner] == edge.end &&
+            triangle != edge.triangle)
             found = std::min(found, triangle);
     }
     return found;
@@ -183,29 +176,21 @@ private:
     std::vector<OrderedList> m_lists;
 };
 
-// Points come in any order, so their lists are asked for well before they are walked.
-void prefetchLists(const Mesh& mesh, std::size_t triangle)
-{
-    constexpr std::size_t kOffsetsAhead = 24;
-    constexpr std::size_t kListsAhead = 12;
-    const std::size_t corner = 3 * (triangle + kOffsetsAhead);
-    if (corner + 3 > mesh.cornerCount)
-        return;
-    for (int k = 0; k < 3; ++k) {
-        prefetch(mesh.dualOffset + mesh.faceVertex[corner + k]);
-        const uint point = mesh.faceVertex[corner - 3 * (kOffsetsAhead - kListsAhead) + k];
-        prefetch(mesh.dualCorners + mesh.dualOffset[point]);
-    }
-}
-
 // Writes `find(edge)` for every half-edge of the triangles.
 template <class Find>
 void forEachHalfEdge(const Mesh& mesh, uint* adjacentTri, const Find& find)
 {
+    // Points may come in any order, so their lists are asked for well before they are walked.
+    constexpr std::size_t kOffsetsAhead = 24;
+    constexpr std::size_t kListsAhead = 12;
     const uint triangleCount = static_cast<uint>(mesh.cornerCount / 3);
     parallelLoop(0, triangleCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
         for (uint t = begin; t < end; ++t) {
-            prefetchLists(mesh, t);
+            const uint* const ahead = mesh.faceVertex + std::size_t{3} * t;
+            for (int k = 0; k < 3 && t + kOffsetsAhead < triangleCount; ++k) {
+                TESSARY_PREFETCH(mesh.dualOffset + ahead[3 * kOffsetsAhead + k]);
+                TESSARY_PREFETCH(mesh.dualCorners + mesh.dualOffset[ahead[3 * kListsAhead + k]]);
+            }
             const uint* const point = mesh.faceVertex + std::size_t{3} * t;
             uint* const out = adjacentTri + std::size_t{3} * t;
             out[0] = find(Edge{t, point[0], point[1]});
