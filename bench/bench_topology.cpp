@@ -1,44 +1,19 @@
-// Dual tables against a plain counting sort with a cursor per point.
+// Topology against plain ways to do the same: the dual table against a serial counting sort, edges
+// against a serial bucket sort, adjacency against a two-thread walk of the shorter list, quads
+// against the time of copying what they read and write. Outputs are written to touched memory.
 
 #include "support/Inputs.h"
 #include "support/Measure.h"
+#include "support/TopologyReferences.h"
 
 #include <Tessary/Topology.h>
 
-#include <algorithm>
+#include <memory>
 #include <string>
-#include <vector>
 
 using namespace Bench;
 
 namespace {
-
-constexpr uint kNone = 0xFFFFFFFF;
-
-struct Dual {
-    Array<uint> offset;
-    Array<uint> corners;
-
-    explicit Dual(const Triangles& mesh)
-        : offset(std::size_t{mesh.pointCount} + 1), corners(mesh.faceVertex.size(), kNone)
-    {}
-    void prepare()
-    {
-        std::fill(offset.begin(), offset.end(), 0u);
-        std::fill(corners.begin(), corners.end(), kNone);
-    }
-};
-
-void countingSort(const Array<uint>& faceVertex, Dual& dual)
-{
-    for (const uint point : faceVertex)
-        ++dual.offset[std::size_t{point} + 1];
-    for (std::size_t i = 1; i < dual.offset.size(); ++i)
-        dual.offset[i] += dual.offset[i - 1];
-    std::vector<uint> cursor(dual.offset.begin(), dual.offset.end() - 1);
-    for (uint corner = 0; corner < faceVertex.size(); ++corner)
-        dual.corners[cursor[faceVertex[corner]]++] = corner;
-}
 
 // Prepared arrays have been written, so their memory is always touched.
 void constructDual(benchmark::State& state, const Triangles& mesh)
@@ -48,7 +23,7 @@ void constructDual(benchmark::State& state, const Triangles& mesh)
     const Contender kernel{
         [&] { Tessary::constructDualMesh(mesh.faceVertex, dual.offset, dual.corners); },
         [&] { dual.prepare(); }};
-    const Contender reference{[&] { countingSort(mesh.faceVertex, sorted); },
+    const Contender reference{[&] { countingSortDual(mesh.faceVertex, sorted); },
                               [&] { sorted.prepare(); }};
     kernel.run();
     reference.run();
@@ -57,14 +32,63 @@ void constructDual(benchmark::State& state, const Triangles& mesh)
             hashOf(sorted.corners, hashOf(sorted.offset)));
 }
 
-void add(const std::string& name, Triangles mesh)
+void edges(benchmark::State& state, const Triangles& mesh)
 {
-    benchmark::RegisterBenchmark(
-        ("constructDualMesh/" + name).c_str(),
-        [mesh = std::move(mesh)](benchmark::State& state) { constructDual(state, mesh); })
-        ->UseManualTime()
-        ->Unit(benchmark::kMillisecond)
-        ->MinTime(0.5);
+    Array<uint> ours;
+    Array<uint> plain;
+    const Contender kernel{[&] { Tessary::computeTriEdges(mesh.faceVertex, ours); }};
+    const Contender reference{[&] { countingSortEdges(mesh.faceVertex, plain); }};
+    kernel.run();
+    reference.run();
+    compare(state, kernel, reference, 4 * (mesh.faceVertex.size() + ours.size()), hashOf(ours),
+            hashOf(plain));
+}
+
+void adjacency(benchmark::State& state, const Triangles& mesh)
+{
+    Dual dual(mesh);
+    Tessary::constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
+    Array<uint> ours(mesh.faceVertex.size());
+    Array<uint> plain(mesh.faceVertex.size());
+    const Contender kernel{
+        [&] { Tessary::populateAdjacentTri(mesh.faceVertex, dual.offset, dual.corners, ours); }};
+    const Contender reference{[&] { walkShorterLists(mesh.faceVertex, dual, plain); }};
+    kernel.run();
+    reference.run();
+    compare(state, kernel, reference, 4 * (3 * ours.size() + dual.offset.size()), hashOf(ours),
+            hashOf(plain));
+}
+
+// The kernel stands for its own reference: x_copy is the figure to read.
+void quads(benchmark::State& state, const Triangles& mesh)
+{
+    Array<uint> triEdges;
+    Tessary::computeTriEdges(mesh.faceVertex, triEdges);
+    const Array<bool> creases(mesh.faceVertex.size());
+    Array<uint> quads;
+    const Contender kernel{[&] {
+        Tessary::computeQuadMesh(mesh.faceVertex, triEdges, creases, mesh.pointCount, quads);
+    }};
+    kernel.run();
+    const std::uint64_t bytes =
+        4 * (mesh.faceVertex.size() + triEdges.size() + quads.size()) + creases.size();
+    compare(state, kernel, kernel, bytes, hashOf(quads), hashOf(quads));
+}
+
+void add(const std::string& input, Triangles triangles)
+{
+    const auto mesh = std::make_shared<const Triangles>(std::move(triangles));
+    const auto row = [&](const char* kernel, const auto& run) {
+        benchmark::RegisterBenchmark((std::string(kernel) + "/" + input).c_str(),
+                                     [mesh, run](benchmark::State& state) { run(state, *mesh); })
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond)
+            ->MinTime(0.5);
+    };
+    row("constructDualMesh", constructDual);
+    row("computeTriEdges", edges);
+    row("populateAdjacentTri", adjacency);
+    row("computeQuadMesh", quads);
 }
 
 }  // namespace
