@@ -17,6 +17,7 @@ using Run = std::function<ExitCode()>;
 Run declareInfo(CLI::App& verb, Session& session);
 Run declareValidate(CLI::App& verb, Session& session);
 Run declareTriangulate(CLI::App& verb, Session& session);
+Run declareQuads(CLI::App& verb, Session& session);
 Run declareDemo(CLI::App& verb, Session& session);
 
 }  // namespace Cli

@@ -23,6 +23,7 @@ constexpr Verb kVerbs[] = {
     {"info", "Say what a mesh file holds", declareInfo},
     {"validate", "List what is wrong with a mesh", declareValidate},
     {"triangulate", "Split polygons into triangles", declareTriangulate},
+    {"quads", "Split faces into quads around their points", declareQuads},
     {"demo", "Run every kernel on a demo mesh and write the results", declareDemo},
 };
 
