@@ -20,10 +20,11 @@ namespace MeshIo {
 ///                             "NAME_offset", uint prefix offsets of the lists, which targets "NAME"
 ///                             and depends on the component, points or faces, whose lists they are
 ///
-/// Elements other than vertex and face, and bytes after the last element, are counted in a warning;
-/// comments are passed over. A name that the mesh has already (a property of points and of faces,
-/// say) becomes face_NAME or the like, with a warning. Interpolation modes and defaults are not kept
-/// in a file: properties read have those of Korvane::Geometry::addDataGeoProperty.
+/// In ASCII a row is a line. Elements other than vertex and face, and bytes after the last element,
+/// are counted in a warning; comments are passed over. A name that the mesh has already (a property
+/// of points and of faces, say) becomes face_NAME or the like, with a warning. Interpolation modes
+/// and defaults are not kept in a file: properties read have those of
+/// Korvane::Geometry::addDataGeoProperty.
 ///
 /// Vectors, matrices, bool and corner properties have no form of their own in PLY: their numbers are
 /// written as scalars or, for corners, as a list per face. Header lines, one for each property in the

@@ -125,14 +125,28 @@ private:
     void collectProperty(const String& name)
     {
         if (name == Geometry::sPointPosition || name == Geometry::sFaceOffset ||
-            name == Geometry::sFaceVertex || isComponent(m_mesh, name))
+            name == Geometry::sFaceVertex)
             return;
+        if (isComponent(m_mesh, name))
+            return collectComponent(name);
         if (const auto property = Geometry::getDataGeoProperty(m_mesh, name))
             collectData(name, *property);
         else if (Geometry::getRangeGeoProperty(m_mesh, name))
             collectRange(name);
         else
             collectOther(name);
+    }
+
+    // Only the mesh's own components and those of lists have a place in a file.
+    void collectComponent(const String& name)
+    {
+        const std::string_view ending = kListComponentEnding;
+        const std::string_view stem =
+            name.view().substr(0, name.size() - std::min(name.size(), ending.size()));
+        const bool isOfList = std::string(stem) + kListComponentEnding == name.view() &&
+                              ownerOfList(String(std::string(stem)));
+        if (!ownerOfComponent(name) && !isOfList)
+            leaveOut("component " + quoted(name.view()), "is neither of points, faces nor corners");
     }
 
     // An index array speaks through the properties that use it.

@@ -7,10 +7,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 /// What PLY readers and writers share: the scalar types, how element types of the host are made of
@@ -181,8 +183,26 @@ std::string decodedName(std::string_view word);
 /// Whether binary values of this format have to be turned round on this machine.
 bool needsSwap(MeshFormat format);
 
-/// Turns the bytes of `count` scalars round.
+/// Turns the bytes of `count` scalars of 1, 2, 4 or 8 bytes round.
 void swapScalars(unsigned char* values, std::size_t scalarSize, std::size_t count);
+
+/// Copies `count` scalars of `Size` bytes, turned round with `Swap`. Meant for few of them: a call of
+/// memcpy takes longer than the numbers of most rows and lists.
+template <std::size_t Size, bool Swap>
+inline void copyScalars(unsigned char* to, const unsigned char* from, std::size_t count)
+{
+    if (!Swap && count > 16) {
+        std::memcpy(to, from, count * Size);
+        return;
+    }
+    for (std::size_t k = 0; k < count; ++k, to += Size, from += Size) {
+        unsigned char bytes[Size];
+        std::memcpy(bytes, from, Size);
+        for (std::size_t b = 0; Swap && b < Size / 2; ++b)
+            std::swap(bytes[b], bytes[Size - 1 - b]);
+        std::memcpy(to, bytes, Size);
+    }
+}
 
 }  // namespace Ply
 }  // namespace MeshIo

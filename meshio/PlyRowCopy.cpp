@@ -117,15 +117,15 @@ public:
         findPlaces(row, count);
         for (const Run& run : m_runs) {
             if (!run.offsets)
-                copyScalars(run, row, count);
+                gatherRun(run, row, count);
             else if (run.entrySize == 4)
-                copyLists<4>(run, row, count);
+                gatherLists<4>(run, row, count);
             else if (run.entrySize == 8)
-                copyLists<8>(run, row, count);
+                gatherLists<8>(run, row, count);
             else if (run.entrySize == 2)
-                copyLists<2>(run, row, count);
+                gatherLists<2>(run, row, count);
             else
-                copyLists<1>(run, row, count);
+                gatherLists<1>(run, row, count);
         }
     }
 
@@ -145,7 +145,7 @@ private:
         }
     }
 
-    void copyScalars(const Run& run, std::size_t row, std::size_t count)
+    void gatherRun(const Run& run, std::size_t row, std::size_t count)
     {
         if (run.sink.first)
             switch (run.bytes) {
@@ -176,27 +176,16 @@ private:
     }
 
     template <std::size_t Size>
-    void copyLists(const Run& run, std::size_t row, std::size_t count)
+    void gatherLists(const Run& run, std::size_t row, std::size_t count)
     {
         for (std::size_t i = 0; i < count; ++i) {
             const unsigned char* const from = m_places[i] + run.bytes;
             const std::size_t entries = run.offsets[row + i + 1] - run.offsets[row + i];
             if (run.sink.first)
-                copyEntries<Size>(run.sink.first + run.offsets[row + i] * Size, from, entries);
+                copyScalars<Size, false>(run.sink.first + run.offsets[row + i] * Size, from,
+                                         entries);
             m_places[i] = from + entries * Size;
         }
-    }
-
-    // A call of memcpy takes longer than the few entries that most lists have.
-    template <std::size_t Size>
-    static void copyEntries(unsigned char* to, const unsigned char* from, std::size_t entries)
-    {
-        if (entries > 16) {
-            std::memcpy(to, from, entries * Size);
-            return;
-        }
-        for (std::size_t k = 0; k < entries; ++k)
-            std::memcpy(to + k * Size, from + k * Size, Size);
     }
 
     const std::vector<Run>& m_runs;
@@ -216,14 +205,6 @@ void copyVaryingRows(const Rows& rows, const std::vector<Run>& runs)
     }
 }
 
-template <std::size_t Size>
-void swapEach(unsigned char* values, std::size_t count)
-{
-    for (std::size_t i = 0; i < count; ++i, values += Size)
-        for (std::size_t k = 0; k < Size / 2; ++k)
-            std::swap(values[k], values[Size - 1 - k]);
-}
-
 }  // namespace
 
 void copyRows(const Rows& rows, const std::vector<Sink>& sinks)
@@ -240,11 +221,11 @@ void copyRows(const Rows& rows, const std::vector<Sink>& sinks)
 void swapScalars(unsigned char* values, std::size_t scalarSize, std::size_t count)
 {
     if (scalarSize == 2)
-        swapEach<2>(values, count);
+        copyScalars<2, true>(values, values, count);
     else if (scalarSize == 4)
-        swapEach<4>(values, count);
+        copyScalars<4, true>(values, values, count);
     else if (scalarSize == 8)
-        swapEach<8>(values, count);
+        copyScalars<8, true>(values, values, count);
 }
 
 }  // namespace Ply

@@ -24,26 +24,31 @@ std::size_t smallestRow(const Element& element)
     return bytes;
 }
 
-template <class T>
-std::int64_t countAt(const unsigned char* from, bool swap)
-{
-    unsigned char bytes[sizeof(T)];
-    std::memcpy(bytes, from, sizeof(T));
-    if (swap)
-        std::reverse(bytes, bytes + sizeof(T));
-    T count;
-    std::memcpy(&count, bytes, sizeof(T));
-    return static_cast<std::int64_t>(count);
-}
-
+// Of the 1, 2 or 4 bytes of a list's count.
 std::int64_t countAt(const unsigned char* from, Scalar type, bool swap)
 {
     if (type == Scalar::UInt8)
         return *from;
-    return withScalar(type, [&](auto value) { return countAt<decltype(value)>(from, swap); });
+    return withScalar(type, [&](auto count) {
+        unsigned char bytes[sizeof(count)];
+        std::memcpy(bytes, from, sizeof(count));
+        if (swap)
+            std::reverse(bytes, bytes + sizeof(count));
+        std::memcpy(&count, bytes, sizeof(count));
+        return static_cast<std::int64_t>(count);
+    });
 }
 
 }  // namespace
+
+/// A list in every row, with what its walk needs at hand.
+struct RowFinder::List {
+    const Property* property;
+    std::size_t scalarsBefore;  // bytes between it and the list before it
+    std::size_t countSize;
+    std::size_t entrySize;
+    uint* offsets;
+};
 
 RowFinder::RowFinder(std::string_view body, std::size_t byteOfBody, bool swap,
                      const std::string& fileName)
@@ -72,30 +77,55 @@ void RowFinder::requireBytes(const Element& element, std::size_t rowSize) const
              " bytes or more; the file is cut off or the count is wrong");
 }
 
-void RowFinder::skipScalars(const Element& element, std::uint64_t row, std::size_t bytes)
+void RowFinder::failList(const Element& element, std::uint64_t row, const List& list) const
 {
-    if (bytes > bytesLeft())
+    if (bytesLeft() < list.countSize)
         fail(element, row, "the file ends inside it; the file is cut off");
-    m_position += bytes;
+    const std::int64_t count = countAt(m_position, *list.property->countType, m_swap);
+    const std::size_t room = (bytesLeft() - list.countSize) / list.entrySize;
+    if (count >= 0 && static_cast<std::uint64_t>(count) <= room)
+        fail(element, row, "more list entries than 32 bits can number; split the file");
+    fail(element, row,
+         "its list " + quoted(list.property->name) + " has " + std::to_string(count) +
+             " entries by its count, and the file has room for " + std::to_string(room) +
+             "; the file is cut off or damaged");
 }
 
-void RowFinder::takeList(const Element& element, const Property& property, std::uint64_t row,
-                         Array<uint>& offsets)
+bool RowFinder::skip(std::size_t bytes)
 {
-    const unsigned char* const countPlace = m_position;
-    skipScalars(element, row, sizeOf(*property.countType));
-    const std::int64_t count = countAt(countPlace, *property.countType, m_swap);
-    const std::size_t room = bytesLeft() / sizeOf(property.type);
-    if (count < 0 || static_cast<std::uint64_t>(count) > room)
-        fail(element, row,
-             "its list " + quoted(property.name) + " has " + std::to_string(count) +
-                 " entries by its count, and the file has room for " + std::to_string(room) +
-                 "; the file is cut off or damaged");
-    const std::uint64_t total = offsets[row] + static_cast<std::uint64_t>(count);
-    if (total > kMostEntries)
-        fail(element, row, "more list entries than 32 bits can number; split the file");
-    offsets[row + 1] = static_cast<uint>(total);
-    m_position += static_cast<std::size_t>(count) * sizeOf(property.type);
+    const bool fits = bytes <= bytesLeft();
+    m_position += fits ? bytes : 0;
+    return fits;
+}
+
+// Stays before a list that does not fit.
+bool RowFinder::skipList(const List& list, std::uint64_t row)
+{
+    if (bytesLeft() < list.countSize)
+        return false;
+    const std::int64_t count = countAt(m_position, *list.property->countType, m_swap);
+    // No count is above 2^32, so the product does not overflow; a negative one is out of bounds.
+    const std::uint64_t bytes = static_cast<std::uint64_t>(count) * list.entrySize;
+    const std::uint64_t total = list.offsets[row] + static_cast<std::uint64_t>(count);
+    if (count < 0 || bytes > bytesLeft() - list.countSize || total > kMostEntries)
+        return false;
+    list.offsets[row + 1] = static_cast<uint>(total);
+    m_position += list.countSize + bytes;
+    return true;
+}
+
+void RowFinder::walkLists(const Element& element, const std::vector<List>& lists,
+                          std::size_t scalarsAfter)
+{
+    for (std::uint64_t row = 0; row < element.count; ++row) {
+        if (row % kRowsPerPoll == 0)
+            throwIfCancelled();
+        for (const List& list : lists)
+            if (!skip(list.scalarsBefore) || !skipList(list, row))
+                failList(element, row, list);
+        if (!skip(scalarsAfter))
+            fail(element, row, "the file ends inside it; the file is cut off");
+    }
 }
 
 Rows RowFinder::take(const Element& element)
@@ -105,30 +135,22 @@ Rows RowFinder::take(const Element& element)
     const std::size_t rowSize = smallestRow(element);
     requireBytes(element, rowSize);
 
-    // Every list, with the size of the scalars before it; the scalars after the last one remain.
-    std::vector<std::pair<std::size_t, std::size_t>> lists;
+    std::vector<List> lists;
     std::size_t scalars = 0;
     for (std::size_t i = 0; i < element.properties.size(); ++i) {
-        if (!element.properties[i].isList()) {
-            scalars += sizeOf(element.properties[i].type);
+        const Property& property = element.properties[i];
+        if (!property.isList()) {
+            scalars += sizeOf(property.type);
             continue;
         }
         rows.offsets[i].resize(static_cast<std::size_t>(element.count) + 1);
-        lists.push_back({i, std::exchange(scalars, 0)});
+        lists.push_back({&property, std::exchange(scalars, 0), sizeOf(*property.countType),
+                         sizeOf(property.type), rows.offsets[i].data()});
     }
-    if (lists.empty()) {
+    if (lists.empty())
         m_position += element.count * rowSize;
-        return rows;
-    }
-    for (std::uint64_t row = 0; row < element.count; ++row) {
-        if (row % kRowsPerPoll == 0)
-            throwIfCancelled();
-        for (const auto& [list, scalarsBefore] : lists) {
-            skipScalars(element, row, scalarsBefore);
-            takeList(element, element.properties[list], row, rows.offsets[list]);
-        }
-        skipScalars(element, row, scalars);
-    }
+    else
+        walkLists(element, lists, scalars);
     return rows;
 }
 

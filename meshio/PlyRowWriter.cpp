@@ -21,21 +21,10 @@ std::size_t listLength(const Field& field, std::size_t row)
     return std::size_t(field.offsets[row + 1] - field.offsets[row]) * field.scalars;
 }
 
-// A call of memcpy takes longer than the few scalars that most rows and lists have.
-template <std::size_t Size>
-void copyScalars(unsigned char* to, const unsigned char* from, std::size_t count)
-{
-    if (count > 16) {
-        std::memcpy(to, from, count * Size);
-        return;
-    }
-    for (std::size_t k = 0; k < count; ++k)
-        std::memcpy(to + k * Size, from + k * Size, Size);
-}
-
+template <bool Swap>
 class BinaryBlocks {
 public:
-    BinaryBlocks(const ElementFields& element, bool swap) : m_element(element), m_swap(swap) {}
+    explicit BinaryBlocks(const ElementFields& element) : m_element(element) {}
 
     /// Puts the rows together and returns their bytes, which live until the next call.
     std::string_view make(std::size_t row, std::size_t count)
@@ -113,9 +102,7 @@ private:
                 continue;
             }
             const auto wide = static_cast<std::uint32_t>(length);
-            std::memcpy(to, &wide, sizeof(wide));
-            if (m_swap)
-                swapScalars(to, sizeof(wide), 1);
+            copyScalars<sizeof(wide), Swap>(to, reinterpret_cast<const unsigned char*>(&wide), 1);
             m_places[i] += sizeof(wide);
         }
     }
@@ -133,14 +120,11 @@ private:
     void putScalars(std::size_t i, const unsigned char* from, std::size_t scalars)
     {
         unsigned char* const to = m_bytes.data() + m_places[i];
-        copyScalars<Size>(to, from, scalars);
-        if (m_swap)
-            swapScalars(to, Size, scalars);
+        copyScalars<Size, Swap>(to, from, scalars);
         m_places[i] += scalars * Size;
     }
 
     const ElementFields& m_element;
-    bool m_swap;
     std::vector<unsigned char> m_bytes;
     std::size_t m_size = 0;
     std::size_t m_places[kRowsPerBlock];  // where the next field of each row begins
@@ -187,9 +171,10 @@ void writeText(const ElementFields& element, OutputFile& output)
     output.write(text);
 }
 
-void writeBinary(const ElementFields& element, bool swap, OutputFile& output)
+template <bool Swap>
+void writeBinary(const ElementFields& element, OutputFile& output)
 {
-    BinaryBlocks blocks(element, swap);
+    BinaryBlocks<Swap> blocks(element);
     for (std::size_t row = 0; row < element.count; row += kRowsPerBlock) {
         if (row / kRowsPerBlock % kBlocksPerPoll == 0)
             throwIfCancelled();
@@ -203,8 +188,10 @@ void writeRows(const ElementFields& element, MeshFormat format, OutputFile& outp
 {
     if (format == MeshFormat::PlyAscii)
         writeText(element, output);
+    else if (needsSwap(format))
+        writeBinary<true>(element, output);
     else
-        writeBinary(element, needsSwap(format), output);
+        writeBinary<false>(element, output);
 }
 
 }  // namespace Ply

@@ -35,12 +35,16 @@ public:
     std::size_t bytesLeft() const { return static_cast<std::size_t>(m_end - m_position); }
 
 private:
+    struct List;
+
     [[noreturn]] void fail(const Element& element, std::uint64_t row,
                            const std::string& what) const;
+    [[noreturn]] void failList(const Element& element, std::uint64_t row, const List& list) const;
     void requireBytes(const Element& element, std::size_t rowSize) const;
-    void takeList(const Element& element, const Property& property, std::uint64_t row,
-                  Pelon::Array<Pelon::uint>& offsets);
-    void skipScalars(const Element& element, std::uint64_t row, std::size_t bytes);
+    void walkLists(const Element& element, const std::vector<List>& lists,
+                   std::size_t scalarsAfter);
+    bool skip(std::size_t bytes);
+    bool skipList(const List& list, std::uint64_t row);
 
     const std::string& m_fileName;
     const unsigned char* m_begin;

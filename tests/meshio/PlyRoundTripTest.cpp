@@ -229,6 +229,9 @@ TEST(PlyRoundTrip, WhatPlyCannotHoldIsNamed)
     Geometry::addRangeGeoProperty(*mesh, "unused", Geometry::sFaceComp, shared<uint>({0}));
     mesh->setProperty("material_library", String("scene.mtl"));
     mesh->setProperty("scale", 2.5);
+    const auto component = Korvane::createObject();
+    Geometry::populateComponentGeoProperty(4, *component);
+    mesh->setProperty("edges", component);
     std::vector<std::string> warnings;
     const MeshRead read = readPly(written(*mesh, MeshFormat::PlyAscii, &warnings), "f.ply");
     EXPECT_EQ(read.mesh->propertyNames().size(), 6u);
@@ -243,7 +246,8 @@ TEST(PlyRoundTrip, WhatPlyCannotHoldIsNamed)
         "index property \"unused\" has no values that use it and is left out",
         "value \"material_library\" (string) of the mesh cannot be held by PLY and is left out; "
         "write OBJ to keep it",
-        "value \"scale\" of the mesh cannot be held by PLY and is left out"};
+        "value \"scale\" of the mesh cannot be held by PLY and is left out",
+        "component \"edges\" is neither of points, faces nor corners and is left out"};
     EXPECT_EQ(warnings, expected);
 }
 
