@@ -1,9 +1,10 @@
 #include <Tessary/Topology.h>
 
-#include "host/Arrays.h"
 #include "host/MeshLayout.h"
 #include "host/ParallelLoop.h"
+#include "host/Prefetch.h"
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -39,18 +40,6 @@ constexpr InnerPoints kInnerPoints[8] = {
     {1, {0, 0, 0}}, {2, {0, 1, 1}}, {2, {1, 1, 0}}, {3, {0, 1, 2}},
 };
 
-void setCornerPoints(const Array<uint>& triFaceVertex, Array<uint>& quadFaceVertex)
-{
-    const uint* const in = triFaceVertex.data();
-    uint* const out = quadFaceVertex.data();
-    parallelForEach(static_cast<uint>(triFaceVertex.size() / 3), LoopContext::Isolated,
-                    [in, out](uint triangle) {
-                        const std::size_t corner = std::size_t{3} * triangle;
-                        for (std::size_t c = corner; c < corner + 3; ++c)
-                            out[4 * c] = in[c];
-                    });
-}
-
 // Gives the new points of one edge to the quads of its half-edge at `corner`: `leaving` next to the
 // corner's own point, `arriving` next to the following corner's.
 void setEdgePoints(uint corner, uint leaving, uint arriving, Array<uint>& quadFaceVertex)
@@ -73,35 +62,70 @@ uint numberEdgePoints(const Array<uint>& triFaceVertex, const Array<uint>& triEd
                       const Array<Crease>& creases, uint next, Array<bool>& isCreased,
                       Array<uint>& quadFaceVertex)
 {
+    // The table lists edges by point, so their quads may lie anywhere: they are asked for early.
+    constexpr std::size_t kAhead = 64;  // entries
     for (std::size_t e = 0; e + 1 < triEdges.size(); e += 2) {
+        for (const std::size_t i : {e + kAhead, e + kAhead + 1})
+            if (i < triEdges.size() && triEdges[i] != kNone)
+                TESSARY_PREFETCH(quadFaceVertex.data() + std::size_t{4} * triEdges[i]);
         const uint corner = triEdges[e];
         const uint other = triEdges[e + 1];
+        const bool hasOther = other != kNone;
         const bool creased =
-            isCrease(creases[corner]) || (other != kNone && isCrease(creases[other]) &&
-                                          isOpposite(triFaceVertex, corner, other));
-
+            isCrease(creases[corner]) ||
+            (hasOther && isCrease(creases[other]) && isOpposite(triFaceVertex, corner, other));
         const uint first = next++;
         const uint second = creased ? next++ : first;
-        isCreased[corner] |= creased;
         setEdgePoints(corner, first, second, quadFaceVertex);
-        if (other != kNone) {
-            isCreased[other] |= creased;
+        if (hasOther)
             setEdgePoints(other, second, first, quadFaceVertex);
-        }
+        if (creased)
+            isCreased[corner] = true;
+        if (creased && hasOther)
+            isCreased[other] = true;
     }
     return next;
 }
 
-uint numberInnerPoints(const Array<bool>& isCreased, uint next, Array<uint>& quadFaceVertex)
+const InnerPoints& innerPointsOf(const Array<bool>& isCreased, std::size_t triangle)
 {
-    for (std::size_t corner = 0; corner + 2 < isCreased.size(); corner += 3) {
-        const InnerPoints& inner = kInnerPoints[isCreased[corner] | isCreased[corner + 1] << 1 |
-                                                isCreased[corner + 2] << 2];
-        for (int k = 0; k < 3; ++k)
-            quadFaceVertex[4 * (corner + k) + 2] = next + inner.choice[k];
-        next += inner.count;
-    }
-    return next;
+    const bool* const mark = isCreased.data() + 3 * triangle;
+    return kInnerPoints[mark[0] | mark[1] << 1 | mark[2] << 2];
+}
+
+// Sets the points at the corners, numbers the inner points from `next` on, and returns the next
+// unused number. Blocks of triangles are counted first, so that each can number its own.
+uint numberInnerPoints(const Array<uint>& triFaceVertex, const Array<bool>& isCreased, uint next,
+                       Array<uint>& quadFaceVertex)
+{
+    constexpr std::size_t kBlock = 16384;
+    const std::size_t triangleCount = triFaceVertex.size() / 3;
+    const uint blockCount = static_cast<uint>((triangleCount + kBlock - 1) / kBlock);
+    const auto endOf = [&](uint block) { return std::min((block + 1) * kBlock, triangleCount); };
+
+    std::vector<uint> first(std::size_t{blockCount} + 1, next);
+    parallelForEach(blockCount, LoopContext::Isolated, [&](uint block) {
+        uint count = 0;
+        for (std::size_t t = block * kBlock; t < endOf(block); ++t)
+            count += innerPointsOf(isCreased, t).count;
+        first[block + 1] = count;
+    });
+    for (uint block = 0; block < blockCount; ++block)
+        first[block + 1] += first[block];
+
+    parallelForEach(blockCount, LoopContext::Isolated, [&](uint block) {
+        uint point = first[block];
+        for (std::size_t t = block * kBlock; t < endOf(block); ++t) {
+            const InnerPoints& inner = innerPointsOf(isCreased, t);
+            for (std::size_t k = 0; k < 3; ++k) {
+                uint* const quad = quadFaceVertex.data() + 4 * (3 * t + k);
+                quad[0] = triFaceVertex[3 * t + k];
+                quad[2] = point + inner.choice[k];
+            }
+            point += inner.count;
+        }
+    });
+    return first[blockCount];
 }
 
 template <class Crease>
@@ -109,11 +133,10 @@ uint quadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdges,
               const Array<Crease>& creases, uint firstIndex, Array<uint>& quadFaceVertex)
 {
     quadFaceVertex.resize(4 * triFaceVertex.size());
-    setCornerPoints(triFaceVertex, quadFaceVertex);
     Array<bool> isCreased(triFaceVertex.size());
     const uint next =
         numberEdgePoints(triFaceVertex, triEdges, creases, firstIndex, isCreased, quadFaceVertex);
-    return numberInnerPoints(isCreased, next, quadFaceVertex);
+    return numberInnerPoints(triFaceVertex, isCreased, next, quadFaceVertex);
 }
 
 }  // namespace
