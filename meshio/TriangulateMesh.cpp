@@ -7,10 +7,8 @@
 #include <set>
 #include <stdexcept>
 
-namespace MeshIo
-{
-namespace
-{
+namespace MeshIo {
+namespace {
 
 using namespace Korvane::Geometry;
 using Korvane::Object;

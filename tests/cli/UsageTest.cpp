@@ -17,7 +17,7 @@ TEST(Usage, MistakesExitWithTwoAndOneLineThatPointsToTheHelp)
     const std::string house = folder.file("house.obj", kHouse);
     const std::string out = folder.path("out.obj");
     const WrongUsage mistakes[] = {
-        {{}, "the verbs are info, validate, triangulate, demo (see tessary --help)"},
+        {{}, "a verb is missing; the verbs are info, validate, triangulate, "},
         {{"fold", house}, "there is no verb fold"},
         {{"info"}, "INPUT is required (see tessary info --help)"},
         {{"info", house, "--loud"}, "--loud"},
