@@ -255,6 +255,21 @@ Array<uint> ranksOf(const Array<uint>& points)
     return ranks;
 }
 
+// One more than the largest point that is named.
+std::size_t pointCountOf(const Array<uint>& faceVertex)
+{
+    const uint pieces = 1 + static_cast<uint>(faceVertex.size() / 65536);
+    std::vector<std::size_t> count(pieces);
+    parallelForEach(pieces, LoopContext::Isolated, [&](uint i) {
+        const Range range = pieceOf(faceVertex.size(), i, pieces);
+        uint largest = 0;
+        for (std::size_t corner = range.begin; corner < range.end; ++corner)
+            largest = std::max(largest, faceVertex[corner]);
+        count[i] = range.begin < range.end ? std::size_t{largest} + 1 : 0;
+    });
+    return *std::max_element(count.begin(), count.end());
+}
+
 bool buildEdges(const Array<uint>& triFaceVertex, std::size_t pointCount, Array<uint>& triEdges)
 {
     EdgeTable table(triFaceVertex, pointCount);
@@ -268,10 +283,7 @@ bool buildEdges(const Array<uint>& triFaceVertex, std::size_t pointCount, Array<
 
 void computeTriEdges(const Array<uint>& triFaceVertex, Array<uint>& triEdges)
 {
-    const std::size_t pointCount =
-        triFaceVertex.empty()
-            ? 0
-            : std::size_t{*std::max_element(triFaceVertex.begin(), triFaceVertex.end())} + 1;
+    const std::size_t pointCount = pointCountOf(triFaceVertex);
     // Counters for points that no triangle names may cost at most as much as the mesh.
     const bool succeeded = pointCount <= 4 * triFaceVertex.size() + 1024
                                ? buildEdges(triFaceVertex, pointCount, triEdges)
