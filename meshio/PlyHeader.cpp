@@ -106,7 +106,8 @@ private:
         else if (keyword != "obj_info" && keyword != "end_header")
             fail("found " + quoted(keyword) +
                  " where a header line was expected (format, element, "
-                 "property, comment, obj_info or end_header)");
+                 "property, comment, obj_info or end_header); remove it or put \"comment\" before "
+                 "it");
         return keyword != "end_header";
     }
 

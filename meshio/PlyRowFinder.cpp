@@ -68,11 +68,13 @@ void RowFinder::fail(const Element& element, std::uint64_t row, const std::strin
                     std::to_string(element.count) + " by the header: " + what);
 }
 
-void RowFinder::requireBytes(const Element& element, std::size_t rowSize) const
+void RowFinder::requireBytes(const Element& element, std::size_t rowSize)
 {
     if (rowSize == 0 || element.count <= bytesLeft() / rowSize)
         return;
-    fail(element, bytesLeft() / rowSize,
+    const std::size_t room = bytesLeft() / rowSize;
+    m_position += room * rowSize;  // where the first row that may be missing begins
+    fail(element, room,
          "the file ends before it, and a row takes " + std::to_string(rowSize) +
              " bytes or more; the file is cut off or the count is wrong");
 }

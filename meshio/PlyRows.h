@@ -40,7 +40,7 @@ private:
     [[noreturn]] void fail(const Element& element, std::uint64_t row,
                            const std::string& what) const;
     [[noreturn]] void failList(const Element& element, std::uint64_t row, const List& list) const;
-    void requireBytes(const Element& element, std::size_t rowSize) const;
+    void requireBytes(const Element& element, std::size_t rowSize);
     void walkLists(const Element& element, const std::vector<List>& lists,
                    std::size_t scalarsAfter);
     bool skip(std::size_t bytes);

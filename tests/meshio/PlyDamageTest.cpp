@@ -113,9 +113,10 @@ TEST(PlyDamage, PromisesAloneTakeNoMemory)
     const std::string text = "ply\nformat ascii 1.0\n";
     const std::string twelve(12, '\1');
     const MemoryLimit limit;
-    EXPECT_TRUE(contains(
-        errorOf(start + "element vertex 4000000000\n" + points + "end_header\n" + twelve),
-        ": row 1 of element \"vertex\", which has 4000000000 by the header: the file ends"));
+    EXPECT_TRUE(
+        contains(errorOf(start + "element vertex 4000000000\n" + points + "end_header\n" + twelve),
+                 "f.ply: byte 136: row 1 of element \"vertex\", which has 4000000000 by the "
+                 "header: the file ends"));
     EXPECT_TRUE(
         contains(errorOf(text + "element vertex 4000000000\n" + points + "end_header\n1 2 3"),
                  "which has 4000000000 by the header"));

@@ -266,4 +266,18 @@ TEST(PlyRoundTrip, TheDemoMeshKeepsItsCornerValues)
         EXPECT_TRUE(MeshFiles::sameProperty(*mesh, *read.mesh, name)) << name;
 }
 
+TEST(PlyRoundTrip, FilesOfOtherProgramsKeepEverything)
+{
+    for (const char* name :
+         {"cube.ply", "cube_binary.ply", "cube_uv.ply", "float-color.ply", "points.ply"}) {
+        const std::string path = MeshFiles::installedModel(name);
+        if (path.empty())
+            GTEST_SKIP() << "no " << name << "; install assimp-testmodels";
+        const MeshRead read = MeshIo::readMesh(path);
+        EXPECT_TRUE(read.warnings.empty()) << name;
+        for (const MeshFormat format : kFormats)
+            expectSame(*read.mesh, written(*read.mesh, format));
+    }
+}
+
 }  // namespace
