@@ -18,7 +18,7 @@ namespace TestSupport {
 namespace {
 
 constexpr std::chrono::milliseconds kPause{2};
-constexpr int kPatience = 60000;  // pauses: two minutes, or more on a busy machine
+constexpr int kPatience = 15000;  // pauses: half a minute, or more on a busy machine
 
 // Whoever runs the tests may ignore signals, which a program inherits.
 void resetSignals(posix_spawnattr_t& attributes)
