@@ -67,9 +67,11 @@ std::size_t expectedSize(int descriptor, const std::string& path)
 void waitForInput(int descriptor)
 {
     pollfd wanted = {descriptor, POLLIN, 0};
-    do
+    int ready = 0;
+    do {
         throwIfCancelled();
-    while (::poll(&wanted, 1, 100) == 0);
+        ready = ::poll(&wanted, 1, 100);
+    } while (ready == 0 || (ready < 0 && errno == EINTR));
 }
 
 std::size_t readSome(int descriptor, char* to, std::size_t count, const std::string& path)
