@@ -1,5 +1,8 @@
 #pragma once
 
 #include <Tessary/HalfEdge.h>
+#include <Tessary/Primitives.h>
+#include <Tessary/Scratch.h>
+#include <Tessary/Solver.h>
 #include <Tessary/Topology.h>
 #include <Tessary/Triangulation.h>

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <Korvane/Math.h>
+#include <Pelon/Array.h>
+#include <Tessary/Api.h>
+
+#include <cmath>
+
+namespace Tessary {
+
+/// A ball around `center`. The radius is kept squared, as it is compared.
+class Sphere {
+public:
+    Sphere() = default;
+    Sphere(const Korvane::Math::float3& center, float squaredRadius)
+        : m_squaredRadius(squaredRadius), m_center(center)
+    {}
+
+    Korvane::Math::float3 getCenter() const { return m_center; }
+
+    /// The square root of the squared radius; NaN where that is negative.
+    float getRadius() const { return std::sqrt(m_squaredRadius); }
+
+private:
+    float m_squaredRadius = 0.0f;
+    Korvane::Math::float3 m_center = {0.0f, 0.0f, 0.0f};
+};
+
+/// The smallest sphere that encloses the points.
+///
+/// The centre is found in double precision and rounded. The squared radius is then the largest
+/// (px - cx)^2 + (py - cy)^2 + (pz - cz)^2 in float, so every point passes that test against the
+/// rounded centre.
+///
+/// in     points  any number, in any order, repeated or not. Of none, the sphere is a point at the
+///                origin
+/// result the same bits for any thread count; of equally far points the one of lowest index counts.
+///        Points on a common circle or sphere yield that one's centre within rounding
+/// else   coordinates that are NaN or infinite end like others, in a sphere that means nothing.
+///        Squares that overflow make the radius infinite
+/// cost   O(n) time per pass over the points, usually 3 to 10 passes; parallel, never polls for
+///        cancellation. 16 bytes of scratch per 8192 points
+TESSARY_API Sphere computeBoundingSphere(const Pelon::Array<Korvane::Math::float3>& points);
+
+/// Whether a solid triangle and a solid axis-aligned box have a point in common; touching counts.
+///
+/// Thirteen axes might separate the two: the box's three, the triangle's normal, and the cross
+/// products of the box's axes with the triangle's edges. All arithmetic is in float, without
+/// tolerance, so that rounding may decide about triangles that just touch.
+///
+/// in     a, b, c      the triangle's points; their order may matter to the last bit
+/// in     boxCenter    the middle of the box
+/// in     boxHalfSize  half of its extent along x, y and z, not negative; zero makes it a point
+/// result false where any number is NaN. A triangle without area is the line or point that it is
+/// cost   constant; the same bits on every machine, with or without vector registers
+TESSARY_API bool intersect_triangle_with_axis_aligned_box(const Korvane::Math::float3& a,
+                                                          const Korvane::Math::float3& b,
+                                                          const Korvane::Math::float3& c,
+                                                          const Korvane::Math::float3& boxCenter,
+                                                          const Korvane::Math::float3& boxHalfSize);
+
+}  // namespace Tessary

@@ -1,0 +1,239 @@
+#include <Tessary/Solver.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+using Pelon::Array;
+using Tessary::Multicollider;
+using Tessary::uint;
+using float3 = Multicollider::float3;
+using Side = Multicollider::Side;
+
+namespace {
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+
+class Bare : public Multicollider {
+public:
+    using Multicollider::solveInternal;
+};
+
+// One projection after the other, everything in memory.
+void referenceSolve(Multicollider& s)
+{
+    const uint N = s.colliderCount();
+    for (uint it = 0; N >= 2 && it < s.maxIterations; ++it) {
+        bool converged = true;
+        for (uint g = 0; g < N; ++g)
+            for (uint c = s.contactOffsets[g]; c < s.contactOffsets[g + 1]; ++c)
+                for (uint j = 0; j + 1 < N; ++j) {
+                    const uint o = j < g ? j : j + 1;
+                    const std::size_t k = std::size_t{c} * (N - 1) + j;
+                    const float3 n = s.contactDirections[c].direction;
+                    const float lambda = s.pairLambdas[k];
+                    const float wg = s.inverseMasses[g], wo = s.inverseMasses[o];
+                    float3 &G = s.displacements[g], &O = s.displacements[o];
+                    const float3 A = {(wg * n.x) * lambda + G.x, (wg * n.y) * lambda + G.y,
+                                      (wg * n.z) * lambda + G.z};
+                    const float3 B = {O.x - (wo * n.x) * lambda, O.y - (wo * n.y) * lambda,
+                                      O.z - (wo * n.z) * lambda};
+                    const float d = ((A.y - B.y) * n.y + (A.x - B.x) * n.x) + (A.z - B.z) * n.z;
+                    float m = std::copysign(1.0f, lambda) * d;
+                    m = 0 >= m ? 0 : m * s.pairScales[k];
+                    const float next = std::copysign(m, lambda);
+                    G = {A.x - (wg * n.x) * next, A.y - (wg * n.y) * next, A.z - (wg * n.z) * next};
+                    O = {(wo * n.x) * next + B.x, (wo * n.y) * next + B.y, (wo * n.z) * next + B.z};
+                    converged = converged && s.tolerance >= std::fabs(lambda - next);
+                    s.pairLambdas[k] = next;
+                }
+        if (converged)
+            return;
+    }
+    for (float3& D : s.displacements)
+        if (N >= 2)
+            D = s.fallbackDisplacement;
+}
+
+// The same bits; of numbers that are none, any.
+bool isSame(const float* a, const float* b, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        if (std::memcmp(a + i, b + i, sizeof(float)) != 0 &&
+            !(std::isnan(a[i]) && std::isnan(b[i])))
+            return false;
+    return true;
+}
+
+void expectSame(const Multicollider& a, const Multicollider& b)
+{
+    const std::size_t n = a.displacements.size();
+    EXPECT_TRUE(n == 0 || isSame(&a.displacements[0].x, &b.displacements[0].x, 3 * n));
+    EXPECT_TRUE(isSame(a.pairLambdas.data(), b.pairLambdas.data(), a.pairLambdas.size()));
+}
+
+class Numbers {
+public:
+    explicit Numbers(std::uint32_t seed) : m_bits(seed) {}
+    uint below(uint n) { return m_bits() % n; }
+    float unit() { return static_cast<float>(m_bits()) * 0x1p-31f - 1.0f; }
+    float3 vector() { return {unit(), unit(), unit()}; }
+
+private:
+    std::mt19937 m_bits;
+};
+
+Bare randomProblem(std::uint32_t seed)
+{
+    Numbers random(seed);
+    Bare s;
+    for (uint g = random.below(7); g > 0; --g) {
+        s.addCollider(random.below(4) == 0 ? 0.0f : 1.0f + random.unit(), random.vector());
+        for (uint c = random.below(4); c > 0; --c)
+            s.addContact(random.vector());
+    }
+    s.preparePairs(Side::Behind, random.below(2) == 0 ? 1.0f : 0.7f);
+    for (std::size_t k = 0; k < s.pairLambdas.size(); ++k) {
+        if (random.below(2) == 0)
+            s.setSide(k, Side::Ahead);
+        if (random.below(4) == 0)
+            s.pairLambdas[k] = random.unit();
+        if (random.below(8) == 0)
+            s.ignore(k);
+        if (random.below(64) == 0)
+            s.pairScales[k] = random.below(2) == 0 ? -1.0f : std::numeric_limits<float>::infinity();
+    }
+    if (!s.displacements.empty() && random.below(16) == 0)
+        s.displacements[random.below(s.colliderCount())].y = random.below(2) == 0 ? kNan : -0.0f;
+    s.fallbackDisplacement = {7, 8, 9};
+    s.tolerance = random.below(8) == 0 ? 0.0f : 1e-3f;
+    s.maxIterations = random.below(30);
+    return s;
+}
+
+TEST(Multicollider, SweepsEqualTheReferenceToTheBit)
+{
+    uint converged = 0;
+    for (std::uint32_t seed = 0; seed < 4000; ++seed) {
+        SCOPED_TRACE(seed);
+        Bare ours = randomProblem(seed);
+        Multicollider reference = ours;
+        ours.solveInternal();
+        referenceSolve(reference);
+        expectSame(ours, reference);
+        if (!ours.displacements.empty() && ours.displacements[0].x != 7)
+            ++converged;
+    }
+    EXPECT_GT(converged, 1000u);
+    EXPECT_LT(converged, 3900u);
+}
+
+// Collider 0 runs along x into collider 1.
+Bare chase(float w0, float w1)
+{
+    Bare s;
+    s.addCollider(w0, {2, 0, 0});
+    s.addContact({1, 0, 0});
+    s.addCollider(w1, {-1, 5, 0});
+    s.preparePairs();
+    s.tolerance = 0;
+    return s;
+}
+
+TEST(Multicollider, APairIsPushedApartByInverseMass)
+{
+    const struct {
+        float w0, w1, x0, x1;
+    } cases[] = {
+        {1, 1, .5f, .5f}, {3, 1, -.25f, -.25f}, {0, 1, 2, 2}, {1, 0, -1, -1}, {0, 0, 2, -1}};
+    for (const auto& t : cases) {
+        Bare s = chase(t.w0, t.w1);
+        EXPECT_TRUE(s.solve());
+        EXPECT_EQ(s.displacements, (Array<float3>{{t.x0, 0, 0}, {t.x1, 5, 0}}));
+    }
+}
+
+TEST(Multicollider, TheSideIsTheSignOfTheMultiplier)
+{
+    Bare s = chase(1, 1);
+    const std::size_t pair = s.pairIndex(0, 0, 1);
+    s.setSide(pair, Side::Ahead);
+    EXPECT_TRUE(s.solve());
+    EXPECT_EQ(s.displacements, s.freeDisplacements) << "it is ahead already";
+    EXPECT_TRUE(std::signbit(s.pairLambdas[pair])) << "a zero keeps its side";
+
+    s.freeDisplacements = {{-3, 0, 0}, {1, 0, 0}};
+    EXPECT_TRUE(s.solve());
+    EXPECT_EQ(s.displacements, (Array<float3>{{-1, 0, 0}, {-1, 0, 0}}));
+    EXPECT_EQ(s.pairLambdas[pair], -2);
+    s.ignore(pair);
+    EXPECT_TRUE(s.solve());
+    EXPECT_EQ(s.displacements, s.freeDisplacements);
+}
+
+TEST(Multicollider, SolveTellsWhetherItConvergedAndLeavesTheFallbackIfNot)
+{
+    Bare s = chase(1, 1);
+    s.fallbackDisplacement = {0.5f, 0, 0};
+    s.maxIterations = 1;
+    EXPECT_FALSE(s.solve()) << "the first sweep changes a multiplier";
+    EXPECT_EQ(s.displacements, (Array<float3>(2, {0.5f, 0, 0})));
+    EXPECT_EQ(s.pairLambdas[0], 1.5f);
+    EXPECT_TRUE(s.solve()) << "the push is known now";
+    EXPECT_EQ(s.displacements, (Array<float3>{{.5f, 0, 0}, {.5f, 5, 0}}));
+    s.withdrawPushes();
+    EXPECT_FALSE(s.solve());
+    s.maxIterations = 0;
+    EXPECT_FALSE(s.solve());
+
+    Bare broken = chase(1, 1);
+    broken.freeDisplacements[1].x = kNan;
+    EXPECT_FALSE(broken.solve());
+    EXPECT_EQ(broken.displacements, (Array<float3>(2, {0, 0, 0})));
+}
+
+TEST(Multicollider, FewCollidersAndNoContactsChangeNothing)
+{
+    Bare s;
+    s.maxIterations = 0;
+    EXPECT_TRUE(s.solve());
+    s.addCollider(1, {1, 2, 3});
+    s.addContact({1, 0, 0});
+    s.preparePairs();
+    EXPECT_TRUE(s.solve());
+    EXPECT_EQ(s.displacements, (Array<float3>{{1, 2, 3}}));
+
+    Bare none;
+    none.addCollider(1, {1, 0, 0});
+    none.addCollider(1, {2, 0, 0});
+    none.preparePairs();
+    none.maxIterations = 1;
+    EXPECT_TRUE(none.solve());
+    EXPECT_EQ(none.displacements, none.freeDisplacements);
+}
+
+TEST(Multicollider, AWarmStartEndsWhereAColdOneDoesInFewerSweeps)
+{
+    Numbers random(5);
+    Bare s;
+    for (int g = 0; g < 12; ++g) {
+        s.addCollider(1.0f, random.vector());
+        s.addContact({1, 0, 0});
+    }
+    s.preparePairs();
+    s.tolerance = 1e-5f;
+    s.maxIterations = 10000;
+    ASSERT_TRUE(s.solve());
+    for (float3& D : s.freeDisplacements)
+        D.x += 1e-4f * random.unit();
+    Bare cold = s;
+    cold.withdrawPushes();
+    ASSERT_TRUE(s.solve());
+    ASSERT_TRUE(cold.solve());
+    for (uint g = 0; g < s.colliderCount(); ++g)
+        EXPECT_NEAR(s.displacements[g].x, cold.displacements[g].x, 1e-3);
+}
+
+}  // namespace
