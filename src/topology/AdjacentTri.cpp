@@ -79,31 +79,39 @@ bool hasLongList(const Mesh& mesh)
     return any;
 }
 
-bool isListOf(const Mesh& mesh, uint point)
+// Whether the slots [slot, end) list corners of the points that they belong to, in ascending order
+// for each point.
+bool areListsOf(const Mesh& mesh, uint slot, uint end)
 {
-    const uint begin = mesh.dualOffset[point];
-    const uint end = mesh.dualOffset[point + 1];
-    if (begin > end || end > mesh.cornerCount)
-        return false;
-    for (uint slot = begin; slot < end; ++slot) {
-        const uint corner = mesh.dualCorners[slot];
-        if (corner >= mesh.cornerCount || mesh.faceVertex[corner] != point ||
-            (slot > begin && mesh.dualCorners[slot - 1] >= corner))
-            return false;
+    const uint* const last = mesh.dualOffset + mesh.pointCount + 1;
+    const uint* offset = std::upper_bound(mesh.dualOffset, last, slot);
+    bool all = true;
+    while (slot < end && all) {
+        const uint point = static_cast<uint>(offset - mesh.dualOffset) - 1;
+        const uint listEnd = std::min(*offset++, end);
+        // Above every corner of the list, so far: none at its start.
+        uint least = slot > mesh.dualOffset[point] ? mesh.dualCorners[slot - 1] + 1 : 0;
+        for (; slot < listEnd; ++slot) {
+            const uint corner = mesh.dualCorners[slot];
+            all &= corner >= least && corner < mesh.cornerCount && mesh.faceVertex[corner] == point;
+            least = corner + 1;
+        }
     }
-    return true;
+    return all;
 }
 
 // Whether the dual is that of the mesh: as many entries as corners, each once and in its own list.
 bool isDualOfMesh(const Mesh& mesh)
 {
-    if (mesh.dualOffset[0] != 0 || mesh.dualOffset[mesh.pointCount] != mesh.cornerCount)
+    if (mesh.dualOffset[0] != 0 || mesh.dualOffset[mesh.pointCount] != mesh.cornerCount ||
+        !std::is_sorted(mesh.dualOffset, mesh.dualOffset + mesh.pointCount + 1))
         return false;
     std::atomic<bool> all{true};
-    parallelForEach(static_cast<uint>(mesh.pointCount), LoopContext::Isolated, [&](uint point) {
-        if (!isListOf(mesh, point))
-            all.store(false, std::memory_order_relaxed);
-    });
+    parallelLoop(0, static_cast<uint>(mesh.cornerCount), 1, LoopContext::Isolated,
+                 [&](uint begin, uint end) {
+                     if (!areListsOf(mesh, begin, end))
+                         all.store(false, std::memory_order_relaxed);
+                 });
     return all;
 }
 

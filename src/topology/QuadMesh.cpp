@@ -55,36 +55,67 @@ bool isOpposite(const Array<uint>& triFaceVertex, uint corner, uint other)
            triFaceVertex[after(other)] == triFaceVertex[corner];
 }
 
-// Numbers the edge points from `next` on, marks the corners whose leaving edge is creased, and
-// returns the next unused number.
+// Numbers new points in parallel as one pass over [0, size) would: `count(begin, end)` counts those of
+// a block, then `number(begin, end, first)` numbers them from `first` on. Returns the next unused
+// number.
+template <class Count, class Number>
+uint numberInBlocks(std::size_t size, uint next, const Count& count, const Number& number)
+{
+    constexpr std::size_t kBlock = 16384;
+    const uint blockCount = static_cast<uint>((size + kBlock - 1) / kBlock);
+    const auto endOf = [size](uint block) { return std::min((block + 1) * kBlock, size); };
+
+    std::vector<uint> first(std::size_t{blockCount} + 1, next);
+    parallelForEach(blockCount, LoopContext::Isolated,
+                    [&](uint block) { first[block + 1] = count(block * kBlock, endOf(block)); });
+    for (uint block = 0; block < blockCount; ++block)
+        first[block + 1] += first[block];
+    parallelForEach(blockCount, LoopContext::Isolated,
+                    [&](uint block) { number(block * kBlock, endOf(block), first[block]); });
+    return first[blockCount];
+}
+
+// Marks the corners whose leaving edge is creased, and numbers the edge points from `next` on. Every
+// corner stands once in the table, so no two edges write to one place.
 template <class Crease>
 uint numberEdgePoints(const Array<uint>& triFaceVertex, const Array<uint>& triEdges,
                       const Array<Crease>& creases, uint next, Array<bool>& isCreased,
                       Array<uint>& quadFaceVertex)
 {
-    // The table lists edges by point, so their quads may lie anywhere: they are asked for early.
-    constexpr std::size_t kAhead = 64;  // entries
-    for (std::size_t e = 0; e + 1 < triEdges.size(); e += 2) {
-        for (const std::size_t i : {e + kAhead, e + kAhead + 1})
-            if (i < triEdges.size() && triEdges[i] != kNone)
-                TESSARY_PREFETCH(quadFaceVertex.data() + std::size_t{4} * triEdges[i]);
-        const uint corner = triEdges[e];
-        const uint other = triEdges[e + 1];
-        const bool hasOther = other != kNone;
-        const bool creased =
-            isCrease(creases[corner]) ||
-            (hasOther && isCrease(creases[other]) && isOpposite(triFaceVertex, corner, other));
-        const uint first = next++;
-        const uint second = creased ? next++ : first;
-        setEdgePoints(corner, first, second, quadFaceVertex);
-        if (hasOther)
-            setEdgePoints(other, second, first, quadFaceVertex);
-        if (creased)
-            isCreased[corner] = true;
-        if (creased && hasOther)
-            isCreased[other] = true;
-    }
-    return next;
+    const auto markAndCount = [&](std::size_t begin, std::size_t end) {
+        uint count = 0;
+        for (std::size_t e = begin; e < end; ++e) {
+            const uint corner = triEdges[2 * e];
+            const uint other = triEdges[2 * e + 1];
+            const bool hasOther = other != kNone;
+            const bool creased =
+                isCrease(creases[corner]) ||
+                (hasOther && isCrease(creases[other]) && isOpposite(triFaceVertex, corner, other));
+            if (creased)
+                isCreased[corner] = true;
+            if (creased && hasOther)
+                isCreased[other] = true;
+            count += creased ? 2 : 1;
+        }
+        return count;
+    };
+    const auto number = [&](std::size_t begin, std::size_t end, uint first) {
+        // The table lists edges by point, so their quads may lie anywhere: they are asked for early.
+        constexpr std::size_t kAhead = 64;  // entries
+        for (std::size_t e = begin; e < end; ++e) {
+            for (const std::size_t i : {2 * e + kAhead, 2 * e + kAhead + 1})
+                if (i < triEdges.size() && triEdges[i] != kNone)
+                    TESSARY_PREFETCH(quadFaceVertex.data() + std::size_t{4} * triEdges[i]);
+            const uint corner = triEdges[2 * e];
+            const uint other = triEdges[2 * e + 1];
+            const uint second = first + (isCreased[corner] ? 1 : 0);
+            setEdgePoints(corner, first, second, quadFaceVertex);
+            if (other != kNone)
+                setEdgePoints(other, second, first, quadFaceVertex);
+            first = second + 1;
+        }
+    };
+    return numberInBlocks(triEdges.size() / 2, next, markAndCount, number);
 }
 
 const InnerPoints& innerPointsOf(const Array<bool>& isCreased, std::size_t triangle)
@@ -93,39 +124,28 @@ const InnerPoints& innerPointsOf(const Array<bool>& isCreased, std::size_t trian
     return kInnerPoints[mark[0] | mark[1] << 1 | mark[2] << 2];
 }
 
-// Sets the points at the corners, numbers the inner points from `next` on, and returns the next
-// unused number. Blocks of triangles are counted first, so that each can number its own.
+// Sets the points at the corners and numbers the inner points from `next` on.
 uint numberInnerPoints(const Array<uint>& triFaceVertex, const Array<bool>& isCreased, uint next,
                        Array<uint>& quadFaceVertex)
 {
-    constexpr std::size_t kBlock = 16384;
-    const std::size_t triangleCount = triFaceVertex.size() / 3;
-    const uint blockCount = static_cast<uint>((triangleCount + kBlock - 1) / kBlock);
-    const auto endOf = [&](uint block) { return std::min((block + 1) * kBlock, triangleCount); };
-
-    std::vector<uint> first(std::size_t{blockCount} + 1, next);
-    parallelForEach(blockCount, LoopContext::Isolated, [&](uint block) {
-        uint count = 0;
-        for (std::size_t t = block * kBlock; t < endOf(block); ++t)
-            count += innerPointsOf(isCreased, t).count;
-        first[block + 1] = count;
-    });
-    for (uint block = 0; block < blockCount; ++block)
-        first[block + 1] += first[block];
-
-    parallelForEach(blockCount, LoopContext::Isolated, [&](uint block) {
-        uint point = first[block];
-        for (std::size_t t = block * kBlock; t < endOf(block); ++t) {
+    const auto count = [&](std::size_t begin, std::size_t end) {
+        uint sum = 0;
+        for (std::size_t t = begin; t < end; ++t)
+            sum += innerPointsOf(isCreased, t).count;
+        return sum;
+    };
+    const auto number = [&](std::size_t begin, std::size_t end, uint first) {
+        for (std::size_t t = begin; t < end; ++t) {
             const InnerPoints& inner = innerPointsOf(isCreased, t);
             for (std::size_t k = 0; k < 3; ++k) {
                 uint* const quad = quadFaceVertex.data() + 4 * (3 * t + k);
                 quad[0] = triFaceVertex[3 * t + k];
-                quad[2] = point + inner.choice[k];
+                quad[2] = first + inner.choice[k];
             }
-            point += inner.count;
+            first += inner.count;
         }
-    });
-    return first[blockCount];
+    };
+    return numberInBlocks(triFaceVertex.size() / 3, next, count, number);
 }
 
 template <class Crease>
