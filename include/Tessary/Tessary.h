@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Tessary/CutMesh.h>
 #include <Tessary/HalfEdge.h>
 #include <Tessary/Primitives.h>
 #include <Tessary/Scratch.h>

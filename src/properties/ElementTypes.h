@@ -9,6 +9,11 @@ namespace Tessary {
 template <class... T>
 struct TypeList {};
 
+template <class T>
+struct TypeTag {
+    using type = T;
+};
+
 // The order is the order in which the types are tried, and part of the library's behaviour.
 using ElementTypes =
     TypeList<signed char, short, int, long long, unsigned char, unsigned short, unsigned int,

@@ -1,0 +1,271 @@
+#include "cutmesh/CutMeshCases.h"
+
+#include <KOR/ExceptionMessage.h>
+#include <Pelon/Job.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace TestSupport;
+using Korvane::Math::float2;
+using Mode = Geometry::Common::DataInterpolationMode;
+
+namespace {
+
+PolygonMesh polygonsOf(uint pointCount, std::initializer_list<std::initializer_list<uint>> faces)
+{
+    PolygonMesh mesh;
+    mesh.pointCount = pointCount;
+    for (const auto& face : faces) {
+        for (const uint point : face)
+            mesh.faceVertex.push_back(point);
+        mesh.faceOffset.push_back(static_cast<uint>(mesh.faceVertex.size()));
+    }
+    return mesh;
+}
+
+Array<uint> indicesOf(const Object& mesh, const String& range)
+{
+    return *Geometry::getRangeGeoPropIndices(*Geometry::getRangeGeoProperty(mesh, range));
+}
+
+// The values of a point property at codes 0 to 3 of corner 0 of one triangle.
+template <class T>
+Array<T> aroundCornerZero(float t, const Array<float>& w, std::initializer_list<T> values)
+{
+    CutCase cut = cutCase(polygonsOf(3, {{0, 1, 2}}), t, w);
+    setPoints(cut, {0, 1, 2, 3}, {0, 1, 2, 3});
+    Geometry::addDataGeoProperty<T>(*cut.source, "p", Geometry::sPointComp,
+                                    Ptr<Array<T>>(makeMutable<Array<T>>(values)));
+    cut.interpolate();
+    return *dataOf<T>(*cut.target, "p");
+}
+
+TEST(CutMesh, RealValuesAreBlendedAndOthersArePicked)
+{
+    const Array<float> w{0.25f, 0.25f, 0.5f};
+    EXPECT_EQ(aroundCornerZero<float>(0.25f, w, {4, 8, 16}), (Array<float>{4, 7, 11, 7}));
+    EXPECT_EQ(aroundCornerZero<int>(0.25f, w, {4, 8, 16}), (Array<int>{4, 8, 16, 4}));
+    EXPECT_EQ(aroundCornerZero<int>(0.5f, w, {4, 8, 16}), (Array<int>{4, 4, 16, 16}));
+    EXPECT_EQ(aroundCornerZero<float>(1, w, {4, 8, 16}), (Array<float>{4, 4, 11, 16}));
+    EXPECT_EQ(aroundCornerZero<String>(0.5f, w, {"a", "b", "c"}),
+              (Array<String>{"a", "a", "c", "c"}));
+}
+
+TEST(CutMesh, OfEquallyHeavyCornersTheFirstIsPicked)
+{
+    const auto picked = [](float w0, float w1, float w2) {
+        return aroundCornerZero<int>(0.5f, {w0, w1, w2}, {0, 1, 2})[2];
+    };
+    EXPECT_EQ(picked(0.2f, 0.4f, 0.4f), 1);
+    EXPECT_EQ(picked(0.4f, 0.2f, 0.4f), 0);
+    EXPECT_EQ(picked(0.4f, 0.4f, 0.2f), 0);
+    EXPECT_EQ(picked(0.3f, 0.3f, 0.4f), 2);
+    EXPECT_EQ(picked(std::nanf(""), 0.3f, 0.4f), 2);
+    EXPECT_EQ(picked(0.4f, std::nanf(""), 0.3f), 2);
+}
+
+TEST(CutMesh, DoublesAreBlendedWithWeightsWidenedFirst)
+{
+    const float t = 0.1f;
+    EXPECT_EQ(aroundCornerZero<double>(t, {t, t, t}, {1, 3, 5})[1],
+              double{t} + (1 - double{t}) * 3);
+}
+
+//  3---2     one quad: triangles 0 1 2 and 0 2 3
+//  | / |
+//  0---1
+TEST(CutMesh, ThePartsOfAQuadShareItsFaceValueAndAnIndexOnItsDiagonal)
+{
+    CutCase cut = cutCase(polygonsOf(4, {{0, 1, 2, 3}}));
+    cut.edgeWeights[2] = 0.25f;  // the diagonal as the first triangle sees it, from 2 to 0
+    cut.edgeWeights[3] = 0.5f;   // and as the second one does, from 0 to 2
+    const auto uv = shared<float>({0, 10, 20, 30});
+    Geometry::addDataGeoProperty<int>(*cut.source, "id", Geometry::sFaceComp, shared({7}));
+    Geometry::addDataGeoProperty<float>(*cut.source, "plain", Geometry::sFaceVertexComp, uv);
+    Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sFaceVertexComp,
+                                  shared<uint>({0, 1, 2, 3}));
+    Geometry::addDataGeoProperty<float>(*cut.source, "indexed", "range", uv, 0, Mode::Constant);
+    cut.interpolate();
+
+    EXPECT_EQ(*dataOf<int>(*cut.target, "id"), (Array<int>(6, 7)));
+    const Array<float> plain = *dataOf<float>(*cut.target, "plain");
+    EXPECT_EQ(plain[3], 5) << "each triangle has its own weight";
+    EXPECT_EQ(plain[12 + 1], 10);
+
+    // New values: edge 0-1, centre, diagonal, edge 1-2, then centre, edge 3-0, edge 2-3.
+    EXPECT_EQ(*dataOf<float>(*cut.target, "indexed"),
+              (Array<float>{0, 10, 20, 30, 5, 12.5, 5, 15, 20, 15, 25}));
+    EXPECT_EQ(indicesOf(*cut.target, "range"), (Array<uint>{0, 4, 5, 6, 1, 7,  5, 4, 2, 6, 5, 7,  //
+                                                            0, 6, 8, 9, 2, 10, 8, 6, 3, 9, 8, 10}));
+    EXPECT_EQ(entryOf<Mode>(*cut.target, "indexed", Geometry::sInterp), Mode::Linear);
+    EXPECT_EQ(entryOf<String>(*cut.target, "indexed", Geometry::sTarget), "range");
+}
+
+TEST(CutMesh, AnIndexSeamTakesTheValueOfTheTriangleThatCameFirst)
+{
+    CutCase cut = cutCase(polygonsOf(4, {{0, 1, 2}, {2, 1, 3}}));
+    Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sFaceVertexComp,
+                                  shared<uint>({0, 1, 2, 3, 4, 5}));
+    Geometry::addDataGeoProperty<float>(*cut.source, "uv", "range",
+                                        shared<float>({0, 1, 2, 100, 101, 102}));
+    cut.interpolate();
+    const Array<uint> indices = indicesOf(*cut.target, "range");
+    EXPECT_EQ(indices[4 * 3 + 1], indices[4 * 1 + 1]);
+    EXPECT_EQ((*dataOf<float>(*cut.target, "uv"))[indices[4 * 3 + 1]], 1.5f);
+}
+
+TEST(CutMesh, TheDiagonalOfAnotherPolygonIsNoNeighbour)
+{
+    // The triangle's edge 0-2 lies on the diagonal of the quad, as corner 3 runs from 0 to 2.
+    CutCase cut = cutCase(polygonsOf(5, {{0, 1, 2, 3}, {2, 0, 4}}));
+    Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sFaceVertexComp,
+                                  shared<uint>({0, 0, 0, 0, 0, 0, 0}));
+    Geometry::addDataGeoProperty<int>(*cut.source, "p", "range", shared({1}));
+    cut.interpolate();
+    const Array<uint> indices = indicesOf(*cut.target, "range");
+    EXPECT_NE(indices[4 * 6 + 1], indices[4 * 3 + 1]);
+    EXPECT_EQ(dataOf<int>(*cut.target, "p")->size(), 1u + 7 + 4);
+}
+
+TEST(CutMesh, UncutPointsAreOnlyIndexedAgain)
+{
+    CutCase cut = cutCase(polygonsOf(3, {{0, 1, 2}}));
+    setPoints(cut, {1, 0, 1}, {2 << 2, 1 << 2});
+    const auto values = shared<String>({"x", "y"});
+    Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sPointComp,
+                                  shared<uint>({0, 1, kNone}));
+    Geometry::addDataGeoProperty<String>(*cut.source, "p", "range", values);
+    cut.interpolate();
+    EXPECT_EQ(dataOf<String>(*cut.target, "p"), values) << "shared";
+    EXPECT_EQ(indicesOf(*cut.target, "range"), (Array<uint>{1, kNone, 1}));
+}
+
+TEST(CutMesh, WhatCannotBeInterpolatedIsDeclaredWithItsDefault)
+{
+    CutCase cut = cutCase(polygonsOf(3, {{0, 1, 2}}));
+    Object& source = *cut.source;
+    const auto threeInts = shared({1, 2, 3});
+    const auto remove = [&](const char* name, const String& entry) {
+        const auto property = makeMutable<Object>(*Geometry::getDataGeoProperty(source, name));
+        property->setProperty(entry, Pelon::Any());
+        source.setProperty(name, property);
+    };
+    Geometry::addRangeGeoProperty(source, "range", Geometry::sPointComp, shared<uint>({0, 1, 2}));
+    Geometry::addRangeGeoProperty(source, "outer", "range", shared<uint>({0, 1, 2}));
+    Geometry::addDataGeoProperty<int>(source, "off", Geometry::sFaceComp, shared({1}), 9,
+                                      Mode::None);
+    Geometry::addDataGeoProperty<int>(source, "indexed off", "range", threeInts, 8, Mode::None);
+    Geometry::addDataGeoProperty<int>(source, "deep", "outer", threeInts, 7);
+    Geometry::addDataGeoProperty<float>(source, "elsewhere", "curve", shared({1.f}), 6);
+    Geometry::addDataGeoProperty<int>(source, "no default", Geometry::sFaceComp, shared({1}), 5);
+    remove("no default", Geometry::sDefault);
+    Geometry::addDataGeoProperty<int>(source, "no mode", Geometry::sFaceComp, shared({4}), 5);
+    remove("no mode", Geometry::sInterp);
+    Geometry::addDataGeoProperty<char>(source, "char", Geometry::sFaceComp, shared({'a'}), 'b');
+    cut.interpolate();
+
+    const Object& target = *cut.target;
+    EXPECT_EQ(*dataOf<int>(target, "off"), (Array<int>(3, 9)));
+    EXPECT_EQ(entryOf<Mode>(target, "off", Geometry::sInterp), Mode::None);
+    EXPECT_EQ(*dataOf<int>(target, "indexed off"), (Array<int>(12, 8)));
+    EXPECT_EQ(entryOf<String>(target, "indexed off", Geometry::sTarget), Geometry::sPointComp);
+    EXPECT_EQ(*dataOf<int>(target, "deep"), (Array<int>(12, 7)));
+    EXPECT_TRUE(dataOf<float>(target, "elsewhere")->empty());
+    EXPECT_EQ(*dataOf<int>(target, "no default"), (Array<int>(3, 0)));
+    EXPECT_EQ(*dataOf<int>(target, "no mode"), (Array<int>(3, 4)));
+    EXPECT_FALSE(target.hasProperty("char"));
+    EXPECT_FALSE(target.hasProperty("range"));
+}
+
+TEST(CutMesh, WithoutADualIndexedCornersAreDeclaredAndTheRestIsInterpolated)
+{
+    CutCase cut = cutCase(polygonsOf(3, {{0, 1, 2}}));
+    cut.triMesh->setProperty("dual_face_vertex", Pelon::Any());
+    for (const String& component : {Geometry::sPointComp, Geometry::sFaceVertexComp}) {
+        const std::string name(component.view());
+        Geometry::addRangeGeoProperty(*cut.source, name + " range", component,
+                                      shared<uint>({0, 0, 0}));
+        Geometry::addDataGeoProperty<int>(*cut.source, name + " p", name + " range", shared({4}),
+                                          9);
+    }
+    cut.interpolate();
+    EXPECT_EQ(*dataOf<int>(*cut.target, std::string(Geometry::sFaceVertexComp.view()) + " p"),
+              (Array<int>(12, 9)));
+    EXPECT_EQ(dataOf<int>(*cut.target, std::string(Geometry::sPointComp.view()) + " p")->size(),
+              1u + 9);
+}
+
+TEST(CutMesh, PassesOverGeometryAndTakesRenderSettingsAsTheyAre)
+{
+    CutCase cut = cutCase(polygonsOf(3, {{0, 1, 2}}));
+    const Array<String> before = cut.target->propertyNames();
+    Geometry::addDataGeoProperty<float3>(*cut.source, Geometry::sPointVelocity,
+                                         Geometry::sPointComp, makeMutable<Array<float3>>(3));
+    cut.interpolate();
+    EXPECT_EQ(cut.target->propertyNames(), before);
+    EXPECT_EQ(dataOf<uint>(*cut.target, Geometry::sFaceVertex)->size(), 12u) << "untouched";
+
+    cut.source->setProperty(Geometry::sRenderSettings, 42);
+    Geometry::addDataGeoProperty<int>(*cut.source, "b", Geometry::sFaceComp, shared({1}));
+    Geometry::addDataGeoProperty<int>(*cut.source, "a", Geometry::sFaceComp, shared({1}));
+    cut.interpolate();
+    Array<String> expected = before;
+    for (const String& name : {Geometry::sRenderSettings, String("b"), String("a")})
+        expected.push_back(name);
+    EXPECT_EQ(cut.target->propertyNames(), expected);
+    EXPECT_EQ(*cut.target->getProperty(Geometry::sRenderSettings).get<int>(), 42);
+}
+
+TEST(CutMesh, ConstantsStayAndLinearFunctionsOfPositionAreReproduced)
+{
+    CutCase cut = cutCase(randomPolygonPatch(3), 0.3f, {0.2f, 0.3f, 0.5f});
+    std::mt19937 random(1);
+    const auto positions = makeMutable<Array<float2>>(cut.polygons.pointCount);
+    const auto linear = makeMutable<Array<double>>(cut.polygons.pointCount);
+    for (uint p = 0; p < positions->size(); ++p) {
+        const float2 at{float(random() % 100), float(random() % 100)};
+        (*positions)[p] = at;
+        (*linear)[p] = 3.0 * at.x - 2.0 * at.y + 1;
+    }
+    Geometry::addDataGeoProperty<float2>(*cut.source, "position", Geometry::sPointComp, positions);
+    Geometry::addDataGeoProperty<double>(*cut.source, "linear", Geometry::sPointComp, linear);
+    Geometry::addDataGeoProperty<float>(*cut.source, "one", Geometry::sPointComp,
+                                        makeMutable<Array<float>>(positions->size(), 1.f));
+    cut.interpolate();
+    for (uint i = 0; i < cut.ids.size(); ++i) {
+        const float2 at = (*dataOf<float2>(*cut.target, "position"))[i];
+        ASSERT_NEAR((*dataOf<double>(*cut.target, "linear"))[i], 3.0 * at.x - 2.0 * at.y + 1, 1e-3);
+        ASSERT_NEAR((*dataOf<float>(*cut.target, "one"))[i], 1, 1e-6);
+    }
+}
+
+TEST(CutMesh, ACancelledJobThrowsAndLeavesWellFormedProperties)
+{
+    for (const bool indexed : {false, true}) {
+        CutCase cut = cutCase(polygonsOf(4, {{0, 1, 2}, {2, 1, 3}}));
+        if (indexed)
+            Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sFaceVertexComp,
+                                          makeMutable<Array<uint>>(6));
+        Geometry::addDataGeoProperty<float>(*cut.source, "f",
+                                            indexed ? String("range") : Geometry::sFaceVertexComp,
+                                            makeMutable<Array<float>>(6, 2.f), 7);
+        Geometry::addDataGeoProperty<int>(*cut.source, "g", Geometry::sFaceComp, shared({1, 2}));
+        Pelon::Job job;
+        const Pelon::JobScope scope(job);
+        job.cancel();
+        try {
+            cut.interpolate();
+            FAIL() << "the cancelled job went unnoticed";
+        } catch (const std::runtime_error& error) {
+            EXPECT_STREQ(error.what(), KOR::exceptionMessage.c_str());
+        }
+        EXPECT_FALSE(cut.target->hasProperty("g"));
+        if (indexed)
+            EXPECT_FALSE(cut.target->hasProperty("f"));
+        else
+            EXPECT_EQ(dataOf<float>(*cut.target, "f")->size(), 24u);
+    }
+}
+
+}  // namespace
