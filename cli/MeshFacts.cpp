@@ -43,21 +43,6 @@ Json polygonSizes(const Array<uint>& faceOffset)
     return sizes;
 }
 
-// The double that prints as briefly as the float does.
-double briefly(float value)
-{
-    char text[32];
-    const char* const end = std::to_chars(text, text + sizeof text, value).ptr;
-    double brief = value;
-    std::from_chars(text, end, brief);
-    return brief;
-}
-
-Json vectorOf(const float3& v)
-{
-    return {briefly(v.x), briefly(v.y), briefly(v.z)};
-}
-
 Json boundingBox(const Array<float3>& points)
 {
     if (points.empty())
@@ -179,6 +164,20 @@ Json ownValues(const Object& mesh)
 }
 
 }  // namespace
+
+double briefly(float value)
+{
+    char text[32];
+    const char* const end = std::to_chars(text, text + sizeof text, value).ptr;
+    double brief = value;
+    std::from_chars(text, end, brief);
+    return brief;
+}
+
+Json vectorOf(const float3& v)
+{
+    return {briefly(v.x), briefly(v.y), briefly(v.z)};
+}
 
 Json countsOf(const Object& mesh)
 {

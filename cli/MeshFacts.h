@@ -2,12 +2,18 @@
 
 #include "Session.h"
 
+#include <Korvane/Math.h>
 #include <Korvane/Object.h>
 
 #include <string>
 
 /// What can be said about a mesh, as JSON.
 namespace Cli {
+
+/// The double that prints as briefly as the float does.
+double briefly(float value);
+
+Json vectorOf(const Korvane::Math::float3& v);
 
 /// "points", "corners" and "faces".
 Json countsOf(const Korvane::Object& mesh);

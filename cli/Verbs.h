@@ -18,6 +18,8 @@ Run declareInfo(CLI::App& verb, Session& session);
 Run declareValidate(CLI::App& verb, Session& session);
 Run declareTriangulate(CLI::App& verb, Session& session);
 Run declareQuads(CLI::App& verb, Session& session);
+Run declareSphere(CLI::App& verb, Session& session);
+Run declareVoxels(CLI::App& verb, Session& session);
 Run declareDemo(CLI::App& verb, Session& session);
 
 }  // namespace Cli

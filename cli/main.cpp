@@ -2,6 +2,7 @@
 #include "Options.h"
 #include "Session.h"
 #include "Verbs.h"
+#include "Version.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -24,6 +25,8 @@ constexpr Verb kVerbs[] = {
     {"validate", "List what is wrong with a mesh", declareValidate},
     {"triangulate", "Split polygons into triangles", declareTriangulate},
     {"quads", "Split faces into quads around their points", declareQuads},
+    {"sphere", "Find the smallest sphere around a mesh", declareSphere},
+    {"voxels", "Find the cells of a grid that a mesh touches", declareVoxels},
     {"demo", "Run every kernel on a demo mesh and write the results", declareDemo},
 };
 
@@ -77,7 +80,7 @@ int parseAndRun(CLI::App& program, const std::map<std::string, Run>& runs, Sessi
     } catch (const CLI::CallForHelp&) {
         return printed(program.help(), session);
     } catch (const CLI::CallForVersion&) {
-        return printed("tessary " TESSARY_VERSION "\n", session);
+        return printed(std::string("tessary " TESSARY_VERSION "\n") + kVersionText + "\n", session);
     } catch (const CLI::ParseError& error) {
         return wrongUsage(program, error, session);
     }

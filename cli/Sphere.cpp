@@ -1,0 +1,58 @@
+#include "MeshFacts.h"
+#include "Options.h"
+#include "Verbs.h"
+
+#include <Korvane/Geometry.h>
+#include <Tessary/Primitives.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+namespace Cli {
+namespace {
+
+using Korvane::Math::float3;
+
+Pelon::Array<float3> pointsOf(const Korvane::Object& mesh)
+{
+    const auto points =
+        Korvane::Geometry::dataArray<float3>(mesh, Korvane::Geometry::sPointPosition);
+    return points ? *points : Pelon::Array<float3>();
+}
+
+ExitCode sphere(const std::string& path, Session& session)
+{
+    const MeshIo::MeshRead input = readInput(session, path);
+    session.beginStage("measuring");
+    const Pelon::Array<float3> points = pointsOf(*input.mesh);
+    const Tessary::Sphere found = Tessary::computeBoundingSphere(points);
+    if (points.empty())
+        session.warn("there are no points, so the sphere is the origin");
+
+    const Json center = vectorOf(found.getCenter());
+    const double radius = briefly(found.getRadius());
+    const std::string text = "center  " + center[0].dump() + " " + center[1].dump() + " " +
+                             center[2].dump() + "\nradius  " + Json(radius).dump() + "\n";
+    session.finish({{"verb", "sphere"},
+                    {"file", path},
+                    {"points", points.size()},
+                    {"center", center},
+                    {"radius", radius}},
+                   text);
+    return ExitCode::Done;
+}
+
+}  // namespace
+
+Run declareSphere(CLI::App& verb, Session& session)
+{
+    const auto path = std::make_shared<std::string>();
+    addInput(verb, *path);
+    verb.footer(
+        "The smallest sphere around all points, those that no face uses too.\n\n"
+        "Example:\n  tessary sphere roof.obj");
+    return [path, &session] { return sphere(*path, session); };
+}
+
+}  // namespace Cli
