@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <iostream>
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a stream expression is no operand
 #define TESSARY_ASSERT(condition, message)                                                     \
     do {                                                                                       \
         if (!(condition)) {                                                                    \
@@ -17,6 +18,7 @@
             std::abort();                                                                      \
         }                                                                                      \
     } while (false)
+// NOLINTEND(bugprone-macro-parentheses)
 
 #else
 
