@@ -7,6 +7,7 @@
 #include <meshio/QuadMesh.h>
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -19,8 +20,9 @@ using MeshIo::MeshFormat;
 struct Options {
     std::string input;
     OutputOptions output;
+    std::string properties = "all";
     MeshIo::QuadOptions quads;
-    double creaseAngle = 0;
+    std::vector<float> innerWeights;
 };
 
 struct Work {
@@ -33,7 +35,9 @@ struct Work {
 MeshIo::QuadMesh quadsOf(const MeshIo::MeshRead& input, const Options& options)
 {
     try {
-        return MeshIo::makeQuadMesh(*input.mesh, options.input, options.quads);
+        return MeshIo::makeQuadMesh(*input.mesh, options.input,
+                                    selectProperties(*input.mesh, options.properties),
+                                    options.quads);
     } catch (const std::invalid_argument& error) {
         throw UsageError(options.input + ": " + error.what());
     }
@@ -67,10 +71,12 @@ std::string summary(const Json& facts)
     char took[32];
     std::snprintf(took, sizeof took, "%.3f s", seconds);
     const std::string carried = joined(facts["properties"]);
+    const Json& split = facts["split_edges"];
     return facts["before"]["faces"].dump() + " faces -> " + facts["after"]["faces"].dump() +
            " quads, " + facts["before"]["points"].dump() + " -> " +
            facts["after"]["points"].dump() + " points, " + facts["creased_edges"].dump() + " of " +
-           facts["edges"].dump() + " edges creased; carried " +
+           facts["edges"].dump() + " edges creased" +
+           (split == 0 ? "" : ", " + split.dump() + " split") + "; carried " +
            (carried.empty() ? "nothing" : carried) + "; " + took + "; see " +
            facts["output"].get<std::string>();
 }
@@ -93,11 +99,60 @@ ExitCode quads(const Options& options, Session& session)
                   {"after", countsOf(*done.result.mesh)},
                   {"edges", done.result.edges},
                   {"creased_edges", done.result.creasedEdges},
+                  {"split_edges", done.result.splitEdges},
                   {"properties", carriedNames(*done.result.mesh)},
                   {"seconds", done.seconds}};
     session.note(summary(facts));
     session.finish(std::move(facts), "");
     return ExitCode::Done;
+}
+
+// Any three weights that are not negative will do; what counts is their ratio.
+void setInnerWeights(Options& options)
+{
+    if (options.innerWeights.empty())
+        return;
+    double sum = 0;
+    for (const float weight : options.innerWeights) {
+        if (!(weight >= 0 && std::isfinite(weight)))
+            throw UsageError("--inner-weights takes three finite numbers that are not negative");
+        sum += weight;
+    }
+    if (sum == 0)
+        throw UsageError("--inner-weights takes three numbers that are not all 0");
+    for (int k = 0; k < 3; ++k)
+        options.quads.innerWeights[k] = static_cast<float>(options.innerWeights[k] / sum);
+}
+
+void addCreases(CLI::App& verb, Options& options)
+{
+    CLI::Option* const angle =
+        verb.add_option_function<double>(
+                "--crease-angle",
+                [&options](double degrees) { options.quads.creaseAngle = degrees; },
+                "Crease the edges at which faces meet at more than this, 0 to 180")
+            ->type_name("DEGREES");
+    verb.add_option("--crease-property", options.quads.creaseProperty,
+                    "Crease by a bool, uchar or float for each corner: the edge that starts there")
+        ->type_name("NAME")
+        ->excludes(angle);
+    verb.add_option("--gap", options.quads.gap,
+                    "Open creased edges: this share of the edge, 0 to 1, lies between its points")
+        ->type_name("SHARE");
+}
+
+void addCuts(CLI::App& verb, Options& options)
+{
+    verb.add_option("--edge-weight", options.quads.edgeWeight,
+                    "Cut edges here: the share of their lower-numbered point, 0 to 1; 0.5 without")
+        ->type_name("T");
+    verb.add_option("--inner-weights", options.innerWeights,
+                    "Cut triangles here: the ratio of their corners' shares; 1,1,1 without")
+        ->type_name("A,B,C")
+        ->delimiter(',')
+        ->expected(3);
+    verb.add_flag("--split-edges", options.quads.splitEdges,
+                  "Cut edges along which faces run in one direction once for each face");
 }
 
 }  // namespace
@@ -107,25 +162,17 @@ Run declareQuads(CLI::App& verb, Session& session)
     const auto options = std::make_shared<Options>();
     addInput(verb, options->input);
     addOutput(verb, options->output);
-    CLI::Option* const angle =
-        verb.add_option("--crease-angle", options->creaseAngle,
-                        "Crease the edges at which faces meet at more than this, 0 to 180")
-            ->type_name("DEGREES");
-    verb.add_option("--crease-property", options->quads.creaseProperty,
-                    "Crease by a bool, uchar or float for each corner: the edge that starts there")
-        ->type_name("NAME")
-        ->excludes(angle);
-    verb.add_option("--gap", options->quads.gap,
-                    "Open creased edges: this share of the edge, 0 to 1, lies between its points")
-        ->type_name("SHARE");
+    addProperties(verb, options->properties);
+    addCreases(verb, *options);
+    addCuts(verb, *options);
     verb.footer(
         "Every face becomes a fan of triangles, every triangle three quads around an inner point.\n"
-        "A creased edge gets two points in its middle, one for each end, so that the quads on\n"
-        "either side of a crease can be told apart.\n\n"
-        "Example:\n  tessary quads roof.obj -o roof_quads.ply --crease-angle 30");
-    return [options, angle, &session] {
-        if (angle->count() > 0)
-            options->quads.creaseAngle = options->creaseAngle;
+        "Values follow: real ones are blended, others picked, indexed ones stay indexed. A "
+        "creased\n"
+        "edge gets two points, one for each end.\n\n"
+        "Example:\n  tessary quads roof.obj -o roof_quads.obj --crease-angle 30");
+    return [options, &session] {
+        setInnerWeights(*options);
         return quads(*options, session);
     };
 }

@@ -5,6 +5,7 @@
 #include <meshio/ReadFile.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace MeshIo {
 namespace {
@@ -27,9 +28,9 @@ struct EdgeUse {
     }
 };
 
-class Finder {
+class Scan {
 public:
-    Finder(const Array<uint>& triFaceVertex, std::size_t pointCount, std::size_t most)
+    Scan(const Array<uint>& triFaceVertex, std::size_t pointCount, std::size_t most)
         : m_faceVertex(triFaceVertex),
           m_most(most),
           m_dualOffset(pointCount + 1),
@@ -38,7 +39,7 @@ public:
         Tessary::constructDualMesh(triFaceVertex, m_dualOffset, m_dualCorner);
     }
 
-    EdgeReport find()
+    void run()
     {
         for (std::size_t point = 0; point + 1 < m_dualOffset.size(); ++point) {
             if (point % kPollEvery == 0)
@@ -46,8 +47,10 @@ public:
             collect(static_cast<uint>(point));
             compareNeighbours(static_cast<uint>(point));
         }
-        return std::move(m_report);
     }
+
+    EdgeReport report;
+    Array<uint> edges;
 
 private:
     void collect(uint point)
@@ -71,34 +74,31 @@ private:
     // As in the edge table, a half-edge after an opposite pair starts anew.
     void compareNeighbours(uint point)
     {
-        std::size_t i = 0;
-        while (i + 1 < m_uses.size()) {
+        uint reported = kNone;  // the smaller point of the last edge that was
+        for (std::size_t i = 0; i < m_uses.size(); ++i) {
             const EdgeUse& use = m_uses[i];
-            if (m_uses[i + 1].smaller != use.smaller) {
+            const bool hasNeighbour = i + 1 < m_uses.size() && m_uses[i + 1].smaller == use.smaller;
+            const bool isPair = hasNeighbour && m_uses[i + 1].isDescending != use.isDescending;
+            edges.push_back(use.corner);
+            edges.push_back(isPair ? m_uses[i + 1].corner : kNone);
+            if (isPair)
                 ++i;
-            } else if (m_uses[i + 1].isDescending != use.isDescending) {
-                i += 2;
-            } else {
+            else if (hasNeighbour && std::exchange(reported, use.smaller) != use.smaller)
                 add(point, use, m_uses[i + 1].corner);
-                while (i < m_uses.size() && m_uses[i].smaller == use.smaller)
-                    ++i;
-            }
         }
     }
 
     void add(uint larger, const EdgeUse& use, uint another)
     {
-        if (m_report.count++ < m_most)
-            m_report.first.push_back({use.isDescending ? larger : use.smaller,
-                                      use.isDescending ? use.smaller : larger, use.corner,
-                                      another});
+        if (report.count++ < m_most)
+            report.first.push_back({use.isDescending ? larger : use.smaller,
+                                    use.isDescending ? use.smaller : larger, use.corner, another});
     }
 
     const Array<uint>& m_faceVertex;
     const std::size_t m_most;
     Array<uint> m_dualOffset, m_dualCorner;
     std::vector<EdgeUse> m_uses;
-    EdgeReport m_report;
 };
 
 }  // namespace
@@ -106,7 +106,16 @@ private:
 EdgeReport findSameDirectionEdges(const Array<uint>& triFaceVertex, std::size_t pointCount,
                                   std::size_t most)
 {
-    return Finder(triFaceVertex, pointCount, most).find();
+    Scan scan(triFaceVertex, pointCount, most);
+    scan.run();
+    return std::move(scan.report);
+}
+
+Array<uint> separatedTriEdges(const Array<uint>& triFaceVertex, std::size_t pointCount)
+{
+    Scan scan(triFaceVertex, pointCount, 0);
+    scan.run();
+    return std::move(scan.edges);
 }
 
 }  // namespace MeshIo

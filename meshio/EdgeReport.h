@@ -32,4 +32,9 @@ struct EdgeReport {
 EdgeReport findSameDirectionEdges(const Pelon::Array<Pelon::uint>& triFaceVertex,
                                   std::size_t pointCount, std::size_t most = 5);
 
+/// The edge table of computeTriEdges for any mesh: half-edges that follow each other in one direction
+/// are listed as boundaries, each by itself.
+Pelon::Array<Pelon::uint> separatedTriEdges(const Pelon::Array<Pelon::uint>& triFaceVertex,
+                                            std::size_t pointCount);
+
 }  // namespace MeshIo

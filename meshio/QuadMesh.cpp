@@ -8,6 +8,7 @@
 #include <meshio/Creases.h>
 #include <meshio/CutPoints.h>
 #include <meshio/EdgeReport.h>
+#include <meshio/QuadProperties.h>
 #include <meshio/ReadFile.h>
 #include <meshio/Validate.h>
 
@@ -107,11 +108,9 @@ std::string placeOf(const Topology& mesh, const SameDirection& edge)
            " of faces " + faceOf(edge.corner) + " and " + faceOf(edge.another);
 }
 
-void rejectSameDirection(const Topology& mesh, const std::string& name)
+[[noreturn]] void rejectSameDirection(const Topology& mesh, const EdgeReport& report,
+                                      const std::string& name)
 {
-    const EdgeReport report = findSameDirectionEdges(mesh.triFaceVertex, mesh.points.size(), 3);
-    if (report.count == 0)
-        return;
     std::string places;
     for (const SameDirection& edge : report.first)
         places += (places.empty() ? "" : ", ") + placeOf(mesh, edge);
@@ -120,7 +119,21 @@ void rejectSameDirection(const Topology& mesh, const std::string& name)
                   "edges along which two faces run in one direction",
                   report.count,
                   {places},
-                  "turn one of the faces round or give it points of its own"});
+                  "turn one of the faces round, give it points of its own, or split such edges"});
+}
+
+// Returns how many edges had to be split.
+std::uint64_t findEdges(Topology& mesh, const std::string& name, bool splitEdges)
+{
+    const EdgeReport report = findSameDirectionEdges(mesh.triFaceVertex, mesh.points.size(), 3);
+    if (report.count == 0)
+        Tessary::computeTriEdges(mesh.triFaceVertex, mesh.triEdges);
+    else if (splitEdges)
+        mesh.triEdges = separatedTriEdges(mesh.triFaceVertex, mesh.points.size());
+    else
+        rejectSameDirection(mesh, report, name);
+    throwIfCancelled();
+    return report.count;
 }
 
 Array<bool> creasesOf(const Topology& topology, const Object& mesh, const QuadOptions& options)
@@ -140,29 +153,6 @@ uint after(uint corner)
 float3 blend(const float3& a, float s, const float3& b, float t)
 {
     return {s * a.x + t * b.x, s * a.y + t * b.y, s * a.z + t * b.z};
-}
-
-float3 positionOf(const Array<float3>& points, const CutPoints& cut, uint origin)
-{
-    const uint corner = origin >> 2;
-    const uint first = corner - corner % 3;
-    const auto at = [&](uint c) { return points[cut.cornerPoint[c]]; };
-    const auto onEdge = [&](uint c) {
-        const float t = cut.edgeWeights[c];
-        return blend(at(c), t, at(after(c)), 1.0f - t);
-    };
-    switch (origin & 3) {
-        case 0:
-            return at(corner);
-        case 1:
-            return onEdge(corner);
-        case 3:
-            return onEdge(first + (corner + 2) % 3);
-        default:
-            break;
-    }
-    const float* const w = &cut.triangleWeights[first];
-    return blend(blend(at(first), w[0], at(first + 1), w[1]), 1, at(first + 2), w[2]);
 }
 
 // Calls `visit(corner, first, second)` for each creased edge: a half-edge and its two new points.
@@ -193,15 +183,6 @@ void openGaps(const Topology& mesh, const CutPoints& cut, float gap, Array<float
     });
 }
 
-Array<float3> positionsOf(const Topology& mesh, const CutPoints& cut, float gap)
-{
-    Array<float3> positions(mesh.pointCount);
-    for (std::size_t point = 0; point < positions.size(); ++point)
-        positions[point] = positionOf(mesh.points, cut, cut.origins[point]);
-    openGaps(mesh, cut, gap, positions);
-    return positions;
-}
-
 Array<uint> quadOffsets(std::size_t cornerCount)
 {
     Array<uint> offsets(cornerCount / 4 + 1);
@@ -212,28 +193,32 @@ Array<uint> quadOffsets(std::size_t cornerCount)
 
 }  // namespace
 
-QuadMesh makeQuadMesh(const Object& mesh, const std::string& name, const QuadOptions& options)
+QuadMesh makeQuadMesh(const Object& mesh, const std::string& name,
+                      const Array<String>& propertyNames, const QuadOptions& options)
 {
     checkOptions(options);
+    QuadMesh result;
     Topology topology = triangulated(mesh);
     rejectTooLarge(topology, name);
-    rejectSameDirection(topology, name);
-    Tessary::computeTriEdges(topology.triFaceVertex, topology.triEdges);
-    throwIfCancelled();
+    result.splitEdges = findEdges(topology, name, options.splitEdges);
     topology.pointCount = Tessary::computeQuadMesh(
         topology.triFaceVertex, topology.triEdges, creasesOf(topology, mesh, options),
         static_cast<uint>(topology.points.size()), topology.quadFaceVertex);
     throwIfCancelled();
     const CutPoints cut = cutPointsOf(topology.triFaceVertex, topology.quadFaceVertex,
                                       topology.points.size(), topology.pointCount, options);
+    QuadProperties properties(mesh, propertyNames);
+    properties.interpolate(cut);
+    Array<float3> positions = properties.takePositions();
+    openGaps(topology, cut, options.gap, positions);
 
-    QuadMesh result;
     result.edges = static_cast<uint>(topology.triEdges.size() / 2);
     forEachCrease(topology, [&result](uint, uint, uint) { ++result.creasedEdges; });
-    Array<float3> positions = positionsOf(topology, cut, options.gap);
     Array<uint> offsets = quadOffsets(topology.quadFaceVertex.size());
     result.mesh =
         makeMesh(std::move(positions), std::move(offsets), std::move(topology.quadFaceVertex));
+    properties.addTo(*result.mesh);
+    result.warnings = properties.warnings();
     return result;
 }
 

@@ -79,6 +79,10 @@ TEST(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
         {{"--crease-angle", "nan"}, "outside 0 to 180"},
         {{"--crease-angle", "steep"}, "--crease-angle"},
         {{"--gap", "2"}, "outside 0 to 1"},
+        {{"--edge-weight", "-0.1"}, "outside 0 to 1"},
+        {{"--inner-weights", "1,1"}, "--inner-weights"},
+        {{"--inner-weights", "1,-1,1"}, "not negative"},
+        {{"--inner-weights", "0,0,0"}, "not all 0"},
         {{"--crease-property", "sharp"}, "\"sharp\" is missing; expected a bool, uchar or float"},
         {{"--crease-property", "group"}, "is string on faces; expected"},
         {{"--crease-property", "texcoord"}, "is float2 behind the indices \"texcoord_index\""},
@@ -93,6 +97,37 @@ TEST(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
         EXPECT_NE(outcome.err.find(mistake.part), std::string::npos) << outcome.err;
     }
     EXPECT_EQ(folder.names(), Names{"house.obj"});
+}
+
+TEST(QuadsVerb, PropertiesFollowAndPositionsMoveWithTheWeights)
+{
+    const Folder folder;
+    const std::string house = folder.file("house.obj", kHouse);
+    const json facts = quadsOf(folder, house, {"--format", "obj"});
+    EXPECT_EQ(facts["properties"], json({"texcoord", "group", "material"}));
+    const json written = run({"info", folder.path("out.ply"), "--json"}).json();
+    EXPECT_EQ(written["values"]["material_library"], "house.mtl");
+    EXPECT_EQ(written["area"], 11.0);
+    EXPECT_EQ(quadsOf(folder, house, {"--properties", "group"})["properties"], json({"group"}));
+
+    const std::string triangle = folder.file("triangle.obj",
+                                             "v 0 0 0\nv 4 0 0\nv 0 4 0\nvt 0 0\nvt 1 0\nvt 0 1\n"
+                                             "f 1/1 2/2 3/3\n");
+    const Outcome outcome = run({"quads", triangle, "-o", "-", "--format", "obj", "--edge-weight",
+                                 "0.75", "--inner-weights", "2,1,1", "--quiet"});
+    for (const char* line : {"v 1 0 0\n", "v 0 1 0\n", "v 3 1 0\n", "v 1 1 0\n",  //
+                             "vt 0.25 0\n", "vt 0 0.25\n", "vt 0.75 0.25\n", "vt 0.25 0.25\n"})
+        EXPECT_NE(outcome.out.find(line), std::string::npos) << line << outcome.out;
+}
+
+TEST(QuadsVerb, EdgesWithoutATableAreSplitOnRequest)
+{
+    const Folder folder;
+    const std::string turned = folder.file("turned.obj", kTurned);
+    const json facts = quadsOf(folder, turned, {"--split-edges"});
+    EXPECT_EQ(facts["split_edges"], 1);
+    EXPECT_EQ(facts["edges"], 6);
+    EXPECT_EQ(facts["after"]["points"], 4 + 6 + 2);
 }
 
 TEST(QuadsVerb, RealMeshesBecomeQuadsOrAreToldWhere)
@@ -110,6 +145,9 @@ TEST(QuadsVerb, RealMeshesBecomeQuadsOrAreToldWhere)
     EXPECT_EQ(outcome.exitCode, 4);
     EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
     EXPECT_NE(outcome.err.find("(10 times)"), std::string::npos) << outcome.err;
+    const json split = quadsOf(folder, spider, {"--split-edges"});
+    EXPECT_EQ(split["split_edges"], 10);
+    EXPECT_EQ(split["properties"].size(), 5u);
 }
 
 }  // namespace

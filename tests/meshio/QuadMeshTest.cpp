@@ -10,6 +10,7 @@
 #include <meshio/EdgeReport.h>
 #include <meshio/Validate.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <set>
@@ -34,7 +35,7 @@ MeshIo::QuadMesh quadsWithCreases(const MutablePtr<Object>& mesh, const Ptr<Arra
     addDataGeoProperty<float>(*mesh, "crease", sFaceVertexComp, weights);
     QuadOptions options;
     options.creaseProperty = "crease";
-    return MeshIo::makeQuadMesh(*mesh, "mesh", options);
+    return MeshIo::makeQuadMesh(*mesh, "mesh", {}, options);
 }
 
 TEST(QuadMeshOfObjects, NewPointsLieOnTheEdgesAndInTheTriangles)
@@ -45,7 +46,7 @@ TEST(QuadMeshOfObjects, NewPointsLieOnTheEdgesAndInTheTriangles)
     options.innerWeights[1] = 0.5f;
     options.innerWeights[2] = 0;
     const auto quads =
-        MeshIo::makeQuadMesh(*meshOf(4, {{0, 1, 2}}), "mesh", options).mesh;  // 3 is unused
+        MeshIo::makeQuadMesh(*meshOf(4, {{0, 1, 2}}), "mesh", {}, options).mesh;  // 3 is unused
     EXPECT_EQ(*dataOf<uint>(*quads, sFaceVertex),
               (Array<uint>{0, 4, 7, 5, 1, 6, 7, 4, 2, 5, 7, 6}));
     EXPECT_EQ(*dataOf<uint>(*quads, sFaceOffset), (Array<uint>{0, 4, 8, 12}));
@@ -60,7 +61,7 @@ TEST(QuadMeshOfObjects, NewPointsLieOnTheEdgesAndInTheTriangles)
     const auto points = shared<float3>({{1, 2, 3}, {4, 5, 6}});
     const auto cloud = Korvane::createObject();
     populatePointCloud(points, *cloud);
-    EXPECT_EQ(*dataOf<float3>(*MeshIo::makeQuadMesh(*cloud, "cloud", {}).mesh, sPointPosition),
+    EXPECT_EQ(*dataOf<float3>(*MeshIo::makeQuadMesh(*cloud, "cloud", {}, {}).mesh, sPointPosition),
               *points);
 }
 
@@ -81,11 +82,11 @@ TEST(QuadMeshOfObjects, PropertiesCreaseTheEdgeThatStartsAtTheirCorner)
     addDataGeoProperty<bool>(*mesh, "all", sFaceVertexComp, makeMutable<Array<bool>>(8, true));
     QuadOptions options;
     options.creaseProperty = "all";
-    EXPECT_EQ(MeshIo::makeQuadMesh(*mesh, "mesh", options).creasedEdges, 7u) << "no diagonals";
+    EXPECT_EQ(MeshIo::makeQuadMesh(*mesh, "mesh", {}, options).creasedEdges, 7u) << "no diagonals";
 
     EXPECT_THROW(quadsWithCreases(mesh, shared<float>({1, 2})), std::invalid_argument);
     addDataGeoProperty<double>(*mesh, "all", sFaceVertexComp, makeMutable<Array<double>>(8));
-    EXPECT_THROW(MeshIo::makeQuadMesh(*mesh, "mesh", options), std::invalid_argument);
+    EXPECT_THROW(MeshIo::makeQuadMesh(*mesh, "mesh", {}, options), std::invalid_argument);
 }
 
 TEST(QuadMeshOfObjects, AnglesAreThoseOfPolygonsWhateverTheirShape)
@@ -95,14 +96,14 @@ TEST(QuadMeshOfObjects, AnglesAreThoseOfPolygonsWhateverTheirShape)
                                {0, 5, 8}, {4, 0, 1, 2, 3, 2, 1, 5});
     QuadOptions options;
     options.creaseAngle = 1;
-    EXPECT_EQ(MeshIo::makeQuadMesh(*flat, "flat", options).creasedEdges, 0u);
+    EXPECT_EQ(MeshIo::makeQuadMesh(*flat, "flat", {}, options).creasedEdges, 0u);
 
     const float s = std::sqrt(.5f);  // folded by 45 degrees
     const auto folded =
         makeMesh({{0, 0, 0}, {0, 1, 0}, {1, 0, 0}, {-s, 0, s}}, {0, 3, 6}, {0, 2, 1, 0, 1, 3});
     for (const double degrees : {44.9, 45.1}) {
         options.creaseAngle = degrees;
-        EXPECT_EQ(MeshIo::makeQuadMesh(*folded, "folded", options).creasedEdges,
+        EXPECT_EQ(MeshIo::makeQuadMesh(*folded, "folded", {}, options).creasedEdges,
                   degrees < 45 ? 1u : 0u);
     }
 }
@@ -119,6 +120,14 @@ TEST(EdgeReport, FindsAnEdgeExactlyWhereTheEdgeTableGivesUp)
         const MeshIo::EdgeReport report =
             MeshIo::findSameDirectionEdges(mesh.faceVertex, mesh.pointCount, 1000);
         EXPECT_EQ(report.count > 0, gaveUp);
+        const Array<uint> separated = MeshIo::separatedTriEdges(mesh.faceVertex, mesh.pointCount);
+        if (!gaveUp) {
+            EXPECT_EQ(separated, edges);
+        }
+        EXPECT_EQ(std::set<uint>(separated.begin(), separated.end()).size() -
+                      (std::count(separated.begin(), separated.end(), kNone) > 0 ? 1 : 0),
+                  mesh.faceVertex.size() / 3 * 3)
+            << "every half-edge is listed";
         EXPECT_EQ(report.first.size(), report.count);
         refused += gaveUp ? 1 : 0;
         for (const auto& edge : report.first) {

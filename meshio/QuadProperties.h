@@ -1,0 +1,62 @@
+#pragma once
+
+#include <Korvane/Math.h>
+#include <Korvane/Object.h>
+#include <Pelon/Array.h>
+#include <Pelon/String.h>
+#include <Pelon/TypeRep.h>
+
+#include <meshio/CutPoints.h>
+
+#include <string>
+#include <vector>
+
+namespace MeshIo {
+
+/// The properties of a mesh on their way to its quads.
+///
+/// Everything goes through interpolatePropertiesToCutMesh, positions and velocities too, under names
+/// of its own: no name is special, and range properties that are shared come out one by one. Index
+/// seams are kept, which the kernel alone would not: corners that share a point but not an index
+/// are handed to it as corners of different points.
+class QuadProperties {
+public:
+    /// `mesh` has no errors; of `names` those that the mesh has are carried.
+    QuadProperties(const Korvane::Object& mesh, const Pelon::Array<Pelon::String>& names);
+
+    /// Makes the values for all points, faces and corners of the quads.
+    void interpolate(const CutPoints& cut);
+
+    /// The positions of the quads' points, handed over.
+    Pelon::Array<Korvane::Math::float3> takePositions();
+
+    /// Stores the properties, in the order of the mesh, and its values that are no properties.
+    void addTo(Korvane::Object& quads) const;
+
+    /// One line per property that cannot be carried.
+    const std::vector<std::string>& warnings() const { return m_warnings; }
+
+private:
+    struct Carried {
+        Pelon::String name;
+        Pelon::String range;  // empty where the values are not indexed
+        Pelon::String component;
+        Pelon::String stageName;  // while it is interpolated
+        Pelon::String stageRange;
+    };
+
+    void plan(const Pelon::String& name);
+    void stage(const Carried& carried, const Pelon::Array<Pelon::uint>* indices,
+               Korvane::Object& source) const;
+    void interpolateSeparately(const CutPoints& cut);
+    void interpolateCornersOf(const Pelon::String& range, const CutPoints& cut);
+    Pelon::String rangeNameFor(const Carried& carried, const Korvane::Object& quads) const;
+
+    const Korvane::Object& m_mesh;
+    std::vector<Carried> m_carried;
+    bool m_hasRenderSettings = false;
+    Pelon::MutablePtr<Korvane::Object> m_result;
+    std::vector<std::string> m_warnings;
+};
+
+}  // namespace MeshIo
