@@ -33,15 +33,15 @@ struct Fan {
     uint end;
 };
 
-/// The fan of face `face`; empty where the face has fewer than three corners or its offsets
-/// decrease.
+/// The fan of face `face`; empty where the face has fewer than three corners, its offsets decrease, or
+/// faces before it have so few corners that its first triangle would have a negative number.
 inline Fan fanOf(const uint* faceOffset, uint face)
 {
     const uint first = faceOffset[face];
     const uint last = faceOffset[face + 1];
     const uint begin = firstFanTriangle(first, face);
-    const bool isPolygon = last > first && last - first >= 3;
-    return {first, begin, isPolygon ? last - 2 * face - 2 : begin};
+    const bool isPolygon = last > first && last - first >= 3 && first / 2 >= face;
+    return {first, isPolygon ? begin : 0, isPolygon ? last - 2 * face - 2 : 0};
 }
 
 }  // namespace Tessary

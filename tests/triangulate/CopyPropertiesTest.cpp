@@ -190,6 +190,19 @@ TEST(CopyProperties, WithoutFaceOffsetsOnlyPointPropertiesAreCarried)
     EXPECT_EQ(target->propertyNames(), (Array<String>{"p"}));
 }
 
+// Triangulation refuses such faces, but a caller may bring triangles of its own making.
+TEST(CopyProperties, FacesOfTooFewCornersWriteNothing)
+{
+    const MutablePtr<Object> mesh = meshOf(3, {{0}, {}, {0, 1, 2}});
+    Geometry::addDataGeoProperty<int>(*mesh, "f", Geometry::sFaceComp, shared({1, 2, 3}), 7);
+    Geometry::addDataGeoProperty<int>(*mesh, "c", Geometry::sFaceVertexComp, shared({1, 2, 3, 4}),
+                                      7);
+    const MutablePtr<Object> target = meshOf(3, {{0, 1, 2}});
+    Tessary::copyPropertiesToTriangulatedMesh(*mesh, {"f", "c"}, *target);
+    EXPECT_EQ(*dataOf<int>(*target, "f"), (Array<int>{7}));
+    EXPECT_EQ(*dataOf<int>(*target, "c"), (Array<int>{7, 7, 7}));
+}
+
 TEST(CopyProperties, ACancelledJobThrowsAndLeavesAWellFormedProperty)
 {
     const MutablePtr<Object> mesh = quadAndTriangle();
