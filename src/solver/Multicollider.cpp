@@ -3,6 +3,8 @@
 #include "host/Float4.h"
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 // One projection of a pair, a contact with direction n of collider g and another collider o:
 //   lambda   the pair's multiplier, lambda' the new one
@@ -29,16 +31,24 @@ struct Others {
     uint count;
 };
 
-bool areSameBits(float a, float b)
+std::uint32_t bitsOf(float value)
 {
-    return a == b && std::signbit(a) == std::signbit(b);
+    std::uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
 }
 
-// Projects the pairs of one contact; D_g stays in a register from pair to pair, as each needs what
-// the one before has made of it.
-void project(const Contact& contact, const Others& others, float tolerance, Float4& D_g,
-             bool& converged)
+bool isZero(float value)
 {
+    return bitsOf(value) << 1 == 0;
+}
+
+// Projects the pairs of one contact and returns D_g, which stays in a register from pair to pair, as
+// each needs what the one before has made of it.
+Float4 project(const Contact contact, const Others others, float tolerance, Float4 D_g,
+               bool& converged)
+{
+    bool allConverged = true;
     for (uint j = 0; j < others.count; ++j) {
         const float lambda = others.lambda[j];
         const Float4 w_o_n = mul(splat(others.w[j]), contact.n);
@@ -52,17 +62,19 @@ void project(const Contact& contact, const Others& others, float tolerance, Floa
         const float next = std::copysign(push, lambda);
         // Most pairs do not push and go on not to. A jump that foresees it frees the next pair from
         // waiting for this one's violation.
-        if (lambda == 0.0f && areSameBits(next, lambda)) {
+        if (isZero(lambda) && bitsOf(next) == bitsOf(lambda)) {
             D_g = sub(A, mul(contact.w_g_n, splat(lambda)));
             store3(others.D[j], add(mul(w_o_n, splat(lambda)), B));
-            converged &= tolerance >= 0.0f;
+            allConverged &= tolerance >= 0.0f;
             continue;
         }
         D_g = sub(A, mul(contact.w_g_n, splat(next)));
         store3(others.D[j], add(mul(w_o_n, splat(next)), B));
-        converged &= tolerance >= std::fabs(lambda - next);
+        allConverged &= tolerance >= std::fabs(lambda - next);
         others.lambda[j] = next;
     }
+    converged &= allConverged;
+    return D_g;
 }
 
 }  // namespace
@@ -84,9 +96,9 @@ void Multicollider::solveInternal()
                 const std::size_t k = std::size_t{c} * (N - 1);
                 const float* const scale = pairScales.data() + k;
                 float* const lambda = pairLambdas.data() + k;
-                project(contact, {D, w, scale, lambda, g}, tolerance, D_g, converged);
-                project(contact, {D + g + 1, w + g + 1, scale + g, lambda + g, N - 1 - g},
-                        tolerance, D_g, converged);
+                D_g = project(contact, {D, w, scale, lambda, g}, tolerance, D_g, converged);
+                D_g = project(contact, {D + g + 1, w + g + 1, scale + g, lambda + g, N - 1 - g},
+                              tolerance, D_g, converged);
             }
             store3(D[g], D_g);
         }
