@@ -1,0 +1,141 @@
+// Sweeps of the contact solver against the same projections one after the other in memory.
+
+#include "support/Inputs.h"
+#include "support/Measure.h"
+
+#include <Tessary/Solver.h>
+
+#include <cmath>
+#include <string>
+
+using namespace Bench;
+using Tessary::Multicollider;
+using float3 = Multicollider::float3;
+using Side = Multicollider::Side;
+
+namespace {
+
+constexpr uint kColliders = 64;
+constexpr uint kContacts = 10000;
+
+class Solver : public Multicollider {
+public:
+    using Multicollider::solveInternal;
+};
+
+enum class Pairs {
+    OneSide,  ///< one direction: most pairs come to rest without a push
+    Mixed,    ///< any direction and side: about half of the pairs push
+    Few,      ///< the same, but a contact is about one other collider in eight
+};
+
+Solver problem(Pairs pairs)
+{
+    const Array<float> values = randomFloats(std::size_t{1} << 20, 7);
+    std::size_t next = 0;
+    const auto unit = [&] { return 2 * values[next++ % values.size()] - 1; };
+    Solver s;
+    for (uint g = 0; g < kColliders; ++g) {
+        s.addCollider(0.75f + 0.25f * unit(), {unit(), unit(), unit()});
+        for (uint c = kContacts * g / kColliders; c < kContacts * (g + 1) / kColliders; ++c) {
+            const float spread = pairs == Pairs::OneSide ? 0.2f : 1.0f;
+            float3 n = {pairs == Pairs::OneSide ? 1.0f : unit(), spread * unit(), spread * unit()};
+            const float length = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z) + 1e-6f;
+            s.addContact({n.x / length, n.y / length, n.z / length});
+        }
+    }
+    s.preparePairs();
+    for (std::size_t k = 0; k < s.pairLambdas.size() && pairs != Pairs::OneSide; ++k) {
+        if (unit() < 0)
+            s.setSide(k, Side::Ahead);
+        if (pairs == Pairs::Few && unit() < 0.75f)
+            s.ignore(k);
+    }
+    s.tolerance = 0;
+    s.maxIterations = 10;
+    return s;
+}
+
+void sweepInMemory(Multicollider& s, bool& converged)
+{
+    const uint N = s.colliderCount();
+    for (uint g = 0; g < N; ++g)
+        for (uint c = s.contactOffsets[g]; c < s.contactOffsets[g + 1]; ++c) {
+            const float3 n = s.contactDirections[c].direction;
+            for (uint j = 0; j + 1 < N; ++j) {
+                const uint o = j < g ? j : j + 1;
+                const std::size_t k = std::size_t{c} * (N - 1) + j;
+                const float lambda = s.pairLambdas[k];
+                const float wg = s.inverseMasses[g], wo = s.inverseMasses[o];
+                float3 &G = s.displacements[g], &O = s.displacements[o];
+                const float3 A = {(wg * n.x) * lambda + G.x, (wg * n.y) * lambda + G.y,
+                                  (wg * n.z) * lambda + G.z};
+                const float3 B = {O.x - (wo * n.x) * lambda, O.y - (wo * n.y) * lambda,
+                                  O.z - (wo * n.z) * lambda};
+                const float d = ((A.y - B.y) * n.y + (A.x - B.x) * n.x) + (A.z - B.z) * n.z;
+                float m = std::copysign(1.0f, lambda) * d;
+                m = 0 >= m ? 0 : m * s.pairScales[k];
+                const float next = std::copysign(m, lambda);
+                G = {A.x - (wg * n.x) * next, A.y - (wg * n.y) * next, A.z - (wg * n.z) * next};
+                O = {(wo * n.x) * next + B.x, (wo * n.y) * next + B.y, (wo * n.z) * next + B.z};
+                converged = converged && s.tolerance >= std::fabs(lambda - next);
+                s.pairLambdas[k] = next;
+            }
+        }
+}
+
+void solveInMemory(Multicollider& s)
+{
+    for (uint iteration = 0; iteration < s.maxIterations; ++iteration) {
+        bool converged = true;
+        sweepInMemory(s, converged);
+        if (converged)
+            return;
+    }
+    for (float3& D : s.displacements)
+        D = s.fallbackDisplacement;
+}
+
+std::uint64_t hashOfResult(const Multicollider& s)
+{
+    return hashOf(s.pairLambdas, hashOf(s.displacements));
+}
+
+void sweeps(benchmark::State& state, Pairs pairs)
+{
+    const Solver start = problem(pairs);
+    Solver ours = start, plain = start;
+    ours.solveInternal();
+    solveInMemory(plain);
+    const std::uint64_t hashes[] = {hashOfResult(ours), hashOfResult(plain)};
+    std::size_t pushing = 0;
+    for (const float lambda : ours.pairLambdas)
+        pushing += lambda != 0 ? 1 : 0;
+    compare(state, {[&] { ours.solveInternal(); }, [&] { ours = start; }},
+            {[&] { solveInMemory(plain); }, [&] { plain = start; }}, 8 * ours.pairLambdas.size(),
+            hashes[0], hashes[1]);
+    const double projections = static_cast<double>(ours.pairLambdas.size()) * ours.maxIterations;
+    state.counters["pairs_per_us"] = projections / (1e3 * state.counters["median_ms"].value);
+    state.counters["pushing_%"] =
+        100.0 * static_cast<double>(pushing) / static_cast<double>(ours.pairLambdas.size());
+}
+
+void add(const char* name, Pairs pairs)
+{
+    benchmark::RegisterBenchmark(
+        (std::string("Multicollider/64 colliders, 10000 contacts, ") + name).c_str(),
+        [pairs](benchmark::State& state) { sweeps(state, pairs); })
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond)
+        ->MinTime(1.0);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    add("one side", Pairs::OneSide);
+    add("mixed", Pairs::Mixed);
+    add("few", Pairs::Few);
+    return run(argc, argv);
+}
