@@ -21,7 +21,7 @@ namespace {
 bool isRequested()
 {
     const char* const value = std::getenv("VORTIKA_DUMP_VERSION_INFO");
-    // NOLINTNEXTLINE(bugprone-unchecked-string-to-number-conversion): "yes" is 0, so it is off
+    // No digits count as 0: "yes" does not ask for it.
     return value && std::atoi(value) != 0;
 }
 
@@ -60,8 +60,11 @@ bool printVersionBanner()
     const bool isWanted = isRequested();
     if (!isStandardErrorOpen() || !isWanted)
         return false;
-    std::cerr << std::setw(16) << "Tessary"
-              << ": " << versionText() << std::endl;
+    // Composed apart: the stream's own settings are the program's.
+    std::ostringstream line;
+    line << std::setw(16) << "Tessary"
+         << ": " << versionText();
+    std::cerr << line.str() << std::endl;
     return true;
 }
 

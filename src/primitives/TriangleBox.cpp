@@ -35,11 +35,12 @@ Float4 rotatedCross(Float4 a, Float4 b)
     return sub(mul(a, rotated(b)), mul(rotated(a), b));
 }
 
-// The axes of the box itself.
+// The axes of the box itself. One jump for both ends: which of them it is, is hard to foresee.
 bool facesSeparate(const Triangle& t, Float4 h)
 {
-    return anyGreater3(negated(h), largest(t.u0, t.u1, t.u2)) ||
-           anyGreater3(smallest(t.u0, t.u1, t.u2), h);
+    const int isBelow = anyGreater3(negated(h), largest(t.u0, t.u1, t.u2)) ? 1 : 0;
+    const int isAbove = anyGreater3(smallest(t.u0, t.u1, t.u2), h) ? 1 : 0;
+    return (isBelow | isAbove) != 0;
 }
 
 bool planeTouches(const Triangle& t, Float4 h)
