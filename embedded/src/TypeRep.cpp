@@ -8,6 +8,7 @@
 
 #if defined(__linux__)
 #include <sys/mman.h>
+#include <unistd.h>
 #endif
 
 namespace Pelon {
@@ -27,7 +28,8 @@ std::size_t roundedUp(std::size_t bytes, std::size_t unit)
 // small part of the block.
 std::size_t mappedSize(std::size_t bytes)
 {
-    return roundedUp(bytes, bytes >= 8 * kHugePage ? kHugePage : std::size_t{4096});
+    static const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    return roundedUp(bytes, bytes >= 8 * kHugePage ? kHugePage : page);
 }
 
 void* mapZeroed(std::size_t bytes)

@@ -36,7 +36,8 @@ namespace Tessary {
 /// value on their diagonal, which takes the weight of the first of them. An edge point of a polygon
 /// reuses the value of the first half-edge that findAdjacentHalfEdge finds, if that is an edge of a
 /// polygon and has been visited already: at an index seam, too, it is the value of the triangle that
-/// came first. An index outside the values, such as 0xFFFFFFFF, counts as the default value.
+/// came first. Where a value is computed, an index outside the source's values, such
+/// as 0xFFFFFFFF, counts as the default value; the index itself is carried as it is.
 ///
 /// in     source           a polygon mesh. Its positions, velocities, face offsets and corners are
 ///                         passed over; render settings are stored as they are
@@ -51,8 +52,10 @@ namespace Tessary {
 ///        its interpolation mode is 2, its default is missing or of another type than its values, it
 ///        is indexed twice, belongs to another component, or what it needs of source or triMesh is
 ///        missing. Element types other than the host's scalars, strings, vectors and matrices are
-///        left out. Two indexed properties of one range property each write it; the later one stands
-/// throws std::runtime_error when the caller's job is cancelled; what was written by then stays
+///        left out. Two indexed properties of one range property each write it; the later one stands,
+///        and the earlier one's new values are then named by it only if both have as many values
+/// throws std::runtime_error when the caller's job is cancelled by the end of a direct property; what
+///        was written by then stays
 /// cost   O(elements) per property, parallel but for the numbering of indices; neighbours are found
 ///        once, in time near linear whatever the valence. Not checked: sizes and codes
 TESSARY_API void interpolatePropertiesToCutMesh(const Korvane::Object& source,

@@ -28,7 +28,7 @@ TESSARY_API HalfEdge polyEdgeToTriEdge(const Pelon::Array<uint>& faceOffset, Hal
 /// in     faceOffset  face count + 1 prefix offsets of the polygon mesh, the first one 0
 /// in     triEdge     a corner of triangle triEdge.face
 /// result faceVertex is 0xFFFFFFFF for an inner diagonal of a fan, face is then still the polygon;
-///        both are 0xFFFFFFFF where the mesh has no faces. Faces of fewer than three corners own no
+///        face is 0xFFFFFFFF where the mesh has no faces. Faces of fewer than three corners own no
 ///        triangle and are passed over; a triangle past the end maps to the last face
 /// cost   O(log faces)
 TESSARY_API HalfEdge triEdgeToPolyEdge(const Pelon::Array<uint>& faceOffset, HalfEdge triEdge);

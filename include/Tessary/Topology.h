@@ -20,8 +20,9 @@ namespace Tessary {
 /// fails  neighbours in that order that run in one direction: two lines on standard error, triEdges
 ///        empty. A third half-edge after an opposite pair is not reported and is listed as a
 ///        boundary edge
-/// cost   O(n) time, O(n log n) where one point has most corners; 24 bytes of scratch per triangle,
-///        and 4 per point and thread (at most 8); parallel, never polls for cancellation
+/// cost   O(n) time, O(n log n) where one point has most corners or points are named from a range
+///        far wider than the mesh; 24 bytes of scratch per triangle, 24 more for so wide a range, and
+///        4 per point and thread (at most 8); parallel, never polls for cancellation
 TESSARY_API void computeTriEdges(const Pelon::Array<uint>& triFaceVertex,
                                  Pelon::Array<uint>& triEdges);
 
@@ -34,7 +35,7 @@ TESSARY_API void computeTriEdges(const Pelon::Array<uint>& triFaceVertex,
 ///                        none. Of several (a non-manifold edge) the first in the end point's dual
 ///                        list. Entries of an incomplete last triangle keep their resized value
 /// cost   O(n) time without scratch memory where no point has more than 64 corners, else at most
-///        O(n log n) and 20 bytes per corner of such points; parallel, never polls for cancellation
+///        O(n log n) and 40 bytes per corner of such points; parallel, never polls for cancellation
 TESSARY_API void populateAdjacentTri(const Pelon::Array<uint>& triFaceVertex,
                                      const Pelon::Array<uint>& dualFaceOffset,
                                      const Pelon::Array<uint>& dualFaceVertex,
@@ -45,7 +46,8 @@ TESSARY_API void populateAdjacentTri(const Pelon::Array<uint>& triFaceVertex,
 /// in     target          names the component that the property belongs to, one element per corner
 /// in     faceVertexName  names the face-vertex property (uint data)
 /// in/out the dual names  as for addDual. The dual is built if the component is missing; a dual that
-///                        is there is used as it stands
+///                        is there is used as it stands. With an empty component name none is ever
+///                        there, so each call builds over the arrays of the one before
 /// else   without the face-vertex property, or with the dual's component but not its arrays, nothing
 ///        changes
 /// cost   that of populateAdjacentTri, and of addDual where it is called

@@ -30,7 +30,7 @@ TESSARY_API bool computeTriangulation(const Pelon::Array<uint>& faceOffsets,
 ///
 /// Points keep their order and number; the target has its own copy of the positions.
 ///
-/// in     source         a mesh object
+/// in     source         a mesh object whose face offsets begin at 0 and do not decrease; not target
 /// in     propertyNames  the properties to carry; see copyPropertiesToTriangulatedMesh
 /// out    target         made an empty mesh first, so it is one even after a failure
 /// result true also for a source without faces, which leaves the empty mesh and no properties;
@@ -62,7 +62,8 @@ TESSARY_API bool triangulatePolyMesh(const Korvane::Object& source,
 ///                       plain property of another component arrives filled with its default
 /// in/out target         the triangles of `source` in the order of computeTriangulation, with
 ///                       element counts set
-/// throws std::runtime_error when the caller's job is cancelled; what was written by then stays
+/// throws std::runtime_error when the caller's job is cancelled; what was written by then stays, the
+///        values of an indexed property perhaps without their range property
 /// cost   O(elements) per property, in parallel over the source's faces
 TESSARY_API void copyPropertiesToTriangulatedMesh(const Korvane::Object& source,
                                                   const Pelon::Array<Pelon::String>& propertyNames,

@@ -22,7 +22,10 @@ struct CutMesh {
 
     bool hasTriangles() const { return bool(cornerPoint); }
     bool hasFaces() const { return faceOffset && !faceOffset->empty(); }
-    bool hasNeighbours() const { return hasFaces() && hasTriangles() && dualOffset && dualCorner; }
+    bool hasNeighbours() const
+    {
+        return hasFaces() && hasTriangles() && dualOffset && !dualOffset->empty() && dualCorner;
+    }
 
     uint originOf(uint point) const { return pointOrigins[pointIds[point]]; }
 };

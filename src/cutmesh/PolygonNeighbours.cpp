@@ -18,13 +18,14 @@ Array<OuterEdges> outerEdgesOf(const Array<uint>& faceOffset, std::size_t triang
     Array<OuterEdges> outer(triangleCount, OuterEdges{false, false});
     const uint* const offsets = faceOffset.data();
     OuterEdges* const out = outer.data();
-    parallelForEach(static_cast<uint>(faceOffset.size() - 1), LoopContext::Bound, [=](uint face) {
-        const Fan fan = fanOf(offsets, face);
-        if (fan.begin == fan.end)
-            return;
-        out[fan.begin].hasFirst = true;
-        out[fan.end - 1].hasLast = true;
-    });
+    parallelForEach(static_cast<uint>(faceOffset.size() - 1), LoopContext::Isolated,
+                    [=](uint face) {
+                        const Fan fan = fanOf(offsets, face);
+                        if (fan.begin == fan.end)
+                            return;
+                        out[fan.begin].hasFirst = true;
+                        out[fan.end - 1].hasLast = true;
+                    });
     return outer;
 }
 
@@ -49,11 +50,13 @@ Array<uint> polygonNeighbours(const Array<uint>& faceOffset, const Array<uint>& 
     const Array<OuterEdges> outer = outerEdgesOf(faceOffset, triangleCount);
     const uint* const points = triFaceVertex.data();
     uint* const out = neighbours.data();
-    parallelForEach(static_cast<uint>(triangleCount), LoopContext::Bound, [&](uint triangle) {
+    parallelForEach(static_cast<uint>(triangleCount), LoopContext::Isolated, [&](uint triangle) {
         for (uint corner = 3 * triangle; corner < 3 * triangle + 3; ++corner) {
             const uint other = out[corner];
-            if (other == kNone)
+            if (other >= triangleCount) {  // none, or the incomplete last triangle
+                out[corner] = kNone;
                 continue;
+            }
             const uint opposite = cornerOfHalfEdge(
                 points, other, points[nextCorner(corner, triangle)], points[corner]);
             const bool isInner = (opposite == 3 * other && !outer[other].hasFirst) ||

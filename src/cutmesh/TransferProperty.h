@@ -101,7 +101,8 @@ Ptr<Array<T>> appendValues(const CutMesh& cut, const Ptr<Array<T>>& values,
         const uint index = indexAt(corner);
         return index < old.size() ? old[index] : defaultValue;
     };
-    parallelForEach(static_cast<uint>(appended.size()), LoopContext::Bound,
+    // Isolated, as if the values were appended one by one: indexed properties are never polled for.
+    parallelForEach(static_cast<uint>(appended.size()), LoopContext::Isolated,
                     [&](uint i) { out[i] = valueAtOrigin<T>(appended[i], cut.weights, valueAt); });
     return all;
 }

@@ -18,8 +18,8 @@ inline uint nextCorner(uint corner, uint triangle)
     return corner + 1 < 3 * triangle + 3 ? corner + 1 : 3 * triangle;
 }
 
-/// The first triangle of face `face` whose first corner is `offset`, if no face before it has fewer
-/// than three corners.
+/// The first triangle of face `face` whose first corner is `offset`, if every face before it has two
+/// corners or more.
 inline uint firstFanTriangle(uint offset, uint face)
 {
     return offset - 2 * face;

@@ -35,6 +35,7 @@ class Modification {
 public:
     Modification(Object& bag, StringView name) : m_bag(bag), m_name(name)
     {
+        String nameToPutBack = m_name;  // made while the value is still safe in the bag
         Any taken = bag.getPropertyForModification(name);
         if (taken.empty())
             return;
@@ -45,7 +46,7 @@ public:
             return;
         }
         const Ptr<T> shared = held ? *held : nullptr;
-        bag.storeProperty(String(name), std::move(taken));
+        bag.storeProperty(std::move(nameToPutBack), std::move(taken));
         if (shared)
             m_value = makeMutable<T>(*shared);
     }
@@ -71,8 +72,8 @@ public:
     /// Puts the value into the bag.
     void store()
     {
-        m_isOut = false;
         m_bag.setProperty(m_name, m_value);
+        m_isOut = false;
     }
 
 private:

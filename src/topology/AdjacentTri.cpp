@@ -26,8 +26,18 @@ struct Mesh {
     const uint* dualOffset;
     std::size_t pointCount;
     const uint* dualCorners;
+    std::size_t dualSize;
 
-    uint listSize(uint point) const { return dualOffset[point + 1] - dualOffset[point]; }
+    // The slots of a point's list. A dual that was built twice has offsets beyond its corners.
+    std::size_t listBegin(uint point) const { return dualOffset[point]; }
+    std::size_t listEnd(uint point) const
+    {
+        return std::min<std::size_t>(dualOffset[std::size_t{point} + 1], dualSize);
+    }
+    std::size_t listSize(uint point) const
+    {
+        return listEnd(point) - std::min(listBegin(point), listEnd(point));
+    }
     bool isLong(uint point) const { return listSize(point) > kLongList; }
 
     // Whether `corner` is followed by `point`. The last triangle may be incomplete.
@@ -46,7 +56,8 @@ struct Edge {
 
 uint findInEndList(const Mesh& mesh, Edge edge)
 {
-    for (uint slot = mesh.dualOffset[edge.end]; slot < mesh.dualOffset[edge.end + 1]; ++slot) {
+    const std::size_t end = mesh.listEnd(edge.end);
+    for (std::size_t slot = mesh.listBegin(edge.end); slot < end; ++slot) {
         const uint corner = mesh.dualCorners[slot];
         // This order: the triangle's own corner hardly ever passes the first test.
         if (mesh.isFollowedBy(corner, edge.start) && corner / 3 != edge.triangle)
@@ -60,7 +71,8 @@ uint findInEndList(const Mesh& mesh, Edge edge)
 uint findInStartList(const Mesh& mesh, Edge edge)
 {
     uint found = kNone;
-    for (uint slot = mesh.dualOffset[edge.start]; slot < mesh.dualOffset[edge.start + 1]; ++slot) {
+    const std::size_t end = mesh.listEnd(edge.start);
+    for (std::size_t slot = mesh.listBegin(edge.start); slot < end; ++slot) {
         const uint next = mesh.dualCorners[slot];
         const uint triangle = next / 3;
         const uint corner = next > 3 * triangle ? next - 1 : next + 2;
@@ -103,7 +115,8 @@ bool areListsOf(const Mesh& mesh, uint slot, uint end)
 // Whether the dual is that of the mesh: as many entries as corners, each once and in its own list.
 bool isDualOfMesh(const Mesh& mesh)
 {
-    if (mesh.dualOffset[0] != 0 || mesh.dualOffset[mesh.pointCount] != mesh.cornerCount ||
+    if (mesh.dualSize < mesh.cornerCount || mesh.dualOffset[0] != 0 ||
+        mesh.dualOffset[mesh.pointCount] != mesh.cornerCount ||
         !std::is_sorted(mesh.dualOffset, mesh.dualOffset + mesh.pointCount + 1))
         return false;
     std::atomic<bool> all{true};
@@ -121,8 +134,9 @@ public:
     OrderedList(const Mesh& mesh, uint point)
     {
         std::vector<std::uint64_t> keys;
-        const uint begin = mesh.dualOffset[point];
-        for (uint slot = begin; slot < mesh.dualOffset[point + 1]; ++slot) {
+        const std::size_t begin = mesh.listBegin(point);
+        keys.reserve(mesh.listSize(point));
+        for (std::size_t slot = begin; slot < mesh.listEnd(point); ++slot) {
             const uint corner = mesh.dualCorners[slot];
             const uint next = nextCorner(corner, corner / 3);
             if (next < mesh.cornerCount)
@@ -240,10 +254,10 @@ void populateAdjacentTri(const Array<uint>& triFaceVertex, const Array<uint>& du
                          const Array<uint>& dualFaceVertex, Array<uint>& adjacentTri)
 {
     adjacentTri.resize(triFaceVertex.size());
-    if (triFaceVertex.size() < 3)
+    if (triFaceVertex.size() < 3 || dualFaceOffset.empty())
         return;
-    const Mesh mesh{triFaceVertex.data(), triFaceVertex.size(), dualFaceOffset.data(),
-                    dualFaceOffset.size() - 1, dualFaceVertex.data()};
+    const Mesh mesh{triFaceVertex.data(),      triFaceVertex.size(),  dualFaceOffset.data(),
+                    dualFaceOffset.size() - 1, dualFaceVertex.data(), dualFaceVertex.size()};
     if (hasLongList(mesh))
         findAroundLongLists(mesh, adjacentTri.data());
     else

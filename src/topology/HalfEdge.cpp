@@ -2,6 +2,8 @@
 
 #include "host/MeshLayout.h"
 
+#include <algorithm>
+
 namespace Tessary {
 namespace {
 
@@ -44,10 +46,9 @@ HalfEdge triEdgeToPolyEdge(const Array<uint>& faceOffset, HalfEdge triEdge)
     const uint corner = triEdge.faceVertex;
     const uint triangle = triEdge.face;
     const uint face = faceOfTriangle(faceOffset, triangle);
-    if (face == kNone)
-        return {kNone, kNone};
-
     const uint k = corner - 3 * triangle;
+    if (face == kNone)  // no faces, no offsets to look at
+        return {k == 0 || k == 2 ? kNone : corner + 2 * (face - triangle), face};
     const bool isFirst = triangle == firstFanTriangle(faceOffset[face], face);
     const bool isLast = triangle == faceOffset[face + 1] - 2 * face - 3;
     if ((k == 0 && !isFirst) || (k == 2 && !isLast))
@@ -66,7 +67,10 @@ HalfEdge findAdjacentHalfEdge(const Array<uint>& triFaceVertex, const Array<uint
 
     const uint start = triFaceVertex[triEdge.faceVertex];
     const uint end = triFaceVertex[next];
-    for (uint slot = dualFaceOffset[end]; slot < dualFaceOffset[end + 1]; ++slot) {
+    // A dual that was built twice has offsets beyond its corners.
+    const std::size_t listEnd =
+        std::min<std::size_t>(dualFaceOffset[std::size_t{end} + 1], dualFaceVertex.size());
+    for (std::size_t slot = dualFaceOffset[end]; slot < listEnd; ++slot) {
         const uint corner = dualFaceVertex[slot];
         const uint triangle = corner / 3;
         const uint after = nextCorner(corner, triangle);

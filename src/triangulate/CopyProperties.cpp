@@ -88,10 +88,15 @@ void copyIndexed(const Object& source, const String& rangeName, const Transfer& 
         return;
     const MutablePtr<Object> range = Korvane::createObject();
     const IndexTransfer index{rangeName, Geometry::getRangeGeoPropIndices(*sourceRange), *range};
+    bool isCarried = false;
     dispatchOnElementType(ElementTypes(), data, [&](const auto& values) {
+        isCarried = true;
         return transferIndexed(transfer, index, values);
     });
-    transfer.target.setProperty(rangeName, range);
+    // Required: stored even where the component has no rule, empty then. Not for an element type that
+    // is not carried: another property may have brought the range already.
+    if (isCarried)
+        transfer.target.setProperty(rangeName, range);
 }
 
 void copyProperty(const Object& source, const Ptr<Array<uint>>& faceOffset, const String& name,

@@ -39,6 +39,8 @@ void pickAtCorners(const Array<uint>& faceOffset, const Array<T>& cornerValue,
     const T* const in = cornerValue.data();
     T* const out = triangleCornerValue.data();
     forEachFan(faceOffset, [in, out](uint, Fan fan) {
+        if (fan.begin == fan.end)
+            return;
         const T* corner = in + fan.firstCorner;
         const T& apex = *corner;
         for (std::size_t t = fan.begin; t < fan.end; ++t) {

@@ -1,7 +1,8 @@
 #include "host/ParallelLoop.h"
 
+#include "support/Threads.h"
+
 #include <gtest/gtest.h>
-#include <tbb/global_control.h>
 
 #include <atomic>
 #include <stdexcept>
@@ -12,8 +13,7 @@ using namespace Tessary;
 
 TEST(ParallelLoop, CoversTheRangeOnceAtAnyThreadCount)
 {
-    for (const std::size_t threads : {1, 2, 3, 8}) {
-        tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+    TestSupport::atSeveralThreadCounts([](int) {
         for (const uint end : {0u, 1u, 2u, 7u, 1000u, 100000u}) {
             const uint begin = end / 3;
             std::vector<std::atomic<int>> visits(end);
@@ -24,7 +24,7 @@ TEST(ParallelLoop, CoversTheRangeOnceAtAnyThreadCount)
             for (uint i = 0; i < end; ++i)
                 ASSERT_EQ(visits[i], i >= begin ? 1 : 0) << i << " of " << end;
         }
-    }
+    });
 }
 
 TEST(ParallelLoop, ARangeWithinItsGrainRunsInOnePieceOnTheCallerAndIsNeverPolled)

@@ -4,7 +4,34 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <new>
+
+namespace {
+
+int allocationsLeft = -1;  // after which one fails; none does while negative
+
+}  // namespace
+
+void* operator new(std::size_t size)
+{
+    if (allocationsLeft == 0)
+        throw std::bad_alloc();
+    if (allocationsLeft > 0)
+        --allocationsLeft;
+    if (void* const block = std::malloc(size > 0 ? size : 1))
+        return block;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept
+{
+    std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept
+{
+    std::free(block);
+}
 
 using namespace Tessary;
 using TestSupport::entryOf;
@@ -69,12 +96,30 @@ TEST(AddDataArray, ReplacesAnArrayOfAnotherTypeAndStoresNothingUnderAnEmptyName)
     EXPECT_EQ(geometry->propertyNames(), (Array<String>{"p"}));
 }
 
-TEST(AddDataArray, LosesNothingWhenMemoryRunsOut)
+TEST(AddDataArray, LosesNothingWhereverMemoryRunsOut)
 {
+    const String name = "a_name_too_long_to_be_stored_without_memory_of_its_own";
+    for (const bool isShared : {false, true}) {
+        bool succeeded = false;
+        for (int allocations = 0; !succeeded; ++allocations) {
+            SCOPED_TRACE(allocations);
+            const MutablePtr<Object> geometry = Korvane::createObject();
+            addDataArray<uint>("comp", name, 2, 5, *geometry);
+            const Object other = isShared ? *geometry : Object();
+            try {
+                allocationsLeft = allocations;
+                addDataArray<uint>("comp", name, 3, 6, *geometry);
+                succeeded = true;
+            } catch (const std::bad_alloc&) {
+            }
+            allocationsLeft = -1;
+            ASSERT_TRUE(getDataArray<uint>(*geometry, name));
+            EXPECT_EQ((*getDataArray<uint>(*geometry, name))[1], 5u);
+        }
+    }
     const MutablePtr<Object> geometry = Korvane::createObject();
-    addDataArray<uint>("comp", "p", 2, 5, *geometry);
+    addDataArray<uint>("comp", name, 2, 5, *geometry);
     const std::uint64_t tooMany = std::uint64_t{1} << 62;
-    EXPECT_THROW(addDataArray<uint>("comp", "p", tooMany, 6, *geometry), std::bad_alloc);
-    ASSERT_TRUE(getDataArray<uint>(*geometry, "p"));
-    EXPECT_EQ(*getDataArray<uint>(*geometry, "p"), (Array<uint>{5, 5}));
+    EXPECT_THROW(addDataArray<uint>("comp", name, tooMany, 6, *geometry), std::bad_alloc);
+    EXPECT_EQ(*getDataArray<uint>(*geometry, name), (Array<uint>{5, 5}));
 }

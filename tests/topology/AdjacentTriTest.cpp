@@ -1,9 +1,10 @@
+#include "support/Threads.h"
 #include "support/TriangleMeshes.h"
 
 #include <Tessary/HalfEdge.h>
 #include <Tessary/Topology.h>
 #include <gtest/gtest.h>
-#include <tbb/global_control.h>
+#include <algorithm>
 
 using namespace TestSupport;
 
@@ -52,7 +53,7 @@ TEST(AdjacentTri, EqualsTheSearchOfEachHalfEdge)
 
 TEST(AdjacentTri, FollowsTheOrderOfADualThatIsNotTheMeshsOwn)
 {
-    for (const NamedTriangles& mesh : {fan(200, 0), fan(200, 7), book(200, 0x5A5A5A5A)}) {
+    for (const NamedTriangles& mesh : {fan(200, 0), fan(2000, 7), book(200, 0x5A5A5A5A)}) {
         SCOPED_TRACE(mesh.name);
         Dual reversed = dualOf(mesh);
         for (uint p = 0; p < mesh.pointCount; ++p)
@@ -64,6 +65,12 @@ TEST(AdjacentTri, FollowsTheOrderOfADualThatIsNotTheMeshsOwn)
         for (std::size_t slot = 1; slot < incomplete.corners.size(); slot += 5)
             incomplete.corners[slot] = incomplete.corners[slot - 1];
         EXPECT_EQ(adjacentTri(mesh, incomplete), literalAdjacentTri(mesh, incomplete));
+
+        Dual swapped = dualOf(mesh);  // two entries of the longest list
+        const uint slot = swapped.offset[mesh.faceVertex[0]] + 150;
+        std::swap(swapped.corners[slot], swapped.corners[slot + 1]);
+        const Array<uint> expected = literalAdjacentTri(mesh, swapped);
+        atSeveralThreadCounts([&](int) { EXPECT_EQ(adjacentTri(mesh, swapped), expected); });
     }
 }
 
@@ -83,6 +90,16 @@ TEST(AdjacentTri, PointsWithManyCornersCostNoMoreThanOthers)
     const NamedTriangles pages = book(300000, 0);  // one direction: no neighbour anywhere
     const Array<uint> adjacent = adjacentTri(pages, dualOf(pages));
     EXPECT_EQ(std::count(adjacent.begin(), adjacent.end(), kNone), 900000);
+}
+
+// The second build's offsets reach beyond its corners.
+TEST(AdjacentTri, ADualThatWasBuiltTwiceIsNeverReadPastItsEnd)
+{
+    const NamedTriangles mesh = fan(200, 0);
+    Dual dual = dualOf(mesh);
+    Tessary::constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
+    EXPECT_GT(dual.offset[mesh.pointCount], dual.corners.size());
+    EXPECT_EQ(adjacentTri(mesh, dual), literalAdjacentTri(mesh, dual));
 }
 
 TEST(AddAdjacentTri, StoresThePropertyBuildsAMissingDualAndUsesAnExistingOne)

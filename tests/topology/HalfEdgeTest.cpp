@@ -89,6 +89,7 @@ TEST(HalfEdge, FacesWithoutTrianglesArePassedOverAndTrianglesPastTheEndMapToTheL
     EXPECT_EQ(Tessary::triEdgeToPolyEdge({0, 3, 5, 9}, {3, 1}), (HalfEdge{5, 2}));
     EXPECT_EQ(Tessary::triEdgeToPolyEdge({0, 3, 7}, {1 + 3 * 90, 90}).face, 1u);
     EXPECT_EQ(Tessary::triEdgeToPolyEdge({0}, {0, 0}), kNoEdge);
+    EXPECT_EQ(Tessary::triEdgeToPolyEdge({0}, {7, 2}).face, kNone);
     EXPECT_EQ(Tessary::triEdgeToPolyEdge({}, {0, 0}), kNoEdge);
 }
 

@@ -1,8 +1,8 @@
+#include "support/Threads.h"
 #include "support/TriangleMeshes.h"
 
 #include <Tessary/Topology.h>
 #include <gtest/gtest.h>
-#include <tbb/global_control.h>
 
 #include <cmath>
 #include <limits>
@@ -124,9 +124,11 @@ TEST(QuadMesh, WeightsCreaseBelowTheLargestFiniteFloat)
         EXPECT_EQ(quadsOf(triangle, edgesOf(triangle), Array<float>(3, weight), 3).next, 12u);
 }
 
-TEST(QuadMesh, EqualsTheLiteralRulesWithFlagsAndWeights)
+TEST(QuadMesh, EqualsTheLiteralRulesWithFlagsAndWeightsAtAnyThreadCount)
 {
-    for (const NamedTriangles& mesh : triangleMeshes()) {
+    std::vector<NamedTriangles> meshes = triangleMeshes();
+    meshes.push_back(fan(60000, 7));  // several blocks of edges and of triangles
+    for (const NamedTriangles& mesh : meshes) {
         SCOPED_TRACE(mesh.name);
         const Array<uint> edges = edgesOf(mesh.faceVertex);
         std::mt19937 random(5);
@@ -136,11 +138,13 @@ TEST(QuadMesh, EqualsTheLiteralRulesWithFlagsAndWeights)
             if (random() % 4 == 0)
                 flags[c] = true, weights[c] = 1.5f;
         const Quads expected = literalQuads(mesh.faceVertex, edges, flags, mesh.pointCount);
-        for (const Quads& quads : {quadsOf(mesh.faceVertex, edges, flags, mesh.pointCount),
-                                   quadsOf(mesh.faceVertex, edges, weights, mesh.pointCount)}) {
+        const auto expectEqual = [&](const Quads& quads) {
             EXPECT_EQ(quads.next, expected.next);
-            EXPECT_EQ(quads.corners, expected.corners);
-        }
+            EXPECT_TRUE(quads.corners == expected.corners);
+        };
+        expectEqual(quadsOf(mesh.faceVertex, edges, weights, mesh.pointCount));
+        atSeveralThreadCounts(
+            [&](int) { expectEqual(quadsOf(mesh.faceVertex, edges, flags, mesh.pointCount)); });
     }
 }
 
@@ -164,12 +168,9 @@ TEST(QuadMesh, WithoutAnEdgeTableEdgeEntriesKeepTheirResizedValue)
 
 TEST(QuadFaceIndexedInterpolation, RepeatsThePolygonsValueOnItsQuads)
 {
-    for (const std::size_t threads : {1, 3}) {
-        tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
-        Array<uint> values(9, 8);  // a quad, a face of two corners, a triangle
-        Tessary::quadFaceIndexedInterpolation({0, 4, 6, 9}, {1, 2, 3}, values);
-        EXPECT_EQ(values, (Array<uint>{1, 1, 1, 1, 1, 1, 3, 3, 3}));
-    }
+    Array<uint> values(9, 8);  // a quad, a face of two corners, a triangle
+    Tessary::quadFaceIndexedInterpolation({0, 4, 6, 9}, {1, 2, 3}, values);
+    EXPECT_EQ(values, (Array<uint>{1, 1, 1, 1, 1, 1, 3, 3, 3}));
     Array<uint> untouched{4};
     Tessary::quadFaceIndexedInterpolation({}, {}, untouched);
     EXPECT_EQ(untouched, (Array<uint>{4}));

@@ -1,8 +1,8 @@
+#include "support/Threads.h"
 #include "support/TriangleMeshes.h"
 
 #include <Tessary/Topology.h>
 #include <gtest/gtest.h>
-#include <tbb/global_control.h>
 
 #include <algorithm>
 #include <numeric>
@@ -108,9 +108,8 @@ TEST(TriEdges, EqualTheLiteralRulesAndListEveryCornerOnceAtAnyThreadCount)
     for (const Array<uint>& faceVertex : {large.faceVertex, farApart}) {
         const Edges expected = literalEdges(faceVertex);
         ASSERT_FALSE(expected.pairs.empty());
-        for (const std::size_t threads : {1, 2, 3, 8}) {
-            tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+        atSeveralThreadCounts([&](int threads) {
             EXPECT_TRUE(edgesOf(faceVertex).pairs == expected.pairs) << threads << " threads";
-        }
+        });
     }
 }

@@ -4,7 +4,9 @@
 #include <Pelon/Job.h>
 #include <Tessary/Triangulation.h>
 #include <gtest/gtest.h>
-#include <tbb/global_control.h>
+#include <tbb/task_arena.h>
+
+#include <cmath>
 
 using namespace TestSupport;
 using Mode = Geometry::Common::DataInterpolationMode;
@@ -100,6 +102,10 @@ TEST(CopyProperties, APropertyOfAnotherComponentArrivesWithDefaultsOnly)
     target->setProperty("curve", curve);
     Tessary::copyPropertiesToTriangulatedMesh(*mesh, {"p"}, *target);
     EXPECT_EQ(*dataOf<int>(*target, "p"), (Array<int>{8, 8, 8}));
+
+    Geometry::addDataGeoProperty<float>(*mesh, "minus zero", "curve", shared({1.f}), -0.f);
+    Tessary::copyPropertiesToTriangulatedMesh(*mesh, {"minus zero"}, *target);
+    EXPECT_TRUE(std::signbit((*dataOf<float>(*target, "minus zero"))[2]));
 }
 
 TEST(CopyProperties, RenderSettingsAreStoredAsTheyAreIfThereAreAny)
@@ -148,6 +154,18 @@ TEST(CopyProperties, IndexedPropertiesShareTheirValuesAndGetNewIndices)
         EXPECT_EQ(*indicesOf(*target, range), c.expected);
         EXPECT_EQ(indicesOf(*target, range) == indices, c.component == Geometry::sPointComp);
     }
+}
+
+TEST(CopyProperties, AnIndexedPropertyOfAnotherTypeLeavesTheRangeOfOthersAlone)
+{
+    const MutablePtr<Object> mesh = quadAndTriangle();
+    Geometry::addRangeGeoProperty(*mesh, "range", Geometry::sFaceComp, shared<uint>({1, 0}));
+    Geometry::addDataGeoProperty<int>(*mesh, "carried", "range", shared({4, 5}));
+    Geometry::addDataGeoProperty<char>(*mesh, "not carried", "range", shared({'a', 'b'}));
+    const MutablePtr<Object> target = triangulated(*mesh, {"carried", "not carried"});
+    ASSERT_TRUE(indicesOf(*target, "range"));
+    EXPECT_EQ(*indicesOf(*target, "range"), (Array<uint>{1, 1, 0}));
+    EXPECT_FALSE(triangulated(*mesh, {"not carried"})->hasProperty("range"));
 }
 
 TEST(CopyProperties, ARangeOfAnotherComponentIsStoredEmptyAndAMissingOneSkipsTheName)
@@ -242,8 +260,10 @@ TEST(CopyProperties, EqualThePolygonsCornersAtAnyThreadCount)
             faces.push_back(f);
         Geometry::addDataGeoProperty<uint>(*mesh, "f", Geometry::sFaceComp,
                                            makeMutable<Array<uint>>(faces));
-        tbb::global_control limit(tbb::global_control::max_allowed_parallelism, 1 + seed % 4);
-        const MutablePtr<Object> target = triangulated(*mesh, {"c", "f"});
+        MutablePtr<Object> target;
+        tbb::task_arena(1 + static_cast<int>(seed % 4)).execute([&] {
+            target = triangulated(*mesh, {"c", "f"});
+        });
         EXPECT_EQ(*dataOf<uint>(*target, "c"), *dataOf<uint>(*target, Geometry::sFaceVertex));
         Array<uint> expected;
         for (uint f = 0; f < polygons.faceCount(); ++f)
