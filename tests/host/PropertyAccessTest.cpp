@@ -1,39 +1,14 @@
 #include "host/PropertyAccess.h"
 
+#include "support/FailingAllocations.h"
 #include "support/MeshBuilding.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <new>
 
-namespace {
-
-int allocationsLeft = -1;  // after which one fails; none does while negative
-
-}  // namespace
-
-void* operator new(std::size_t size)
-{
-    if (allocationsLeft == 0)
-        throw std::bad_alloc();
-    if (allocationsLeft > 0)
-        --allocationsLeft;
-    if (void* const block = std::malloc(size > 0 ? size : 1))
-        return block;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* block) noexcept
-{
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept
-{
-    std::free(block);
-}
-
 using namespace Tessary;
+using TestSupport::allocationsLeft;
 using TestSupport::entryOf;
 using TestSupport::kNone;
 using TestSupport::meshOf;
