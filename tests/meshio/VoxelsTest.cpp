@@ -1,7 +1,7 @@
 #include "support/MeshBuilding.h"
+#include "support/Threads.h"
 
 #include <meshio/Voxels.h>
-#include <tbb/global_control.h>
 
 #include <stdexcept>
 #include <vector>
@@ -65,10 +65,8 @@ TEST(Voxels, AreAllCellsThatSomeTriangleTouchesAtAnyThreadCount)
         const MutablePtr<Object> mesh = randomTriangles(1, size < 1 ? 60 : 5, size);
         const Cells expected = reference(*mesh, 0.25, 16);
         EXPECT_GT(expected.size(), 50u);
-        for (const std::size_t threads : {1, 2, 3}) {
-            tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
-            EXPECT_EQ(listOf(touchedCells(*mesh, 0.25)), expected) << size;
-        }
+        atSeveralThreadCounts(
+            [&](int) { EXPECT_EQ(listOf(touchedCells(*mesh, 0.25)), expected) << size; });
     }
 }
 

@@ -1,7 +1,7 @@
 #include "support/MeshBuilding.h"
+#include "support/Threads.h"
 
 #include <gtest/gtest.h>
-#include <tbb/global_control.h>
 
 #include <algorithm>
 #include <cmath>
@@ -182,12 +182,11 @@ void expectEncloses(const Array<float3>& points, double radius, double tolerance
         largest = std::max(largest, x * x + y * y + z * z);
     }
     EXPECT_EQ(sphere.getRadius(), std::sqrt(largest));
-    for (const std::size_t threads : {1, 2, 3, 8}) {
-        tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+    atSeveralThreadCounts([&](int) {
         const Sphere again = computeBoundingSphere(points);
         EXPECT_EQ(again.getCenter(), c);
         EXPECT_EQ(again.getRadius(), sphere.getRadius());
-    }
+    });
 }
 
 TEST(BoundingSphere, LargeSetsHaveTheRadiusOfTheirShapeAtAnyThreadCount)
