@@ -66,14 +66,27 @@ String offsetsOf(const Object& mesh, const String& list)
     return String();
 }
 
-// The length of the offsets says whose lists they are. Where there are as many points as faces it
-// does not, and guessing could attach values to the wrong elements.
+// The first component of the mesh that the offsets depend on, empty where they name none.
+String declaredOwner(const Object& mesh, const String& offsets)
+{
+    const Any value = getDataGeoProperty(mesh, offsets)->getProperty(sDependsOn);
+    const auto* const names = value.get<Ptr<Array<String>>>();
+    if (names && *names)
+        for (const String& name : **names)
+            if (isMeshComponent(name))
+                return name;
+    return String();
+}
+
+// Without a declaration the length of the offsets says whose lists they are. Where there are as many
+// points as faces it does not, and guessing could attach values to the wrong elements.
 bool isPointList(const Object& mesh, const String& offsets)
 {
     const std::uint64_t count = dataArray<uint>(mesh, offsets)->size();
     const std::uint64_t points = getElementCount(mesh, sPointComp);
     const std::uint64_t faces = getElementCount(mesh, sFaceComp);
-    return count == points + 1 && points != faces;
+    const String owner = declaredOwner(mesh, offsets);
+    return count == points + 1 && (owner.empty() ? points != faces : owner == sPointComp);
 }
 
 void leaveOut(Plan& plan, const std::string& kind, const String& name)

@@ -140,6 +140,14 @@ TEST(TriangulateMesh, ListsOfPointsStayAndOthersAreLeftOutWithAWarning)
     const auto tetrahedron = meshOf(4, {{0, 1, 2}, {0, 3, 1}, {1, 3, 2}, {2, 3, 0}});
     addList(*tetrahedron, "tags", shared<uint>({0, 1, 2, 3, 3}));
     EXPECT_EQ(triangulateAll(*tetrahedron).warnings, result.warnings);
+
+    // But if they say it themselves, as those of a file do, their word counts.
+    for (const String& owner : {sPointComp, sFaceComp}) {
+        const auto offsets = makeMutable<Object>(*getDataGeoProperty(*tetrahedron, "tags_offset"));
+        offsets->setProperty(sDependsOn, makeMutable<Array<String>>(Array<String>{owner}));
+        tetrahedron->setProperty("tags_offset", offsets);
+        EXPECT_EQ(triangulateAll(*tetrahedron).warnings.size(), owner == sPointComp ? 0u : 1u);
+    }
 }
 
 TEST(TriangulateMesh, NamesInAWarningWhatHasNoRule)
