@@ -2,6 +2,7 @@
 
 #include <Korvane/ElementTypes.h>
 #include <Korvane/Geometry.h>
+#include <meshio/MeshShape.h>
 #include <meshio/TriangulateMesh.h>
 
 #include <algorithm>
@@ -163,6 +164,28 @@ Json ownValues(const Object& mesh)
     return values;
 }
 
+Json factsOf(const MeshIo::Problem& problem)
+{
+    return {{"count", problem.count}, {"places", problem.places}};
+}
+
+void addShape(const MeshIo::MeshShape& shape, Json& facts)
+{
+    const bool hasFaces = shape.components > 0;
+    facts["edges"] = shape.edges;
+    facts["boundary_edges"] = shape.boundaryEdges;
+    facts["non_manifold_edges"] = factsOf(shape.nonManifold);
+    facts["same_direction_edges"] = factsOf(shape.sameDirection);
+    facts["valence"] = {{"least", hasFaces ? Json(shape.least) : Json()},
+                        {"most", hasFaces ? Json(shape.most) : Json()}};
+    facts["components"] = shape.components;
+    facts["closed"] = shape.isClosed;
+    facts["euler_characteristic"] = shape.eulerCharacteristic;
+    facts["genus"] = shape.genus ? Json(*shape.genus) : Json();
+    facts["non_manifold_points"] = shape.nonManifoldPoints;
+    facts["unused_points"] = shape.unusedPoints;
+}
+
 }  // namespace
 
 double briefly(float value)
@@ -201,6 +224,7 @@ Json factsOf(const Object& mesh)
     const auto faceVertex = arrayOrEmpty<uint>(mesh, sFaceVertex);
     Json facts = countsOf(mesh);
     facts["polygon_sizes"] = polygonSizes(*faceOffset);
+    addShape(MeshIo::shapeOf(mesh), facts);
     facts["bounding_box"] = boundingBox(*points);
     facts["area"] = areaOf(*points, *faceOffset, *faceVertex);
     facts["properties"] = propertiesOf(mesh);

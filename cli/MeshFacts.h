@@ -21,7 +21,7 @@ Json countsOf(const Korvane::Object& mesh);
 /// The names of the carried properties.
 Json carriedNames(const Korvane::Object& mesh);
 
-/// A valid mesh: counts, polygon sizes, bounding box, area, properties and values of the object.
+/// A valid mesh: counts, polygon sizes, edges, components, bounding box, area, properties and values of the object.
 Json factsOf(const Korvane::Object& mesh);
 
 /// The same as lines for people.

@@ -56,12 +56,55 @@ std::string table(const Rows& rows)
     return text.str();
 }
 
+// ", 3 of more than two faces (edge 0-1: ...)": only what there is.
+std::string placesText(const Json& found, const char* what)
+{
+    if (found["count"] == 0)
+        return "";
+    return ", " + found["count"].dump() + " " + what + " (" +
+           found["places"][0].get<std::string>() + (found["count"] > 1 ? "; ...)" : ")");
+}
+
+std::string edgesText(const Json& facts)
+{
+    if (facts["edges"] == 0)
+        return "0";
+    return facts["edges"].dump() + ": " + facts["boundary_edges"].dump() + " boundary" +
+           placesText(facts["non_manifold_edges"], "of more than two faces") +
+           placesText(facts["same_direction_edges"], "along which faces run in one direction") +
+           "; " + facts["valence"]["least"].dump() + " to " + facts["valence"]["most"].dump() +
+           " at a point";
+}
+
+std::string shapeText(const Json& facts)
+{
+    if (facts["components"] == 0)
+        return "no faces";
+    const auto plural = [](const Json& count, const char* what) {
+        return count.dump() + " " + what + (count == 1 ? "" : "s");
+    };
+    std::string text = plural(facts["components"], "component") +
+                       (facts["closed"].get<bool>() ? ", closed" : ", open") +
+                       ", Euler characteristic " + facts["euler_characteristic"].dump();
+    if (!facts["genus"].is_null())
+        text += ", genus " + facts["genus"].dump() +
+                (facts["components"] > 1 ? " in all components together" : "");
+    if (facts["non_manifold_points"] > 0)
+        text += ", " + plural(facts["non_manifold_points"], "point") + " that join" +
+                (facts["non_manifold_points"] == 1 ? "s" : "") + " faces without a common edge";
+    if (facts["unused_points"] > 0)
+        text += ", " + plural(facts["unused_points"], "point") + " of no face";
+    return text;
+}
+
 Rows summaryRows(const Json& facts)
 {
     const std::string sizes = sizesText(facts["polygon_sizes"]);
     return {{"points", facts["points"].dump()},
             {"corners", facts["corners"].dump()},
             {"faces", facts["faces"].dump() + (sizes.empty() ? "" : ": " + sizes)},
+            {"edges", edgesText(facts)},
+            {"shape", shapeText(facts)},
             {"bounding box", boxText(facts["bounding_box"])},
             {"area", facts["area"].dump()}};
 }

@@ -58,13 +58,20 @@ void addInput(CLI::App& verb, std::string& path)
 
 void addOutput(CLI::App& verb, OutputOptions& output)
 {
+    addOutput(verb, output, formatNames());
+}
+
+void addOutput(CLI::App& verb, OutputOptions& output, const std::vector<std::string>& formats)
+{
+    std::string list;
+    for (const std::string& format : formats)
+        list += (list.empty() ? "" : format == formats.back() ? " or " : ", ") + format;
     verb.add_option("--output,-o", output.path, "File to write; - is standard output")
         ->type_name("FILE")
         ->required();
-    verb.add_option("--format", output.format,
-                    "obj, ply, ply-ascii or ply-big; without it the ending of FILE decides")
+    verb.add_option("--format", output.format, list + "; without it the ending of FILE decides")
         ->type_name("FORMAT")
-        ->check(CLI::IsMember(formatNames()).description(""));
+        ->check(CLI::IsMember(formats).description(""));
     verb.add_flag("--force,-f", output.force, "Replace FILE if it exists");
 }
 

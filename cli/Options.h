@@ -8,6 +8,7 @@
 #include <meshio/MeshFile.h>
 
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -27,6 +28,10 @@ void addSettings(CLI::App& verb, Session::Settings& settings);
 
 void addInput(CLI::App& verb, std::string& path);
 void addOutput(CLI::App& verb, OutputOptions& output);
+
+/// The same for a verb that writes no mesh but one of these formats.
+void addOutput(CLI::App& verb, OutputOptions& output, const std::vector<std::string>& formats);
+
 void addProperties(CLI::App& verb, std::string& selection);
 
 /// The format to write. Throws UsageError where neither an option nor the ending says it.

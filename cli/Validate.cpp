@@ -1,6 +1,7 @@
 #include "Options.h"
 #include "Verbs.h"
 
+#include <meshio/EdgePlaces.h>
 #include <meshio/Validate.h>
 
 #include <CLI/CLI.hpp>
@@ -47,8 +48,11 @@ ExitCode validate(const std::string& path, Session& session)
     const MeshIo::MeshRead input = MeshIo::readMeshUnchecked(path);
     session.warn(input.warnings);
     session.beginStage("validating");
-    const ValidationReport report = MeshIo::validateMesh(*input.mesh);
+    ValidationReport report = MeshIo::validateMesh(*input.mesh);
     const bool valid = !report.hasErrors();
+    if (valid)
+        for (Problem& problem : MeshIo::edgeWarnings(*input.mesh))
+            report.problems.push_back(std::move(problem));
 
     Json facts = {{"verb", "validate"},
                   {"file", path},

@@ -20,6 +20,7 @@ Run declareTriangulate(CLI::App& verb, Session& session);
 Run declareQuads(CLI::App& verb, Session& session);
 Run declareSphere(CLI::App& verb, Session& session);
 Run declareVoxels(CLI::App& verb, Session& session);
+Run declareAdjacency(CLI::App& verb, Session& session);
 Run declareDemo(CLI::App& verb, Session& session);
 
 }  // namespace Cli

@@ -27,6 +27,7 @@ constexpr Verb kVerbs[] = {
     {"quads", "Split faces into quads around their points", declareQuads},
     {"sphere", "Find the smallest sphere around a mesh", declareSphere},
     {"voxels", "Find the cells of a grid that a mesh touches", declareVoxels},
+    {"adjacency", "Find the neighbours of triangles, as arrays", declareAdjacency},
     {"demo", "Run every kernel on a demo mesh and write the results", declareDemo},
 };
 

@@ -32,6 +32,8 @@ public:
             m_problem.places.push_back(describe());
     }
 
+    const Problem& problem() const { return m_problem; }
+
     void addTo(ValidationReport& report)
     {
         if (m_problem.count > 0)

@@ -28,6 +28,13 @@ TEST(Info, TellsCountsMeasuresAndProperties)
     EXPECT_EQ(facts["polygon_sizes"], json({{"3", 1}, {"4", 1}, {"5", 1}}));
     EXPECT_EQ(facts["bounding_box"], json({{"min", {0, 0, 0}}, {"max", {2, 3, 2}}}));
     EXPECT_EQ(facts["area"], 5 + 4 + 2);
+    EXPECT_EQ(facts["edges"], 9);
+    EXPECT_EQ(facts["boundary_edges"], 6);
+    EXPECT_EQ(facts["same_direction_edges"], json({{"count", 0}, {"places", json::array()}}));
+    EXPECT_EQ(facts["valence"], json({{"least", 2}, {"most", 3}}));
+    EXPECT_EQ(facts["euler_characteristic"], 1);
+    EXPECT_EQ(facts["components"], 1);
+    EXPECT_EQ(facts["genus"], nullptr);
     EXPECT_EQ(facts["values"], json({{"material_library", "house.mtl"}}));
     EXPECT_EQ(facts["warnings"], json::array());
     EXPECT_EQ(propertyNamed(facts, "texcoord"), json({{"name", "texcoord"},

@@ -44,6 +44,15 @@ TEST(Validate, GoodMeshesAndMereWarningsExitWithZero)
     EXPECT_EQ(repeated.exitCode, 0);
     EXPECT_EQ(repeated.json()["valid"], true);
     EXPECT_EQ(repeated.json()["problems"][0]["kind"], "repeated-corner");
+
+    const Outcome turned = run(
+        {"validate", folder.file("turned.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\nf 1 2 3\n")});
+    EXPECT_EQ(turned.exitCode, 0);
+    EXPECT_NE(turned.out.find("warning: 3 edges along which two faces run in one direction "
+                              "[same-direction]\n    edge 0-1: corner 0 of face 0 and corner 3 of "
+                              "face 1 run the same way\n"),
+              std::string::npos)
+        << turned.out;
 }
 
 TEST(Validate, OtherVerbsRefuseAMeshWithErrors)
