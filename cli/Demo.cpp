@@ -7,6 +7,7 @@
 #include <Tessary/Tessary.h>
 #include <meshio/DemoMesh.h>
 #include <meshio/OutputFile.h>
+#include <meshio/QuadMesh.h>
 #include <meshio/ReadFile.h>
 #include <meshio/TriangulateMesh.h>
 
@@ -74,6 +75,7 @@ struct Views {
     Pelon::Ptr<Array<uint>> faceOffset, faceVertex;
     Array<uint> triFaceOffset, triFaceVertex;
     Array<uint> dualFaceOffset, dualFaceVertex;
+    Array<uint> triEdges, adjacentTri;
 };
 
 std::string triangulateViews(const Object& mesh, Views& views)
@@ -132,6 +134,34 @@ std::string checkHalfEdges(const Views& views, std::size_t& wrong)
            std::to_string(wrong) + " wrong";
 }
 
+// On a closed mesh every edge has two half-edges, each of which names the other's triangle.
+std::string checkAdjacency(Views& views, std::size_t& wrong)
+{
+    Tessary::populateAdjacentTri(views.triFaceVertex, views.dualFaceOffset, views.dualFaceVertex,
+                                 views.adjacentTri);
+    std::size_t different = views.triEdges.size() == views.triFaceVertex.size() ? 0 : 1;
+    for (std::size_t e = 0; e + 1 < views.triEdges.size(); e += 2) {
+        const uint one = views.triEdges[e], other = views.triEdges[e + 1];
+        const bool agree = other != kNone && views.adjacentTri[one] == other / 3 &&
+                           views.adjacentTri[other] == one / 3;
+        different += agree ? 0 : 1;
+    }
+    wrong += different;
+    return std::to_string(views.adjacentTri.size()) + " neighbours, " + std::to_string(different) +
+           " other than in the edge table";
+}
+
+std::string quadsOfTriangles(const Object& mesh, const Views& views)
+{
+    const uint pointCount = getElementCount(mesh, sPointComp);
+    Array<uint> quadFaceVertex;
+    const uint end = Tessary::computeQuadMesh(views.triFaceVertex, views.triEdges,
+                                              Array<bool>(views.triFaceVertex.size()), pointCount,
+                                              quadFaceVertex);
+    return std::to_string(quadFaceVertex.size() / 4) + " quads, " +
+           std::to_string(end - pointCount) + " new points";
+}
+
 void runKernels(const Object& mesh, Steps& steps, std::size_t& wrong)
 {
     Views views;
@@ -139,6 +169,12 @@ void runKernels(const Object& mesh, Steps& steps, std::size_t& wrong)
     steps.run("constructDualMesh", [&] { return dualOfTriangles(mesh, views); });
     steps.run("addDual", [&] { return dualOfPolygons(mesh); });
     steps.run("half-edges", [&] { return checkHalfEdges(views, wrong); });
+    steps.run("computeTriEdges", [&] {
+        Tessary::computeTriEdges(views.triFaceVertex, views.triEdges);
+        return std::to_string(views.triEdges.size() / 2) + " edges";
+    });
+    steps.run("populateAdjacentTri", [&] { return checkAdjacency(views, wrong); });
+    steps.run("computeQuadMesh", [&] { return quadsOfTriangles(mesh, views); });
 }
 
 void write(const Object& mesh, const std::string& path, Session& session, Steps& steps)
@@ -172,7 +208,7 @@ ExitCode demo(const Options& options, Session& session)
     Steps steps(session);
     std::size_t wrong = 0;
 
-    Pelon::Ptr<Object> mesh, triangles;
+    Pelon::Ptr<Object> mesh, triangles, quads;
     steps.run("makeDemoMesh", [&] {
         mesh = MeshIo::makeDemoMesh(options.resolution);
         return countsText(*mesh);
@@ -184,10 +220,17 @@ ExitCode demo(const Options& options, Session& session)
         triangles = result.mesh;
         return countsText(*triangles) + "; " + joined(carriedNames(*triangles));
     });
+    steps.run("quads", [&] {
+        auto result = MeshIo::makeQuadMesh(*mesh, "demo", MeshIo::carriedPropertyNames(*mesh), {});
+        session.warn(result.warnings);
+        quads = result.mesh;
+        return countsText(*quads) + "; " + joined(carriedNames(*quads));
+    });
     write(*mesh, path("demo.obj"), session, steps);
     write(*mesh, path("demo.ply"), session, steps);
     write(*triangles, path("demo_triangles.obj"), session, steps);
     write(*triangles, path("demo_triangles.ply"), session, steps);
+    write(*quads, path("demo_quads.ply"), session, steps);
 
     session.finish(
         {{"verb", "demo"},

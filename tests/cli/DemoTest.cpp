@@ -19,9 +19,11 @@ TEST(Demo, RunsEveryKernelAndWritesFilesThatReadBack)
     std::vector<std::string> steps;
     for (const json& step : facts["steps"])
         steps.push_back(step["step"]);
-    EXPECT_EQ(steps, (std::vector<std::string>{
-                         "makeDemoMesh", "computeTriangulation", "constructDualMesh", "addDual",
-                         "half-edges", "triangulatePolyMesh", "write", "write", "write", "write"}));
+    EXPECT_EQ(steps,
+              (std::vector<std::string>{
+                  "makeDemoMesh", "computeTriangulation", "constructDualMesh", "addDual",
+                  "half-edges", "computeTriEdges", "populateAdjacentTri", "computeQuadMesh",
+                  "triangulatePolyMesh", "quads", "write", "write", "write", "write", "write"}));
 
     const auto infoOf = [&](const std::string& name) {
         return run({"info", demo + "/" + name, "--json", "--quiet"}).json();
@@ -34,6 +36,9 @@ TEST(Demo, RunsEveryKernelAndWritesFilesThatReadBack)
               polygons["corners"].get<int>() - 2 * polygons["faces"].get<int>());
     EXPECT_EQ(infoOf("demo.ply")["faces"], polygons["faces"]);
     EXPECT_EQ(infoOf("demo_triangles.ply")["faces"], triangles["faces"]);
+    const json quads = infoOf("demo_quads.ply");
+    EXPECT_EQ(quads["faces"], 3 * triangles["faces"].get<int>());
+    EXPECT_EQ(quads["genus"], polygons["genus"]);
 
     // A second run replaces its own files, and tells people where to look.
     const Outcome again = run({"demo", "--output", demo, "--resolution", "8"});
