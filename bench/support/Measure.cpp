@@ -1,53 +1,130 @@
 #include "support/Measure.h"
 
+#include "support/PeakMemory.h"
+#include "support/Program.h"
+#include "support/Timing.h"
+
+#include <tbb/global_control.h>
+
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
+#include <cmath>
 #include <cstring>
+#include <optional>
 #include <thread>
 #include <vector>
 
 namespace Bench {
 namespace {
 
-double secondsOf(const std::function<void()>& work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double secondsOf(const Contender& contender)
-{
-    contender.prepare();
-    const double seconds = secondsOf(contender.run);
-    contender.clear();
-    return seconds;
-}
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
 double measureCopyBandwidth()
 {
-    constexpr std::size_t kBytes = std::size_t{128} << 20;
+    constexpr std::size_t kBytes = std::size_t{256} << 20;
+    const std::size_t threadCount = std::max(1u, std::thread::hardware_concurrency());
     std::vector<char> from(kBytes, 1);
     std::vector<char> to(kBytes, 2);
-    const auto copyHalf = [&](std::size_t begin) {
-        std::memcpy(to.data() + begin, from.data() + begin, kBytes / 2);
+    const auto copyShare = [&](std::size_t share) {
+        const std::size_t begin = kBytes * share / threadCount;
+        const std::size_t end = kBytes * (share + 1) / threadCount;
+        std::memcpy(to.data() + begin, from.data() + begin, end - begin);
     };
     std::vector<double> seconds;
     for (int i = 0; i < 9; ++i)
         seconds.push_back(secondsOf([&] {
-            std::thread other(copyHalf, kBytes / 2);
-            copyHalf(0);
-            other.join();
+            std::vector<std::thread> others;
+            for (std::size_t share = 1; share < threadCount; ++share)
+                others.emplace_back(copyShare, share);
+            copyShare(0);
+            for (std::thread& other : others)
+                other.join();
         }));
-    return 2.0 * kBytes / median(seconds);
+    return 2.0 * kBytes / quantileOf(seconds, 0.5);
+}
+
+// The first run of a contender in a row: warms the caches up, tells the time for planning, and leaves
+// the output to be hashed.
+struct FirstRun {
+    double seconds = 0;
+    std::optional<std::uint64_t> hash;
+
+    explicit FirstRun(const Contender& contender)
+    {
+        if (contender.prepare)
+            contender.prepare();
+        seconds = secondsOf(contender.run);
+        if (contender.hash)
+            hash = contender.hash();
+        if (contender.clear)
+            contender.clear();
+    }
+};
+
+std::uint64_t peakOf(const Contender& contender)
+{
+    if (contender.release)
+        contender.release();
+    const std::uint64_t peak = peakMemoryOf([&] {
+        if (contender.prepare)
+            contender.prepare();
+        contender.run();
+    });
+    if (contender.clear)
+        contender.clear();
+    return peak;
+}
+
+// At least three samples, and an odd number of them, so that the median is one of them.
+std::size_t samplesFor(double secondsPerSample)
+{
+    constexpr double kMost = 1001;
+    const double fitting = programOptions().rowSeconds / std::max(secondsPerSample, 20e-6);
+    return static_cast<std::size_t>(std::clamp(std::ceil(fitting), 3.0, kMost)) | 1;
+}
+
+double megabytes(std::uint64_t bytes)
+{
+    return 1e-6 * static_cast<double>(bytes);
+}
+
+void reportTimes(benchmark::State& state, const Timings& timings, const std::string& prefix,
+                 const std::string& median)
+{
+    state.counters[median] = 1e3 * timings.quantile(0.5);
+    state.counters[prefix + "low_ms"] = 1e3 * timings.quantile(0.25);
+    state.counters[prefix + "high_ms"] = 1e3 * timings.quantile(0.75);
+}
+
+void reportWork(benchmark::State& state, const Work& work, double seconds)
+{
+    const auto elements = static_cast<double>(work.elements);
+    const auto bytes = static_cast<double>(work.bytes);
+    state.counters["elements"] = elements;
+    state.counters["per_s"] = elements / seconds;
+    if (work.bytes == 0)
+        return;
+    state.counters["GB_per_s"] = 1e-9 * bytes / seconds;
+    state.counters["x_copy"] = seconds / (bytes / copyBandwidth());
+}
+
+void reportPeak(benchmark::State& state, const Contender& kernel, std::uint64_t elements)
+{
+    const std::uint64_t peak = peakOf(kernel);
+    state.counters["peak_MB"] = megabytes(peak);
+    if (elements > 0)
+        state.counters["B_per_element"] = static_cast<double>(peak) / static_cast<double>(elements);
+}
+
+std::string labelOf(const Work& work, const Other* other, const FirstRun& first)
+{
+    std::string label = "unit=" + work.unit;
+    if (first.hash)
+        label += "; hash=" + hexOf(*first.hash);
+    if (other != nullptr)
+        label += "; other=" + other->name;
+    if (other != nullptr && !other->difference.empty())
+        label += "; difference=" + other->difference;
+    if (!work.note.empty())
+        label += "; note=" + work.note;
+    return label;
 }
 
 }  // namespace
@@ -56,6 +133,77 @@ double copyBandwidth()
 {
     static const double bandwidth = measureCopyBandwidth();
     return bandwidth;
+}
+
+void Row::measure(const Work& work, const Contender& kernel)
+{
+    measureBeside(work, kernel, nullptr);
+}
+
+void Row::compare(const Work& work, const Contender& kernel, const Other& other)
+{
+    measureBeside(work, kernel, &other);
+}
+
+void Row::measureBeside(const Work& work, const Contender& kernel, const Other* other)
+{
+    std::optional<tbb::global_control> limit;
+    if (m_name.threads > 0)
+        limit.emplace(tbb::global_control::max_allowed_parallelism, m_name.threads);
+    const FirstRun first(kernel);
+    m_state.SetLabel(labelOf(work, other, first));
+    if (first.hash && !checkHash(m_name, *first.hash))
+        return fail("the output's hash " + hexOf(*first.hash) + " is not the recorded one");
+    std::optional<FirstRun> othersFirst;
+    if (other != nullptr)
+        othersFirst.emplace(other->contender);
+    if (othersFirst && othersFirst->hash && othersFirst->hash != first.hash)
+        return fail("the output differs from that of " + other->name);
+
+    Timings ours(kernel, first.seconds);
+    std::optional<Timings> others;
+    if (other != nullptr)
+        others.emplace(other->contender, othersFirst->seconds);
+    const std::size_t samples =
+        samplesFor(first.seconds + (othersFirst ? othersFirst->seconds : 0));
+    for (auto _ : m_state) {
+        while (ours.count() < samples) {
+            if (others)
+                others->sample();
+            ours.sample();
+        }
+        m_state.SetIterationTime(ours.quantile(0.5));
+    }
+
+    const double median = ours.quantile(0.5);
+    reportTimes(m_state, ours, "", "median_ms");
+    m_state.counters["samples"] = static_cast<double>(samples);
+    m_state.counters["threads"] = m_name.threads > 0 ? m_name.threads : allThreads();
+    reportWork(m_state, work, median);
+    reportPeak(m_state, kernel, work.elements);
+    if (!others)
+        return;
+    reportTimes(m_state, *others, "other_", "other_ms");
+    m_state.counters["other_peak_MB"] = megabytes(peakOf(other->contender));
+    m_state.counters["ratio"] = median / others->quantile(0.5);
+}
+
+void Row::expectNear(const char* what, double ours, double others, double tolerance)
+{
+    if (!(std::fabs(ours - others) <= tolerance * std::fabs(ours)))
+        fail(std::string(what) + " differs: " + std::to_string(ours) + " here, " +
+             std::to_string(others) + " there");
+}
+
+void Row::figure(const char* name, double value)
+{
+    m_state.counters[name] = value;
+}
+
+void Row::fail(const std::string& message)
+{
+    noteFailure(m_name, message);
+    m_state.SkipWithError(message.c_str());
 }
 
 void compare(benchmark::State& state, const Contender& kernel, const Contender& reference,
@@ -68,31 +216,17 @@ void compare(benchmark::State& state, const Contender& kernel, const Contender& 
     std::vector<double> kernelSeconds;
     std::vector<double> referenceSeconds;
     for (auto _ : state) {
-        referenceSeconds.push_back(secondsOf(reference));
-        kernelSeconds.push_back(secondsOf(kernel));
+        referenceSeconds.push_back(secondsOfRun(reference));
+        kernelSeconds.push_back(secondsOfRun(kernel));
         state.SetIterationTime(kernelSeconds.back());
     }
-    const double kernelMedian = median(kernelSeconds);
-    const double referenceMedian = median(referenceSeconds);
+    const double kernelMedian = quantileOf(kernelSeconds, 0.5);
+    const double referenceMedian = quantileOf(referenceSeconds, 0.5);
     state.counters["median_ms"] = 1e3 * kernelMedian;
-    state.counters["ref_ms"] = 1e3 * referenceMedian;
+    state.counters["other_ms"] = 1e3 * referenceMedian;
     state.counters["ratio"] = kernelMedian / referenceMedian;
     state.counters["x_copy"] = kernelMedian / (static_cast<double>(bytes) / copyBandwidth());
-    char hash[32];
-    std::snprintf(hash, sizeof hash, "%016llx", static_cast<unsigned long long>(kernelHash));
-    state.SetLabel(hash);
-}
-
-int run(int argc, char** argv)
-{
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 2;
-    std::printf("copy bandwidth, two threads, touched memory: %.1f GB/s read + written\n",
-                copyBandwidth() * 1e-9);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    state.SetLabel("hash=" + hexOf(kernelHash));
 }
 
 }  // namespace Bench

@@ -4,30 +4,103 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 namespace Bench {
 
-/// Bytes per second, read plus written, at which two threads copy arrays larger than the caches
-/// into memory that was touched before. Measured once per run.
+/// Bytes per second, read plus written, at which all threads together copy arrays larger than the
+/// caches into memory that was touched before. Measured once per run.
 double copyBandwidth();
 
-/// One way to do a job. `prepare` and `clear` run before and after each run and are not timed.
+/// One way to do a job. Only `run` is timed; `prepare` and `clear` run before and after each run.
+/// A contender without these two is run many times between two looks at the clock where it is short.
 struct Contender {
     std::function<void()> run;
-    std::function<void()> prepare = [] {};
-    std::function<void()> clear = [] {};
+    std::function<void()> prepare = nullptr;
+    std::function<void()> clear = nullptr;
+    std::function<std::uint64_t()> hash = nullptr;  ///< of the output, asked after a run
+    /// Gives the output's storage back, so that peak memory counts the output as well. `prepare`
+    /// must then be able to make it anew.
+    std::function<void()> release = nullptr;
 };
 
-/// Times `kernel` and `reference` in turn and reports the kernel's time together with
-///   ref_ms     the reference's time
-///   ratio      kernel time / reference time
-///   x_copy     kernel time / time in which `bytes` could be copied
-/// all from medians, and the hash of the kernel's output, which must equal the reference's: the run
-/// fails otherwise.
+/// Another way to do a kernel's job: a plain loop, or another library.
+struct Other {
+    std::string name;        ///< "plain loop", "CGAL Surface_mesh"
+    Contender contender;     ///< where it has a hash, it must be the kernel's
+    std::string difference;  ///< how its work differs: "builds a whole mesh"; empty if it does not
+};
+
+/// What a row's job consists of.
+struct Work {
+    std::uint64_t elements = 0;    ///< triangles, polygons, points: what `unit` says
+    std::string unit = "element";  ///< in the singular
+    std::uint64_t bytes = 0;  ///< that have to be read and written at least once; 0: not stated
+    std::string note;         ///< one more thing that the reader must know
+};
+
+/// Names a row: kernel/input/size, then threads:N and beside:OTHER where they are given. No part may
+/// contain a slash.
+struct RowName {
+    std::string kernel;  ///< the exported function
+    std::string input;   ///< "torus random"
+    std::uint64_t size = 0;
+    int threads = 0;  ///< 0: as many as the machine has
+    std::string beside;
+};
+
+/// A row while it is measured. Call measure() or compare() once.
+class Row {
+public:
+    Row(const RowName& name, benchmark::State& state) : m_name(name), m_state(state) {}
+
+    std::uint64_t size() const { return m_name.size; }
+
+    /// Times the kernel and reports
+    ///   median_ms, low_ms, high_ms   time: median and quartiles
+    ///   elements, per_s              the work's elements, and how many a second
+    ///   GB_per_s, x_copy             the work's bytes a second; time / time of copying so many
+    ///   peak_MB, B_per_element       peak memory of a call (see PeakMemory.h), with its output
+    ///   threads
+    /// and the hash, which must be the recorded one of this kernel, input and size.
+    void measure(const Work& work, const Contender& kernel);
+
+    /// The same beside another way, both in turn, with
+    ///   other_ms, other_low_ms, other_high_ms, other_peak_MB
+    ///   ratio                        kernel time / other's time
+    void compare(const Work& work, const Contender& kernel, const Other& other);
+
+    /// Fails the row unless the two agree up to `tolerance`, relative to ours. Call it before or
+    /// after measuring, for outputs that can be compared but have no common hash.
+    void expectNear(const char* what, double ours, double others, double tolerance = 0);
+
+    /// One more figure, under a name of its own.
+    void figure(const char* name, double value);
+
+    void fail(const std::string& message);
+
+private:
+    void measureBeside(const Work& work, const Contender& kernel, const Other* other);
+
+    const RowName& m_name;
+    benchmark::State& m_state;
+};
+
+/// Adds a row to the program. `fill` calls Row::measure or Row::compare; inputs are best made inside
+/// it, as rows may be filtered out. Rows run in the order in which they are added.
+void addRow(RowName name, std::function<void(Row&)> fill);
+
+/// The program: measures the rows that its arguments choose. Beside Google Benchmark's own:
+///   --record         store the hashes of these rows as the right ones
+///   --hashes=FILE    keep them in this file instead of bench/hashes.txt
+///   --min-size=N     leave out rows of a smaller size
+///   --max-size=N     leave out rows of a larger size (default 8000000)
+///   --row-seconds=S  measure each row for about S seconds (default 0.25), but at least three times
+/// Returns 1 if a row failed: a hash is not the recorded one, or outputs differ.
+int run(int argc, char** argv);
+
+/// The older form: times `kernel` and `reference` in turn. New rows are added with addRow().
 void compare(benchmark::State& state, const Contender& kernel, const Contender& reference,
              std::uint64_t bytes, std::uint64_t kernelHash, std::uint64_t referenceHash);
-
-/// The program: prints the machine's copy bandwidth, then runs the benchmarks.
-int run(int argc, char** argv);
 
 }  // namespace Bench

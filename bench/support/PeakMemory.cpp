@@ -1,0 +1,49 @@
+#include "support/PeakMemory.h"
+
+#include <fstream>
+#include <string>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
+namespace Bench {
+namespace {
+
+// A line "VmHWM:   1234 kB" of the process's status; 0 where there is none.
+std::uint64_t statusBytes(const std::string& field)
+{
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    while (status >> word)
+        if (word == field + ":") {
+            std::uint64_t kilobytes = 0;
+            status >> kilobytes;
+            return kilobytes * 1024;
+        }
+    return 0;
+}
+
+// Makes the present size the largest so far.
+bool resetPeak()
+{
+    std::ofstream refs("/proc/self/clear_refs");
+    refs << "5" << std::flush;
+    return refs.good();
+}
+
+}  // namespace
+
+std::uint64_t peakMemoryOf(const std::function<void()>& work)
+{
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
+    const bool known = resetPeak();
+    const std::uint64_t before = statusBytes("VmRSS");
+    work();
+    const std::uint64_t peak = statusBytes("VmHWM");
+    return known && peak > before ? peak - before : 0;
+}
+
+}  // namespace Bench

@@ -1,0 +1,179 @@
+#include "support/Program.h"
+
+#include <oneapi/tbb/info.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace Bench {
+namespace {
+
+struct RowToRun {
+    RowName name;
+    std::function<void(Row&)> fill;
+};
+
+struct Program {
+    ProgramOptions options;
+    std::vector<RowToRun> rows;
+    std::set<std::string> rowsWithoutHash;
+    std::vector<std::string> failures;
+    Hashes hashes{""};
+};
+
+Program& program()
+{
+    static Program instance;
+    return instance;
+}
+
+// Outputs depend neither on threads nor on what runs beside the kernel.
+std::string hashName(const RowName& name)
+{
+    return name.kernel + "/" + name.input + "/" + std::to_string(name.size);
+}
+
+std::string fullName(const RowName& name)
+{
+    return hashName(name) + (name.threads > 0 ? "/threads:" + std::to_string(name.threads) : "") +
+           (name.beside.empty() ? "" : "/beside:" + name.beside);
+}
+
+// The value of "--name=value", or null.
+const char* valueOf(const char* argument, const char* name)
+{
+    const std::size_t length = std::strlen(name);
+    return std::strncmp(argument, name, length) == 0 && argument[length] == '='
+               ? argument + length + 1
+               : nullptr;
+}
+
+bool takeOption(const char* argument, ProgramOptions& options)
+{
+    const auto sizeOf = [](const char* text) { return std::strtoull(text, nullptr, 10); };
+    if (std::strcmp(argument, "--record") == 0)
+        options.record = true;
+    else if (const char* const file = valueOf(argument, "--hashes"))
+        options.hashes = file;
+    else if (const char* const smallest = valueOf(argument, "--min-size"))
+        options.minSize = sizeOf(smallest);
+    else if (const char* const largest = valueOf(argument, "--max-size"))
+        options.maxSize = sizeOf(largest);
+    else if (const char* const seconds = valueOf(argument, "--row-seconds"))
+        options.rowSeconds = std::strtod(seconds, nullptr);
+    else
+        return false;
+    return true;
+}
+
+void takeOptions(int& argc, char** argv, ProgramOptions& options)
+{
+    int kept = 1;
+    for (int i = 1; i < argc; ++i)
+        if (!takeOption(argv[i], options))
+            argv[kept++] = argv[i];
+    argc = kept;
+}
+
+void registerRows(const Program& all)
+{
+    for (const RowToRun& row : all.rows) {
+        if (row.name.size < all.options.minSize || row.name.size > all.options.maxSize)
+            continue;
+        // One iteration: how often to repeat is decided inside it.
+        benchmark::RegisterBenchmark(fullName(row.name).c_str(),
+                                     [&row](benchmark::State& state) {
+                                         Row running(row.name, state);
+                                         row.fill(running);
+                                     })
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond)
+            ->Iterations(1);
+    }
+}
+
+void describeRun()
+{
+    const double bandwidth = copyBandwidth();
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f", bandwidth * 1e-9);
+    benchmark::AddCustomContext("copy_GB_per_s", text);
+    benchmark::AddCustomContext("compiler", __VERSION__);
+    benchmark::AddCustomContext("threads", std::to_string(allThreads()));
+    std::fprintf(stderr, "copy bandwidth, all threads, touched memory: %s GB/s read + written\n",
+                 text);
+}
+
+int finish(const Program& all)
+{
+    if (all.options.record)
+        all.hashes.save();
+    for (const std::string& name : all.rowsWithoutHash)
+        std::fprintf(stderr, "%s: no hash is recorded; --record stores one\n", name.c_str());
+    for (const std::string& failure : all.failures)
+        std::fprintf(stderr, "%s\n", failure.c_str());
+    return all.failures.empty() ? 0 : 1;
+}
+
+}  // namespace
+
+const ProgramOptions& programOptions()
+{
+    return program().options;
+}
+
+bool checkHash(const RowName& name, std::uint64_t hash)
+{
+    Program& all = program();
+    if (all.options.record) {
+        all.hashes.record(hashName(name), hash);
+        return true;
+    }
+    const Hashes::Verdict verdict = all.hashes.verdict(hashName(name), hash);
+    if (verdict == Hashes::Verdict::Missing)
+        all.rowsWithoutHash.insert(hashName(name));
+    return verdict != Hashes::Verdict::Wrong;
+}
+
+void noteFailure(const RowName& name, const std::string& message)
+{
+    program().failures.push_back(fullName(name) + ": " + message);
+}
+
+int allThreads()
+{
+    return oneapi::tbb::info::default_concurrency();
+}
+
+void addRow(RowName name, std::function<void(Row&)> fill)
+{
+    program().rows.push_back({std::move(name), std::move(fill)});
+}
+
+int run(int argc, char** argv)
+{
+    Program& all = program();
+    all.options.hashes = BENCH_HASHES;
+    takeOptions(argc, argv, all.options);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 2;
+    try {
+        all.hashes = Hashes(all.options.hashes);
+        registerRows(all);
+        describeRun();
+        benchmark::RunSpecifiedBenchmarks();
+        benchmark::Shutdown();
+        return finish(all);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 2;
+    }
+}
+
+}  // namespace Bench
