@@ -51,4 +51,8 @@ void parallelForEach(uint count, LoopContext context, const Body& body)
     });
 }
 
+/// The sum over a fixed tree, the same for any number of threads: a range [b, e) of more than one
+/// value is the sum of [b, m) plus that of [m, e), m = b + (e - b) / 2. Never polled; 0 of no values.
+float treeSum(const float* values, uint count);
+
 }  // namespace Tessary

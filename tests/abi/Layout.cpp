@@ -35,3 +35,16 @@ static_assert(offsetof(Tessary::Multicollider, pairLambdas) == 6 * kArray);
 static_assert(offsetof(Tessary::Multicollider, fallbackDisplacement) == 7 * kArray);
 static_assert(offsetof(Tessary::Multicollider, tolerance) == 7 * kArray + 12);
 static_assert(offsetof(Tessary::Multicollider, maxIterations) == 7 * kArray + 16);
+
+using Tessary::LocalPosition;
+using Tessary::PointBins;
+
+static_assert(sizeof(LocalPosition) == 36 && alignof(LocalPosition) == 4);
+static_assert(offsetof(LocalPosition, index) == 0 && offsetof(LocalPosition, segment) == 4);
+static_assert(offsetof(LocalPosition, local) == 8);
+static_assert(offsetof(LocalPosition, cell) == 20);
+static_assert(offsetof(LocalPosition, tag) == 32);
+static_assert(offsetof(PointBins, points) == sizeof(void*));
+static_assert(offsetof(PointBins, binOffsets) == sizeof(void*) + sizeof(PointBins::Points));
+static_assert(offsetof(PointBins, binCells) == offsetof(PointBins, binOffsets) + kArray);
+static_assert(offsetof(PointBins, cellToBin) == offsetof(PointBins, binCells) + kArray);

@@ -1,0 +1,189 @@
+#pragma once
+
+#include <Korvane/Math.h>
+#include <Korvane/Object.h>
+#include <Pelon/Array.h>
+#include <Pelon/RuntimeServices.h>
+#include <Tessary/Api.h>
+
+#include <tbb/blocked_range.h>
+#include <tbb/cache_aligned_allocator.h>
+#include <tbb/concurrent_unordered_map.h>
+#include <tbb/concurrent_vector.h>
+#include <tbb/parallel_scan.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+namespace Tessary {
+
+/// A point filed in a cell of a uniform grid whose cells are 1 wide, once the point is scaled.
+struct LocalPosition {
+    uint index;                   ///< of the point in its array
+    uint segment;                 ///< of the array among the caller's arrays
+    Korvane::Math::float3 local;  ///< the scaled point minus its cell
+    Korvane::Math::uint3 cell;    ///< three signed integers in two's complement
+    uint tag = 0x8000;            ///< for the caller
+
+    /// Orders points by array, then by place in the array.
+    std::uint64_t id() const { return std::uint64_t{segment} << 32 | index; }
+};
+
+/// The hash of a cell, for PointBins::cellToBin.
+struct CellHash {
+    std::size_t operator()(const Korvane::Math::uint3& cell) const noexcept
+    {
+        constexpr std::uint64_t K = 0x9E3779B97F4A7C15;
+        const std::uint64_t x = extended(cell.x);
+        const std::uint64_t y = extended(cell.y);
+        const std::uint64_t z = extended(cell.z);
+        return static_cast<std::size_t>((x * K) ^ (((z * K) ^ (y * K)) * K));
+    }
+
+private:
+    static std::uint64_t extended(uint component)
+    {
+        return static_cast<std::uint64_t>(std::int64_t{static_cast<std::int32_t>(component)});
+    }
+};
+
+/// Points sorted by the cell of a uniform grid, with one bin per cell that holds a point.
+///
+/// To use it: fill `points`, call sortDedup(), and fill `cellToBin` if cells are to be looked up.
+struct PointBins {
+    using Points =
+        tbb::concurrent_vector<LocalPosition, tbb::cache_aligned_allocator<LocalPosition>>;
+    using CellToBin = tbb::concurrent_unordered_map<Korvane::Math::uint3, uint, CellHash>;
+
+    void* userData = nullptr;  ///< for the caller
+    Points points;
+    Pelon::Array<uint>
+        binOffsets;  ///< bin b has points[binOffsets[b]] up to points[binOffsets[b + 1]]
+    Pelon::Array<Korvane::Math::uint3> binCells;  ///< the cell of each bin
+    CellToBin cellToBin;                          ///< the bin of each cell, kept by the caller
+
+    /// Sorts `points` by cell and lists the cells that occur.
+    ///
+    /// in     points      cells compare as signed, x before y before z
+    /// out    points      by cell, then by id(); points of one cell with the same id in any order
+    /// out    binCells    every cell once, strictly ascending
+    /// out    binOffsets  one entry more than binCells, the last one the number of points; but no
+    ///                    entry at all where there are no bins
+    /// not    the cell of three times -2147483648: where it occurs, its points come first and
+    ///        belong to no bin, so binOffsets[0] is their number
+    /// cost   O(n log n) time, parallel; allocates nothing but the two lists; never polls for
+    ///        cancellation. Nobody else may use the bins meanwhile
+    TESSARY_API void sortDedup();
+};
+
+/// Body of a parallel scan that lists each run of equal keys in a sequence once, in order.
+///
+/// `KeyOf` maps an index to its key, three 32-bit words. `Emit` is called as emit(n, key, i) for the
+/// n-th run, which has this key and begins at index i; runs are emitted once each, concurrently. What
+/// precedes index 0 counts as the key of three times 0x80000000, so that a sequence which begins with
+/// that key opens no run. count() is the number of runs once the scan is over.
+template <class Key, class Index, class KeyOf, class Emit>
+class DedupBody {
+public:
+    using Range = tbb::blocked_range<Index>;
+
+    DedupBody(KeyOf keyOf, Emit emit) : m_keyOf(std::move(keyOf)), m_emit(std::move(emit)) {}
+    DedupBody(DedupBody& other, tbb::split) : m_keyOf(other.m_keyOf), m_emit(other.m_emit) {}
+
+    void operator()(const Range& range, tbb::pre_scan_tag)
+    {
+        visit(range, [](Index, const Key&, Index) {});
+    }
+    void operator()(const Range& range, tbb::final_scan_tag) { visit(range, m_emit); }
+
+    void reverse_join(DedupBody& left) { m_count += left.m_count; }
+    void assign(DedupBody& other)
+    {
+        m_previous = other.m_previous;
+        m_count = other.m_count;
+    }
+
+    Index count() const { return m_count; }
+
+private:
+    static constexpr Key kBeforeFirst{0x80000000u, 0x80000000u, 0x80000000u};
+
+    template <class Visit>
+    void visit(const Range& range, const Visit& visitRun)
+    {
+        m_previous = range.begin() > 0 ? m_keyOf(range.begin() - 1) : kBeforeFirst;
+        for (Index i = range.begin(); i != range.end(); ++i) {
+            const Key key = m_keyOf(i);
+            if (key == m_previous)
+                continue;
+            m_previous = key;
+            visitRun(m_count++, key, i);
+        }
+    }
+
+    KeyOf m_keyOf;
+    Emit m_emit;
+    Key m_previous = kBeforeFirst;
+    Index m_count = 0;
+};
+
+/// The key of a sequence of points: the cell.
+struct CellOfPoint {
+    const PointBins::Points* points;
+    const Korvane::Math::uint3& operator()(uint i) const { return (*points)[i].cell; }
+};
+
+/// Writes the key of each run.
+struct EmitCell {
+    Korvane::Math::uint3* cells;
+    void operator()(uint n, const Korvane::Math::uint3& cell, uint) const { cells[n] = cell; }
+};
+
+/// Writes the key of each run, and where it begins.
+struct EmitCellAndOffset {
+    Korvane::Math::uint3* cells;
+    uint* offsets;
+    void operator()(uint n, const Korvane::Math::uint3& cell, uint begin) const
+    {
+        cells[n] = cell;
+        offsets[n] = begin;
+    }
+};
+
+extern template class TESSARY_API
+    DedupBody<Korvane::Math::uint3, unsigned int, CellOfPoint, EmitCell>;
+extern template class TESSARY_API
+    DedupBody<Korvane::Math::uint3, unsigned int, CellOfPoint, EmitCellAndOffset>;
+
+/// Scatters points over the surface of a triangle mesh so that no two are closer than a distance.
+///
+/// Candidates are drawn uniformly over the area, five for each disk of half that distance; each one,
+/// in the order of drawing, that has been kept so far removes the later ones within the distance.
+/// Distances are measured in cells of that width, so they hold up to rounding.
+///
+/// in     min_distance  in the mesh's units
+/// in     seed          of every random decision: same mesh, distance and seed, same bits, on any
+///                      machine, for any number of threads
+/// in     mesh          a triangle mesh: point positions, corners, and a face component of as many
+///                      faces as there are triangles. Face offsets are not read, indices not checked
+/// out    out           becomes a point cloud of S samples, grouped by triangle, in the order of
+///                      drawing within one. It has the component "sample_component" of S elements with
+///                      the properties "weight" (3 S floats: the weights of the triangle's corners,
+///                      in order) and "face_id" (S triangle indices), and for the faces
+///                      "face_sample_offset" (one entry more than there are faces): the samples of
+///                      face f are those from entry f up to entry f + 1. Other properties stay
+/// fails  where the distance is not above zero, positions or corners are missing, or the corners are
+///        not three per face: one error to `services`, if not null, and `out` stays as it is. A mesh
+///        without points: the same without an error. A cancelled job throws std::runtime_error with
+///        the host's text and leaves `out` as it is; so does what memory cannot hold (std::bad_alloc)
+/// note   the candidate drawn first is always kept, removes others, and is then left out. The
+///        number of candidates is taken modulo 2^32, and is 0 where the area or the area over the
+///        distance's square overflows. At distances up to 1.1754944e-38 nothing is removed
+/// cost   O(triangles + candidates), parallel, at most 120 bytes per candidate; polls for
+///        cancellation after each phase
+TESSARY_API void poissonSampleTriMesh(float min_distance, unsigned int seed,
+                                      const Korvane::Object& mesh, Korvane::Object& out,
+                                      const Pelon::RuntimeServices* services);
+
+}  // namespace Tessary
