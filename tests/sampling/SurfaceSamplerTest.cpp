@@ -1,0 +1,80 @@
+#include "sampling/AliasTable.h"
+#include "sampling/Elimination.h"
+#include "sampling/SamplingCases.h"
+#include "support/Threads.h"
+
+#include <limits>
+
+using namespace TestSupport;
+
+namespace {
+
+// Points on a grid, so that many are the same or just one cell apart, or anywhere; some far away or
+// nowhere.
+Array<float3> randomCloud(std::uint32_t seed, uint count)
+{
+    std::mt19937 random(seed);
+    const auto coordinate = [&random, seed] {
+        if (seed % 3 == 2 && random() % 16 == 0) {
+            constexpr float kOdd[] = {-0x1p31f, 0x1p31f, 3e38f, -HUGE_VALF, NAN, 8388609, 8388611};
+            return kOdd[random() % std::size(kOdd)];
+        }
+        const float unit = randomCoordinate(random);
+        return seed % 2 == 0 ? std::floor(unit * 6) / 2 : unit * 4;
+    };
+    Array<float3> points(count);
+    for (float3& p : points)
+        for (float* const c : {&p.x, &p.y, &p.z})
+            *c = coordinate();
+    return points;
+}
+
+TEST(Elimination, EqualsTheLiteralWalkOnAnyPointsWithAndWithoutFixedOnes)
+{
+    for (std::uint32_t seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        const float distance = seed % 5 == 4 ? 0.75f : 1;
+        const Array<float3> points = randomCloud(seed, seed < 3 ? seed : 50 * (seed % 12));
+        const Array<float3> fixed = randomCloud(seed + 1000, seed % 7);
+        const auto withFixed = LiteralSampling::reject(points, distance, fixed);
+        const auto without = LiteralSampling::reject(points, distance);
+        atSeveralThreadCounts([&](int threads) {
+            SCOPED_TRACE(threads);
+            EXPECT_EQ(Tessary::eliminate(points, distance, &fixed), withFixed);
+            EXPECT_EQ(Tessary::eliminate(points, distance), without);
+        });
+    }
+}
+
+TEST(AliasTable, EqualsTheLiteralTable)
+{
+    for (std::uint32_t seed = 0; seed < 100; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        Array<float> areas(1 + random() % 70);
+        for (float& area : areas)
+            area = std::fabs(std::pow(randomCoordinate(random), static_cast<float>(seed % 9)));
+        const float total = LiteralSampling::totalArea(areas);
+        const auto expected = LiteralSampling::aliasTable(areas, total);
+        const Tessary::AliasTable table = Tessary::makeAliasTable(areas, total);
+        EXPECT_EQ(table.alias, expected.alias);
+        EXPECT_EQ(table.threshold, expected.threshold);
+        EXPECT_EQ(table.mask, expected.alias.size() - 1);
+    }
+}
+
+// Rounding may leave no triangle that could give a share to the slots beyond the last one.
+TEST(AliasTable, NoSlotStandsForATriangleBeyondTheLast)
+{
+    const Array<float> areas{1, 2, 3, 4, 5};
+    for (const float total : {15.0f, 16.0f, 30.0f, 1e9f, 1.0f}) {
+        const Tessary::AliasTable table = Tessary::makeAliasTable(areas, total);
+        ASSERT_EQ(table.alias.size(), 8u);
+        for (uint slot = 0; slot < 8; ++slot)
+            EXPECT_LT(table.alias[slot], 5u) << total;
+        for (uint slot = 5; slot < 8; ++slot)
+            EXPECT_EQ(table.threshold[slot], 0u) << total;
+    }
+}
+
+}  // namespace
