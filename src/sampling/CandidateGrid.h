@@ -1,0 +1,105 @@
+#pragma once
+
+#include "host/Host.h"
+#include "sampling/GridPlace.h"
+#include "sampling/SlabSorter.h"
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace Tessary {
+
+/// Candidates sorted by the cells of a uniform grid, and the neighbours of every cell that holds one.
+///
+/// The cells of one slot a are a slab, those of it with one slot b a row, sorted by slot c, that of z.
+/// The axes a and b are x and y, or exchanged where y spreads farther. The candidates of a cell and of
+/// its two neighbours along c are thus contiguous: a run. Left out are candidates that can be near to
+/// nobody: those with a coordinate that is not finite, and those out of range along all axes, whose
+/// cell is no bin.
+class CandidateGrid {
+public:
+    using Key = std::uint64_t;  // slots b and c
+
+    static constexpr uint kRows = 9;
+    static constexpr uint kPadding = 3;  // elements that may be read past the last candidate
+
+    /// The bins of a cell's neighbourhood in row 3 (1 + slots along a) + (1 + slots along b): as many
+    /// as count() says, from firstBin.
+    struct Neighbours {
+        uint firstBin[kRows];
+        uint counts;  // two bits per row
+
+        uint count(uint row) const { return counts >> 2 * row & 3; }
+        void set(uint row, uint first, uint count)
+        {
+            firstBin[row] = first;
+            counts |= count << 2 * row;
+        }
+    };
+
+    struct Place {
+        GridPlace a, b, c;
+        bool isNearNobody() const;
+    };
+
+    CandidateGrid(const Array<float3>& positions, float scale);
+
+    uint binCount() const { return m_firstBin.back(); }
+    const Neighbours& neighbours(uint bin) const { return m_neighbours[bin]; }
+
+    /// The candidates of bin `bin` are those from begin(bin) up to begin(bin + 1), ids ascending.
+    uint begin(uint bin) const { return m_binBegin[bin]; }
+
+    // Per candidate: the offsets from its cell, its slot, and what orders as ids do.
+    const float* localA() const { return m_local[0].data(); }
+    const float* localB() const { return m_local[1].data(); }
+    const float* localC() const { return m_local[2].data(); }
+    const std::int32_t* slotC() const { return m_slotC.data(); }
+    const std::int32_t* rank() const { return m_rank.data(); }
+    uint id(std::size_t candidate) const { return static_cast<uint>(m_rank[candidate]) ^ kSign; }
+    std::size_t candidateCount() const { return m_slabBegin.back(); }
+
+    /// Per id 1, or 0 where it was left out; handed over.
+    Array<unsigned char> takeFiled() { return std::move(m_filed); }
+
+    /// Where any point lies, and the bins around it, found by search.
+    Place place(const float3& p) const;
+    Neighbours neighboursOf(const Place& place) const;
+
+private:
+    static constexpr uint kSign = 0x80000000;
+
+    void chooseSlabs();
+    void setSlabs(std::int32_t lowest, std::int32_t highest);
+    std::size_t slabFrom(std::int64_t slot) const;
+    bool isSlab(std::size_t slab, std::int64_t slot) const;
+    template <class Visit>
+    void forEachFiled(std::size_t begin, std::size_t end, const Visit& visit) const;
+    void fileIntoSlabs();
+    void sortSlabs();
+    void collect(uint slab, std::vector<SlabSorter::Item>& items) const;
+    uint store(uint slab, const std::vector<SlabSorter::Item>& items, Key* keys, uint* begins);
+    void linkRow(uint slab, std::size_t other, uint row);
+    void linkNeighbours();
+
+    const Array<float3>& m_positions;
+    float m_scale;
+    float float3::*m_axisA = &float3::x;
+    float float3::*m_axisB = &float3::y;
+    bool m_leavesOut = false;
+
+    std::vector<std::int32_t> m_slotOfSlab;  // ascending
+    std::vector<uint> m_slabBegin;           // per slab its first candidate, and the end
+    std::vector<uint> m_firstBin;            // per slab its first bin, and the end
+    Array<unsigned char> m_filed;
+    Array<uint> m_order;  // ids by slab
+    Array<float> m_local[3];
+    Array<std::int32_t> m_slotC;
+    Array<std::int32_t> m_rank;
+    Array<Key> m_binKey;
+    Array<uint> m_binBegin;
+    Array<Neighbours> m_neighbours;
+};
+
+}  // namespace Tessary

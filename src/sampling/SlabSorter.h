@@ -1,0 +1,31 @@
+#pragma once
+
+#include "host/Host.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace Tessary {
+
+/// Sorts the candidates of a slab of the grid by key. Keys that are equal keep their order, which must be
+/// that of the ids. The buffers are reused from slab to slab.
+class SlabSorter {
+public:
+    struct Item {
+        std::uint64_t key;
+        uint id;
+    };
+
+    std::vector<Item> items;
+
+    void sort();
+
+private:
+    void sortByHalf(uint shift);
+    void sortByDigit(uint shift, uint lowest, uint digitShift, uint digitBits);
+
+    std::vector<Item> m_sorted;
+    std::vector<uint> m_cursors;
+};
+
+}  // namespace Tessary
