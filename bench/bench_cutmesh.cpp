@@ -1,14 +1,17 @@
 // Properties onto a cut mesh: direct ones against plain loops on two threads, an indexed one against
 // the plain sequential walk that looks for each neighbour in its point's list.
 
+#include "support/FileMeshes.h"
 #include "support/Inputs.h"
 #include "support/Measure.h"
 
 #include <Korvane/Geometry.h>
 #include <Tessary/Tessary.h>
 
+#include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 
 using namespace Bench;
 using namespace Korvane::Geometry;
@@ -34,10 +37,11 @@ struct Input {
     std::size_t triangles() const { return mesh.triangleCount(); }
 };
 
-Input inputOf(const Triangles& mesh)
+Input inputOf(Triangles triangles)
 {
     Input in;
-    in.mesh = mesh;
+    in.mesh = std::move(triangles);
+    const Triangles& mesh = in.mesh;
     for (uint t = 0; t <= in.triangles(); ++t)
         in.faceOffset.push_back(3 * t);
     Array<uint> edges, quads;
@@ -78,13 +82,16 @@ MutablePtr<Object> emptyTarget(const Input& in)
 }
 
 // Makes and drops the target outside the time that is taken.
-Contender kernelOn(const Input& in, const MutablePtr<Object>& source, MutablePtr<Object>& target)
+Contender kernelOn(const Input& in, const Object& source, MutablePtr<Object>& target)
 {
-    return {[&in, source, &target] {
-                Tessary::interpolatePropertiesToCutMesh(*source, in.triangleWeights, in.edgeWeights,
-                                                        *in.triMesh, in.ids, in.origins, *target);
-            },
-            [&in, &target] { target = emptyTarget(in); }, [&target] { target = nullptr; }};
+    Contender kernel;
+    kernel.run = [&in, &source, &target] {
+        Tessary::interpolatePropertiesToCutMesh(source, in.triangleWeights, in.edgeWeights,
+                                                *in.triMesh, in.ids, in.origins, *target);
+    };
+    kernel.prepare = [&in, &target] { target = emptyTarget(in); };
+    kernel.clear = [&target] { target = nullptr; };
+    return kernel;
 }
 
 float2 between(float t, float2 a, float2 b)
@@ -151,7 +158,13 @@ void directHalf(const Input& in, Direct& out, std::size_t half)
     }
 }
 
-void direct(benchmark::State& state, const Input& in)
+std::uint64_t hashOfDirect(const Array<float3>& normals, const Array<int>& id,
+                           const Array<float2>& uv)
+{
+    return hashOf(normals, hashOf(id, hashOf(uv)));
+}
+
+void direct(Row& row, const Input& in)
 {
     const MutablePtr<Object> source =
         makeMesh(in.normals, in.faceOffset, in.mesh.faceVertex);  // positions are not looked at
@@ -160,27 +173,26 @@ void direct(benchmark::State& state, const Input& in)
     addDataGeoProperty<int>(*source, "id", sFaceComp, makeMutable<Array<int>>(in.id));
     addDataGeoProperty<float2>(*source, "uv", sFaceVertexComp, makeMutable<Array<float2>>(in.uv));
     MutablePtr<Object> target;
-    Direct out;
+    Contender kernel = kernelOn(in, *source, target);
+    kernel.hash = [&] {
+        return hashOfDirect(*dataArray<float3>(*target, "normal"), *dataArray<int>(*target, "id"),
+                            *dataArray<float2>(*target, "uv"));
+    };
     const std::size_t n = in.ids.size(), t = in.triangles();
-    const Contender reference{
-        [&] {
-            out = {Array<float3>(n), Array<int>(3 * t), Array<float2>(12 * t)};
-            std::thread other([&] { directHalf(in, out, 1); });
-            directHalf(in, out, 0);
-            other.join();
-        },
-        [] {}, [&] { out = {}; }};
-    const Contender kernel = kernelOn(in, source, target);
-    kernel.prepare();
-    kernel.run();
-    reference.run();
+    Direct out;
+    Contender loop;
+    loop.run = [&] {
+        out = {Array<float3>(n), Array<int>(3 * t), Array<float2>(12 * t)};
+        std::thread other([&] { directHalf(in, out, 1); });
+        directHalf(in, out, 0);
+        other.join();
+    };
+    loop.clear = [&] { out = {}; };
+    loop.hash = [&] { return hashOfDirect(out.normals, out.id, out.uv); };
     const std::uint64_t bytes = (8 * n + 12 * t + 24 * t + 12 * in.mesh.pointCount + 12 * n) +
                                 (4 * t + 4 * t + 12 * t) + (24 * t + 24 * t + 96 * t);
-    const std::uint64_t ours =
-        hashOf(*dataArray<float3>(*target, "normal"),
-               hashOf(*dataArray<int>(*target, "id"), hashOf(*dataArray<float2>(*target, "uv"))));
-    compare(state, kernel, reference, bytes, ours,
-            hashOf(out.normals, hashOf(out.id, hashOf(out.uv))));
+    row.compare({t, "triangle", bytes, "a property each on points, faces and corners"}, kernel,
+                {"plain loop", loop, "on two threads, into arrays of the right size"});
 }
 
 struct Indexed {
@@ -220,7 +232,7 @@ Indexed indexedWalk(const Input& in)
     return out;
 }
 
-void indexed(benchmark::State& state, const Input& in, bool hasReference)
+MutablePtr<Object> indexedSource(const Input& in)
 {
     const MutablePtr<Object> source = makeMesh(in.normals, in.faceOffset, in.mesh.faceVertex);
     Array<float2> values = in.uv;
@@ -229,50 +241,66 @@ void indexed(benchmark::State& state, const Input& in, bool hasReference)
                         makeMutable<Array<uint>>(in.mesh.faceVertex));
     addDataGeoProperty<float2>(*source, "uv", "uv_index",
                                makeMutable<Array<float2>>(std::move(values)));
-    MutablePtr<Object> target;
-    const Contender kernel = kernelOn(in, source, target);
-    kernel.prepare();
-    kernel.run();
-    const auto hashOfResult = [](const Array<uint>& indices, const Array<float2>& all) {
-        return hashOf(indices, hashOf(all));
-    };
-    const auto& all = *dataArray<float2>(*target, "uv");
-    const std::uint64_t ours =
-        hashOfResult(*getRangeGeoPropIndices(*getRangeGeoProperty(*target, "uv_index")), all);
-    const std::size_t t = in.triangles();
-    const std::uint64_t bytes = 12 * t * 3 + 4 * in.dualOffset.size() + 24 * t + 48 * t +
-                                8 * (all.size() + in.mesh.pointCount);
-    Indexed out;
-    const Contender walk{[&] { out = indexedWalk(in); }, [] {}, [&] { out = {}; }};
-    if (hasReference)
-        walk.run();
-    compare(state, kernel, hasReference ? walk : kernel, bytes, ours,
-            hasReference ? hashOfResult(out.indices, out.values) : ours);
+    return source;
 }
 
-void add(const std::string& name, const Triangles& mesh, bool hasReference)
+// The plain walk would take minutes where a point has many corners.
+enum class Walk { Beside, TooSlow };
+
+void indexed(Row& row, const Input& in, Walk walk)
 {
-    const auto configure = [](benchmark::internal::Benchmark* benchmark) {
-        benchmark->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(0.5);
+    const MutablePtr<Object> source = indexedSource(in);
+    MutablePtr<Object> target;
+    Contender kernel = kernelOn(in, *source, target);
+    kernel.hash = [&] {
+        const auto& values = *dataArray<float2>(*target, "uv");
+        return hashOf(*getRangeGeoPropIndices(*getRangeGeoProperty(*target, "uv_index")),
+                      hashOf(values));
     };
-    configure(benchmark::RegisterBenchmark(
-        ("direct/" + name).c_str(),
-        [mesh](benchmark::State& state) { direct(state, inputOf(mesh)); }));
-    configure(benchmark::RegisterBenchmark(("indexed corners/" + name).c_str(),
-                                           [mesh, hasReference](benchmark::State& state) {
-                                               indexed(state, inputOf(mesh), hasReference);
-                                           }));
+    Indexed out;
+    Contender loop;
+    loop.run = [&] { out = indexedWalk(in); };
+    loop.clear = [&] { out = {}; };
+    loop.hash = [&] { return hashOf(out.indices, hashOf(out.values)); };
+    // On a closed mesh there are 1.5 edges and one inner point to a triangle.
+    const std::size_t t = in.triangles();
+    const std::size_t valueCount = in.mesh.pointCount + 5 * t / 2;
+    const Work work{t, "triangle",
+                    12 * t * 3 + 4 * in.dualOffset.size() + 24 * t + 48 * t +
+                        8 * (valueCount + in.mesh.pointCount),
+                    "an indexed property on corners"};
+    if (walk == Walk::Beside)
+        row.compare(work, kernel, {"plain walk", loop, "serial"});
+    else
+        row.measure(work, kernel);
+}
+
+void add(const std::string& name, std::uint64_t size, const std::function<Triangles()>& make,
+         Walk walk = Walk::Beside)
+{
+    static Latest<Input> latest;
+    const auto input = [=]() -> const Input& {
+        return latest.get(name + std::to_string(size), [&] { return inputOf(make()); });
+    };
+    addParallelRow({"interpolatePropertiesToCutMesh direct", name, size},
+                   [=](Row& row) { direct(row, input()); });
+    addParallelRow({"interpolatePropertiesToCutMesh indexed", name, size},
+                   [=](Row& row) { indexed(row, input(), walk); });
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    for (const uint triangles : {8u, 1000u, 1000000u})
-        add(std::to_string(triangles) + " triangles", triangleTorus(triangles, PointOrder::Natural),
-            true);
-    add("1000000 triangles, random points", triangleTorus(1000000, PointOrder::Random), true);
-    // The plain walk would take minutes here; the kernel stands in for it.
-    add("200000 triangles around one point", triangleFan(200000), false);
+    for (const uint size : {1u, 10u, 1000u, 100000u, 1000000u, 8000000u, 30000000u}) {
+        add("torus natural", size, [size] { return triangleTorus(size, PointOrder::Natural); });
+        if (size >= 100000)
+            add("torus random", size, [size] { return triangleTorus(size, PointOrder::Random); });
+    }
+    add(
+        "fan", 200000, [] { return triangleFan(200000); }, Walk::TooSlow);
+    add("demo mesh", 1000000, [] { return trianglesOf(demoPolygons(512)); });
+    if (hasBunny())
+        add("bunny", 70000, [] { return trianglesOf(bunny()); });
     return run(argc, argv);
 }

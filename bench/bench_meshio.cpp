@@ -10,6 +10,8 @@
 #include <meshio/Validate.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 using namespace Bench;
@@ -54,68 +56,87 @@ std::string benchFile()
     return (std::filesystem::temp_directory_path() / "tessary_bench.mesh").string();
 }
 
-std::int64_t save(const Object& mesh, MeshFormat format)
+void save(const Object& mesh, MeshFormat format)
 {
     MeshIo::OutputFile output(benchFile(), true);
     MeshIo::writeMesh(mesh, format, output);
     output.commit();
-    return static_cast<std::int64_t>(std::filesystem::file_size(benchFile()));
 }
 
-void reportBytes(benchmark::State& state, std::int64_t bytes)
+std::uint64_t hashOfFile()
 {
-    state.SetBytesProcessed(bytes * static_cast<std::int64_t>(state.iterations()));
-    state.counters["file_MB"] = 1e-6 * static_cast<double>(bytes);
+    std::ifstream file(benchFile(), std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    return hashBytes(content.data(), content.size());
 }
 
-void read(benchmark::State& state, const Object& mesh, MeshFormat format)
+std::uint64_t hashOfMesh(const Object& mesh)
 {
-    const std::int64_t bytes = save(mesh, format);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(MeshIo::readMeshUnchecked(benchFile()));
-    reportBytes(state, bytes);
+    std::uint64_t hash = hashOf(*Geometry::dataArray<uint>(mesh, Geometry::sFaceOffset));
+    hash = hashOf(*Geometry::dataArray<uint>(mesh, Geometry::sFaceVertex), hash);
+    return hashOf(*Geometry::dataArray<float3>(mesh, Geometry::sPointPosition), hash);
+}
+
+// The file's bytes, once: what is read and written in memory is not counted.
+Work workOn(const Object& mesh)
+{
+    return {Geometry::getElementCount(mesh, Geometry::sFaceComp), "triangle",
+            std::filesystem::file_size(benchFile()), "one thread; the file is in memory"};
+}
+
+void read(Row& row, const Object& mesh, MeshFormat format)
+{
+    save(mesh, format);
+    MutablePtr<Object> result;
+    Contender kernel;
+    kernel.run = [&] { result = MeshIo::readMeshUnchecked(benchFile()).mesh; };
+    kernel.clear = [&] { result = nullptr; };
+    kernel.hash = [&] { return hashOfMesh(*result); };
+    row.measure(workOn(mesh), kernel);
     std::filesystem::remove(benchFile());
 }
 
-void write(benchmark::State& state, const Object& mesh, MeshFormat format)
+void write(Row& row, const Object& mesh, MeshFormat format)
 {
-    std::int64_t bytes = 0;
-    for (auto _ : state)
-        bytes = save(mesh, format);
-    reportBytes(state, bytes);
+    save(mesh, format);
+    Contender kernel;
+    kernel.run = [&] { save(mesh, format); };
+    kernel.hash = hashOfFile;
+    row.measure(workOn(mesh), kernel);
     std::filesystem::remove(benchFile());
 }
 
-void validate(benchmark::State& state, const Object& mesh)
+void validate(Row& row, const Object& mesh)
 {
-    for (auto _ : state)
-        benchmark::DoNotOptimize(MeshIo::validateMesh(mesh));
+    Contender kernel;
+    kernel.run = [&] { benchmark::DoNotOptimize(MeshIo::validateMesh(mesh)); };
+    row.measure({Geometry::getElementCount(mesh, Geometry::sFaceComp), "triangle"}, kernel);
 }
+
+constexpr struct {
+    const char* name;
+    MeshFormat format;
+} kFormats[] = {{"OBJ", MeshFormat::Obj},
+                {"PLY", MeshFormat::PlyBinary},
+                {"PLY big-endian", MeshFormat::PlyBinaryBigEndian},
+                {"PLY ASCII", MeshFormat::PlyAscii}};
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    const MutablePtr<Object> mesh = attributedTorus(600000);
-    const struct {
-        const char* name;
-        MeshFormat format;
-    } formats[] = {{"OBJ", MeshFormat::Obj},
-                   {"PLY", MeshFormat::PlyBinary},
-                   {"PLY big-endian", MeshFormat::PlyBinaryBigEndian},
-                   {"PLY ASCII", MeshFormat::PlyAscii}};
-    for (const auto& [name, format] : formats) {
-        const auto add = [&mesh, format = format](const std::string& row, const auto& run) {
-            benchmark::RegisterBenchmark(row.c_str(), [&mesh, format,
-                                                       run](benchmark::State& state) {
-                run(state, *mesh, format);
-            })->Unit(benchmark::kMillisecond);
+    static Latest<MutablePtr<Object>> latest;
+    for (const uint size : {10u, 1000u, 100000u, 600000u}) {
+        const auto mesh = [size]() -> const Object& {
+            return *latest.get(std::to_string(size), [&] { return attributedTorus(size); });
         };
-        add(std::string("read/") + name, read);
-        add(std::string("write/") + name, write);
+        for (const auto& [name, format] : kFormats) {
+            addRow({"readMeshUnchecked", name, size},
+                   [mesh, format = format](Row& row) { read(row, mesh(), format); });
+            addRow({"writeMesh", name, size},
+                   [mesh, format = format](Row& row) { write(row, mesh(), format); });
+        }
+        addRow({"validateMesh", "triangles", size}, [mesh](Row& row) { validate(row, mesh()); });
     }
-    benchmark::RegisterBenchmark("validate", [&mesh](benchmark::State& state) {
-        validate(state, *mesh);
-    })->Unit(benchmark::kMillisecond);
     return run(argc, argv);
 }

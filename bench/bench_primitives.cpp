@@ -3,30 +3,21 @@
 
 #include "support/Inputs.h"
 #include "support/Measure.h"
+#include "support/PrimitiveInputs.h"
 
 #include <Tessary/Primitives.h>
+#include <Tessary/Scratch.h>
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 #include <string>
 #include <thread>
+#include <vector>
 
 using namespace Bench;
 using Korvane::Math::float3;
 
 namespace {
-
-class Random {
-public:
-    explicit Random(std::uint32_t seed) : m_bits(seed) {}
-    float unit() { return static_cast<float>(m_bits()) * 0x1p-31f - 1.0f; }  // [-1, 1)
-    float3 vector() { return {unit(), unit(), unit()}; }
-    std::uint32_t below(std::uint32_t n) { return m_bits() % n; }
-
-private:
-    std::mt19937 m_bits;
-};
 
 float dot(const float3& a, const float3& b)
 {
@@ -36,37 +27,6 @@ float dot(const float3& a, const float3& b)
 float3 minus(const float3& a, const float3& b)
 {
     return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-float3 inBall(Random& random)
-{
-    float3 p = random.vector();
-    while (!(dot(p, p) <= 1 && dot(p, p) > 0.01f))
-        p = random.vector();
-    return p;
-}
-
-float3 onSphere(Random& random)
-{
-    const float3 p = inBall(random);
-    const float length = std::sqrt(dot(p, p));
-    return {p.x / length, p.y / length, p.z / length};
-}
-
-float3 onCube(Random& random)
-{
-    float3 p = random.vector();
-    (&p.x)[random.below(3)] = random.below(2) == 0 ? -1.0f : 1.0f;
-    return p;
-}
-
-// Neighbours in the array are neighbours in space: patches along a ring with bumps.
-float3 onMesh(Random& random, std::size_t i)
-{
-    const float turn = static_cast<float>(i / 2048 % 4096) / 4096 * 6.2831853f;
-    const float across = random.unit() * 3.1415926f;
-    const float r = 1 + 0.3f * std::cos(across) + 0.05f * std::sin(9 * turn);
-    return {r * std::cos(turn), 0.7f * r * std::sin(turn), 0.3f * std::sin(across)};
 }
 
 // The largest squared distance of points [begin, end) to c.
@@ -91,31 +51,29 @@ float radiusOnTwoThreads(const Array<float3>& points, const float3& c)
     return std::sqrt(std::max(own, other));
 }
 
-void boundingSphere(benchmark::State& state, const Array<float3>& points)
+void boundingSphere(Row& row, const Array<float3>& points)
 {
     Tessary::Sphere sphere = Tessary::computeBoundingSphere(points);
     const float3 center = sphere.getCenter();
-    const float ours = sphere.getRadius();
-    float plain = radiusOnTwoThreads(points, center);
-    const std::uint64_t hashes[] = {hashBytes(&ours, sizeof ours), hashBytes(&plain, sizeof plain)};
-    compare(state, {[&] { sphere = Tessary::computeBoundingSphere(points); }},
-            {[&] { plain = radiusOnTwoThreads(points, center); }}, sizeof(float3) * points.size(),
-            hashes[0], hashes[1]);
+    float plain = 0;
+    Contender kernel;
+    kernel.run = [&] { sphere = Tessary::computeBoundingSphere(points); };
+    kernel.hash = [&] { return hashBytes(&sphere, sizeof sphere); };
+    Contender pass;
+    pass.run = [&] { plain = radiusOnTwoThreads(points, center); };
+    row.compare(
+        {points.size(), "point", sizeof(float3) * points.size()}, kernel,
+        {"one pass", pass, "finds the farthest point from the known centre, on two threads"});
+    if (plain > 0)  // it was measured
+        row.expectNear("radius", sphere.getRadius(), plain);
 }
-
-// Pairs that stay in the caches, so that it is the test that takes time.
-constexpr std::size_t kPairs = 10000;
-
-struct Pair {
-    float3 a, b, c, center, half;
-};
 
 float3 cross(const float3& a, const float3& b)
 {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-bool inOrder(const Pair& t)
+bool inOrder(const TriangleAndBox& t)
 {
     const float3& h = t.half;
     const float3 u[] = {minus(t.a, t.center), minus(t.b, t.center), minus(t.c, t.center)};
@@ -137,96 +95,86 @@ bool inOrder(const Pair& t)
     return dot({std::fabs(n.x), std::fabs(n.y), std::fabs(n.z)}, h) >= std::fabs(dot(n, u[0]));
 }
 
-bool ours(const Pair& t)
+bool ours(const TriangleAndBox& t)
 {
     return Tessary::intersect_triangle_with_axis_aligned_box(t.a, t.b, t.c, t.center, t.half);
 }
 
-// Triangles at about `distance` from boxes of about their size.
-Array<Pair> pairsAt(float distance)
-{
-    Random random(5);
-    Array<Pair> pairs(kPairs);
-    for (Pair& t : pairs) {
-        const float3 at = onSphere(random);
-        t.center = random.vector();
-        for (float3* const p : {&t.a, &t.b, &t.c}) {
-            const float3 spread = random.vector();
-            *p = {t.center.x + distance * at.x + spread.x, t.center.y + distance * at.y + spread.y,
-                  t.center.z + distance * at.z + spread.z};
-        }
-        const float3 half = random.vector();
-        t.half = {0.5f + 0.4f * half.x, 0.5f + 0.4f * half.y, 0.5f + 0.4f * half.z};
-    }
-    return pairs;
-}
+// Pairs that stay in the caches, so that it is the test that takes time.
+constexpr std::size_t kMostPairs = 10000;
 
-// Ten million answers.
 template <class Test>
-void answer(const Array<Pair>& pairs, Array<bool>& answers, const Test& test)
+Contender answers(const Array<TriangleAndBox>& pairs, std::size_t rounds, Array<bool>& output,
+                  const Test& test)
 {
-    for (int round = 0; round < 1000; ++round)
-        for (std::size_t i = 0; i < kPairs; ++i)
-            answers[i] = test(pairs[i]);
+    Contender contender;
+    contender.run = [&pairs, rounds, &output, test] {
+        for (std::size_t round = 0; round < rounds; ++round)
+            for (std::size_t i = 0; i < pairs.size(); ++i)
+                output[i] = test(pairs[i]);
+    };
+    contender.hash = [&output] { return hashOf(output); };
+    return contender;
 }
 
-void triangleBox(benchmark::State& state, const Array<Pair>& pairs)
+void triangleBox(Row& row, float distance)
 {
-    Array<bool> kernel(kPairs), reference(kPairs);
-    answer(pairs, kernel, ours);
-    answer(pairs, reference, inOrder);
-    const std::uint64_t hashes[] = {hashOf(kernel), hashOf(reference)};
-    const auto overlaps = std::count(reference.begin(), reference.end(), true);
-    compare(state, {[&] { answer(pairs, kernel, ours); }},
-            {[&] { answer(pairs, reference, inOrder); }}, 1000 * sizeof(Pair) * kPairs, hashes[0],
-            hashes[1]);
-    state.counters["overlap_%"] = 100.0 * static_cast<double>(overlaps) / kPairs;
+    const Array<TriangleAndBox> pairs =
+        trianglesAndBoxes(std::min<std::size_t>(row.size(), kMostPairs), distance);
+    const std::size_t rounds = row.size() / pairs.size();
+    Array<bool> kernel(pairs.size()), reference(pairs.size());
+    row.compare(
+        {row.size(), "pair", 0, "on one thread; at most 10000 different pairs"},
+        answers(pairs, rounds, kernel, ours),
+        {"tests in order", answers(pairs, rounds, reference, inOrder), "thirteen, in scalars"});
+    const auto overlaps = std::count(kernel.begin(), kernel.end(), true);
+    row.figure("overlap_%",
+               100.0 * static_cast<double>(overlaps) / static_cast<double>(pairs.size()));
 }
 
-template <class Make>
-Array<float3> pointsOf(std::size_t count, const Make& make)
+void addSpheres(Points kind, std::uint64_t size)
 {
-    Random random(1);
-    Array<float3> points(count);
-    for (std::size_t i = 0; i < count; ++i)
-        points[i] = make(random, i);
-    return points;
+    static Latest<Array<float3>> latest;
+    const std::string name = nameOf(kind);
+    addParallelRow({"computeBoundingSphere", name, size}, [=](Row& row) {
+        boundingSphere(
+            row, latest.get(name + std::to_string(size), [&] { return makePoints(kind, size); }));
+    });
 }
 
-template <class Make>
-void addSphere(const char* name, const Make& make)
+void addTriangleBox(const char* name, float distance, std::uint64_t size)
 {
-    for (const std::size_t count : {std::size_t{1000}, std::size_t{100000}, std::size_t{10000000}})
-        benchmark::RegisterBenchmark(
-            ("computeBoundingSphere/" + std::to_string(count) + " " + name).c_str(),
-            [count, make](benchmark::State& state) {
-                boundingSphere(state, pointsOf(count, make));
-            })
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond)
-            ->MinTime(0.5);
+    addRow({"intersect_triangle_with_axis_aligned_box", name, size},
+           [distance](Row& row) { triangleBox(row, distance); });
 }
 
-void addTriangleBox(const char* name, float distance)
+// What a caller pays who needs a larger buffer: the call itself touches no memory.
+void scratch(Row& row)
 {
-    benchmark::RegisterBenchmark(
-        (std::string("triangleBox/10000000 ") + name).c_str(),
-        [distance](benchmark::State& state) { triangleBox(state, pairsAt(distance)); })
-        ->UseManualTime()
-        ->Unit(benchmark::kMillisecond)
-        ->MinTime(0.5);
+    const std::size_t count = row.size();
+    Tessary::Scratch<float> ours;
+    std::vector<float> vector;
+    Contender kernel;
+    kernel.run = [&] { ours.resize(count); };
+    Contender other;
+    other.run = [&] {
+        std::vector<float>().swap(vector);
+        vector.resize(count);
+    };
+    row.compare({count, "number"}, kernel, {"std::vector", other, "sets every number to 0"});
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    addSphere("in a ball", [](Random& random, std::size_t) { return inBall(random); });
-    addSphere("on a sphere", [](Random& random, std::size_t) { return onSphere(random); });
-    addSphere("on a cube", [](Random& random, std::size_t) { return onCube(random); });
-    addSphere("on a mesh", [](Random& random, std::size_t i) { return onMesh(random, i); });
-    addTriangleBox("mostly separated", 2.5f);
-    addTriangleBox("mostly overlapping", 0.1f);
-    addTriangleBox("nearly touching", 1.2f);
+    for (const uint size : {1u, 10u, 1000u, 100000u, 1000000u, 8000000u, 30000000u}) {
+        for (const Points kind : kPointSets)
+            addSpheres(kind, size);
+        addTriangleBox("mostly separated", 2.5f, size);
+        addTriangleBox("mostly overlapping", 0.1f, size);
+        addTriangleBox("nearly touching", 1.2f, size);
+        addRow({"Scratch<float> resize", "none", size}, scratch);
+    }
     return run(argc, argv);
 }

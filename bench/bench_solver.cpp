@@ -5,6 +5,7 @@
 
 #include <Tessary/Solver.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -16,7 +17,6 @@ using Side = Multicollider::Side;
 namespace {
 
 constexpr uint kColliders = 64;
-constexpr uint kContacts = 10000;
 
 class Solver : public Multicollider {
 public:
@@ -29,7 +29,7 @@ enum class Pairs {
     Few,      ///< the same, but a contact is about one other collider in eight
 };
 
-Solver problem(Pairs pairs)
+Solver problem(Pairs pairs, uint contacts)
 {
     const Array<float> values = randomFloats(std::size_t{1} << 20, 7);
     std::size_t next = 0;
@@ -37,7 +37,7 @@ Solver problem(Pairs pairs)
     Solver s;
     for (uint g = 0; g < kColliders; ++g) {
         s.addCollider(0.75f + 0.25f * unit(), {unit(), unit(), unit()});
-        for (uint c = kContacts * g / kColliders; c < kContacts * (g + 1) / kColliders; ++c) {
+        for (uint c = contacts * g / kColliders; c < contacts * (g + 1) / kColliders; ++c) {
             const float spread = pairs == Pairs::OneSide ? 0.2f : 1.0f;
             float3 n = {pairs == Pairs::OneSide ? 1.0f : unit(), spread * unit(), spread * unit()};
             const float length = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z) + 1e-6f;
@@ -101,41 +101,43 @@ std::uint64_t hashOfResult(const Multicollider& s)
     return hashOf(s.pairLambdas, hashOf(s.displacements));
 }
 
-void sweeps(benchmark::State& state, Pairs pairs)
+Contender sweeps(Solver& solver, const Solver& start, void (*solve)(Solver&))
 {
-    const Solver start = problem(pairs);
-    Solver ours = start, plain = start;
-    ours.solveInternal();
-    solveInMemory(plain);
-    const std::uint64_t hashes[] = {hashOfResult(ours), hashOfResult(plain)};
-    std::size_t pushing = 0;
-    for (const float lambda : ours.pairLambdas)
-        pushing += lambda != 0 ? 1 : 0;
-    compare(state, {[&] { ours.solveInternal(); }, [&] { ours = start; }},
-            {[&] { solveInMemory(plain); }, [&] { plain = start; }}, 8 * ours.pairLambdas.size(),
-            hashes[0], hashes[1]);
-    const double projections = static_cast<double>(ours.pairLambdas.size()) * ours.maxIterations;
-    state.counters["pairs_per_us"] = projections / (1e3 * state.counters["median_ms"].value);
-    state.counters["pushing_%"] =
-        100.0 * static_cast<double>(pushing) / static_cast<double>(ours.pairLambdas.size());
+    Contender contender;
+    contender.run = [&solver, solve] { solve(solver); };
+    contender.prepare = [&solver, &start] { solver = start; };
+    contender.hash = [&solver] { return hashOfResult(solver); };
+    contender.release = [&solver] { solver = Solver(); };
+    return contender;
 }
 
-void add(const char* name, Pairs pairs)
+void measure(Row& row, Pairs pairs)
 {
-    benchmark::RegisterBenchmark(
-        (std::string("Multicollider/64 colliders, 10000 contacts, ") + name).c_str(),
-        [pairs](benchmark::State& state) { sweeps(state, pairs); })
-        ->UseManualTime()
-        ->Unit(benchmark::kMillisecond)
-        ->MinTime(1.0);
+    const Solver start = problem(pairs, static_cast<uint>(row.size() / (kColliders - 1)));
+    Solver ours, plain;
+    const std::uint64_t pairCount = start.pairLambdas.size();
+    row.compare(
+        {pairCount, "pair", 12 * pairCount * start.maxIterations, "10 sweeps, 64 colliders"},
+        sweeps(ours, start, [](Solver& s) { s.solveInternal(); }),
+        {"plain loop", sweeps(plain, start, [](Solver& s) { solveInMemory(s); }),
+         "keeps nothing in registers"});
+    const auto pushing = std::count_if(ours.pairLambdas.begin(), ours.pairLambdas.end(),
+                                       [](float lambda) { return lambda != 0; });
+    row.figure("pushing_%", 100.0 * static_cast<double>(pushing) / static_cast<double>(pairCount));
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    add("one side", Pairs::OneSide);
-    add("mixed", Pairs::Mixed);
-    add("few", Pairs::Few);
+    const struct {
+        const char* name;
+        Pairs pairs;
+    } inputs[] = {{"one side", Pairs::OneSide}, {"mixed", Pairs::Mixed}, {"few", Pairs::Few}};
+    // Pairs of a contact and another collider: 10 thousand contacts make 630 thousand.
+    for (const uint contacts : {1u, 16u, 1600u, 10000u, 127000u, 476000u})
+        for (const auto& [name, pairs] : inputs)
+            addRow({"Multicollider solve", name, std::uint64_t{contacts} * (kColliders - 1)},
+                   [pairs = pairs](Row& row) { measure(row, pairs); });
     return run(argc, argv);
 }

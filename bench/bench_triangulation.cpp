@@ -1,15 +1,19 @@
 // Triangulation against plain loops that know their sizes: of the bare arrays on one thread, of a
 // whole mesh with properties on two.
 
+#include "support/FileMeshes.h"
 #include "support/Inputs.h"
 #include "support/Measure.h"
 
 #include <Korvane/Geometry.h>
 #include <Tessary/Triangulation.h>
 
+#include <cmath>
+#include <functional>
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 
 using namespace Bench;
 using Korvane::Object;
@@ -55,39 +59,45 @@ std::uint64_t hashOfTopology(const Topology& topology)
     return hashOf(topology.corners, hashOf(topology.offset));
 }
 
-void bareArrays(benchmark::State& state, const Polygons& mesh, Memory memory)
+// Into memory that was touched before, or into arrays made in the run.
+Contender topologyContender(std::optional<Topology>& output, Memory memory,
+                            const std::function<void()>& run, const std::function<void()>& renew)
 {
-    const bool fresh = memory == Memory::Fresh;
+    Contender contender;
+    contender.hash = [&output] { return hashOfTopology(*output); };
+    contender.release = [&output, renew] {
+        output.reset();
+        renew();
+    };
+    contender.run = run;
+    if (memory == Memory::Touched)
+        return contender;
+    contender.run = [run, renew] {
+        renew();
+        run();
+    };
+    contender.clear = [&output] { output.reset(); };
+    return contender;
+}
+
+void bareArrays(Row& row, const Polygons& mesh, Memory memory)
+{
     std::optional<Topology> ours{Topology()};
     std::optional<Topology> plain{sizedTopology(mesh)};
-    const Contender kernel{[&] {
-                               if (fresh)
-                                   ours.emplace();
-                               Tessary::computeTriangulation(mesh.faceOffset, mesh.faceVertex,
-                                                             ours->offset, ours->corners);
-                           },
-                           [] {},
-                           [&] {
-                               if (fresh)
-                                   ours.reset();
-                           }};
-    const Contender reference{[&] {
-                                  if (fresh)
-                                      plain = sizedTopology(mesh);
-                                  splitFaces(mesh, 0, mesh.faceCount(), *plain);
-                              },
-                              [] {},
-                              [&] {
-                                  if (fresh)
-                                      plain.reset();
-                              }};
-    kernel.run();
-    reference.run();
+    const Contender kernel = topologyContender(
+        ours, memory,
+        [&] {
+            Tessary::computeTriangulation(mesh.faceOffset, mesh.faceVertex, ours->offset,
+                                          ours->corners);
+        },
+        [&] { ours.emplace(); });
+    const Contender loop = topologyContender(
+        plain, memory, [&] { splitFaces(mesh, 0, mesh.faceCount(), *plain); },
+        [&] { plain = sizedTopology(mesh); });
     const std::uint64_t bytes = 4 * (mesh.faceOffset.size() + mesh.faceVertex.size() +
                                      plain->offset.size() + plain->corners.size());
-    const std::uint64_t hashes[] = {hashOfTopology(*ours), hashOfTopology(*plain)};
-    ours.emplace(fresh ? Topology() : std::move(*ours));
-    compare(state, kernel, reference, bytes, hashes[0], hashes[1]);
+    row.compare({mesh.faceCount(), "polygon", bytes}, kernel,
+                {"plain loop", loop, "serial, into arrays of the right size"});
 }
 
 struct Attributes {
@@ -179,64 +189,134 @@ std::uint64_t hashOfObject(const Object& mesh)
     return hashOf(*Geometry::dataArray<int>(mesh, "id"), hash);
 }
 
-// The library's arrays are always new; `memory` says what the plain loop writes into.
-void wholeMesh(benchmark::State& state, const Polygons& mesh, Memory memory)
+// A mesh with properties, all made when first asked for.
+class Case {
+public:
+    explicit Case(Polygons mesh) : m_mesh(std::move(mesh)) {}
+
+    const Polygons& mesh() const { return m_mesh; }
+
+    const Attributes& attributes()
+    {
+        if (!m_attributes)
+            m_attributes = attributesOf(m_mesh);
+        return *m_attributes;
+    }
+
+    const Object& object()
+    {
+        if (!m_object)
+            m_object = objectOf(m_mesh, attributes());
+        return *m_object;
+    }
+
+    std::size_t triangleCount() const
+    {
+        return m_mesh.faceVertex.size() - std::size_t{2} * m_mesh.faceCount();
+    }
+
+    // Bytes of UVs and ids, read and written, and of the offsets that lead to them.
+    std::uint64_t propertyBytes() const
+    {
+        return 8 * m_mesh.faceVertex.size() + 8 * m_mesh.faceOffset.size() + 28 * triangleCount();
+    }
+
+private:
+    Polygons m_mesh;
+    std::optional<Attributes> m_attributes;
+    MutablePtr<Object> m_object;
+};
+
+const Array<String>& propertyNames()
 {
-    const Attributes attributes = attributesOf(mesh);
-    const MutablePtr<Object> source = objectOf(mesh, attributes);
-    const Array<String> names{"normal", "uv", "id"};
-    MutablePtr<Object> target;
-    std::optional<TriangleMesh> plain{sizedMesh(mesh)};
-    const Contender kernel{[&] {
-                               target = Korvane::createObject();
-                               Tessary::triangulatePolyMesh(*source, names, *target);
-                           },
-                           [] {}, [&] { target = nullptr; }};
-    const Contender reference{[&] {
-                                  if (memory == Memory::Fresh)
-                                      plain = sizedMesh(mesh);
-                                  splitMeshOnTwoThreads(mesh, attributes, *plain);
-                              },
-                              [] {},
-                              [&] {
-                                  if (memory == Memory::Fresh)
-                                      plain.reset();
-                              }};
-    kernel.run();
-    reference.run();
-    const std::size_t triangles = plain->attributes.id.size();
-    const std::uint64_t bytes = 4 * (mesh.faceOffset.size() + mesh.faceVertex.size() * 3) +
-                                4 * mesh.faceCount() + 24 * mesh.pointCount + 44 * triangles;
-    const std::uint64_t hashes[] = {hashOfObject(*target), hashOfMesh(*plain)};
-    compare(state, kernel, reference, bytes, hashes[0], hashes[1]);
+    static const Array<String> names{"normal", "uv", "id"};
+    return names;
 }
 
-void add(const std::string& name, const Polygons& mesh)
+// The library's arrays are always new; `memory` says what the plain loop writes into.
+void wholeMesh(Row& row, Case& input, Memory memory)
 {
+    const Polygons& mesh = input.mesh();
+    MutablePtr<Object> target;
+    Contender kernel;
+    kernel.run = [&] {
+        target = Korvane::createObject();
+        Tessary::triangulatePolyMesh(input.object(), propertyNames(), *target);
+    };
+    kernel.clear = [&] { target = nullptr; };
+    kernel.hash = [&] { return hashOfObject(*target); };
+
+    std::optional<TriangleMesh> plain;
+    const auto renew = [&] { plain = sizedMesh(mesh); };
+    renew();
+    Contender loop;
+    loop.run = [&] {
+        if (memory == Memory::Fresh)
+            renew();
+        splitMeshOnTwoThreads(mesh, input.attributes(), *plain);
+    };
+    if (memory == Memory::Fresh)
+        loop.clear = [&] { plain.reset(); };
+    loop.hash = [&] { return hashOfMesh(*plain); };
+    input.object();
+    const std::uint64_t bytes = 4 * mesh.faceVertex.size() + std::size_t{24} * mesh.pointCount +
+                                16 * input.triangleCount() + input.propertyBytes();
+    row.compare({mesh.faceCount(), "polygon", bytes}, kernel,
+                {"plain loop", loop, "on two threads, into arrays of the right size"});
+}
+
+void propertiesAlone(Row& row, Case& input)
+{
+    const Object& source = input.object();
+    MutablePtr<Object> target;
+    Contender kernel;
+    kernel.run = [&] {
+        Tessary::copyPropertiesToTriangulatedMesh(source, propertyNames(), *target);
+    };
+    kernel.prepare = [&] {
+        target = Korvane::createObject();
+        Tessary::triangulatePolyMesh(source, {}, *target);
+    };
+    kernel.clear = [&] { target = nullptr; };
+    kernel.hash = [&] { return hashOfObject(*target); };
+    row.measure({input.mesh().faceCount(), "polygon", input.propertyBytes(),
+                 "peak memory includes the triangles that were there"},
+                kernel);
+}
+
+void add(const std::string& name, std::uint64_t size, const std::function<Polygons()>& make)
+{
+    static Latest<Case> latest;
+    const auto input = [=]() -> Case& {
+        return latest.get(name + std::to_string(size), [&] { return Case(make()); });
+    };
     for (const Memory memory : {Memory::Fresh, Memory::Touched}) {
-        const std::string suffix =
-            name + (memory == Memory::Fresh ? " fresh memory" : " touched memory");
-        benchmark::RegisterBenchmark(
-            ("computeTriangulation/" + suffix).c_str(),
-            [mesh, memory](benchmark::State& state) { bareArrays(state, mesh, memory); })
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond)
-            ->MinTime(0.5);
-        benchmark::RegisterBenchmark(
-            ("triangulatePolyMesh/" + suffix).c_str(),
-            [mesh, memory](benchmark::State& state) { wholeMesh(state, mesh, memory); })
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond)
-            ->MinTime(0.5);
+        const std::string full = name + (memory == Memory::Fresh ? ", fresh" : ", touched");
+        addParallelRow({"computeTriangulation", full, size},
+                       [=](Row& row) { bareArrays(row, input().mesh(), memory); });
+        const auto whole = [=](Row& row) { wholeMesh(row, input(), memory); };
+        // The library's own memory is fresh in both.
+        if (memory == Memory::Fresh)
+            addParallelRow({"triangulatePolyMesh", full, size}, whole);
+        else
+            addRow({"triangulatePolyMesh", full, size}, whole);
     }
+    addParallelRow({"copyPropertiesToTriangulatedMesh", name, size},
+                   [=](Row& row) { propertiesAlone(row, input()); });
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    for (const uint side : {1u, 3u, 32u, 1000u})
-        add(std::to_string(side * side) + " quads", quadTorus(side));
-    add("1000000 mixed polygons", mixedPolygons(1000000));
+    for (const uint size : {1u, 10u, 1000u, 100000u, 1000000u, 8000000u, 30000000u}) {
+        const uint side = static_cast<uint>(std::lround(std::sqrt(size)));
+        add("torus of quads", size, [side] { return quadTorus(side); });
+        if (size >= 100000)
+            add("mixed polygons", size, [size] { return mixedPolygons(size); });
+    }
+    add("demo mesh", 1000000, [] { return demoPolygons(512); });
+    if (hasBunny())
+        add("bunny", 70000, bunny);
     return run(argc, argv);
 }

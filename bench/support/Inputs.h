@@ -7,6 +7,8 @@
 #include <Pelon/TypeRep.h>
 
 #include <cstdint>
+#include <memory>
+#include <string>
 
 namespace Bench {
 
@@ -36,16 +38,43 @@ struct Triangles {
 
 enum class PointOrder { Natural, Random };
 
-/// A torus grid of about `triangleCount` triangles.
+/// A torus grid of about `triangleCount` triangles; below 18, so many of the smallest one's.
 Triangles triangleTorus(uint triangleCount, PointOrder order);
 
 /// `triangleCount` triangles around point 0.
 Triangles triangleFan(uint triangleCount);
 
+/// `triangleCount` triangles on one edge, which run along it in alternating directions.
+Triangles triangleBook(uint triangleCount);
+
+/// Positions on a torus for the points of a grid of quadTorus(side), on every machine the same bits.
+Array<Korvane::Math::float3> torusPositions(uint side);
+
+/// Keeps the input made last: rows that share one follow each other, and large ones are not kept
+/// longer than that.
+template <class Input>
+class Latest {
+public:
+    template <class Make>
+    Input& get(const std::string& key, const Make& make)
+    {
+        if (!m_input || m_key != key) {
+            m_input.reset();
+            m_input = std::make_unique<Input>(make());
+            m_key = key;
+        }
+        return *m_input;
+    }
+
+private:
+    std::string m_key;
+    std::unique_ptr<Input> m_input;
+};
+
 /// Values in [0, 1).
 Array<float> randomFloats(std::size_t count, std::uint32_t seed);
 
-/// FNV-1a over the bytes, to tell outputs apart.
+/// FNV-1a over 8 bytes at a time, to tell outputs apart.
 std::uint64_t hashBytes(const void* bytes, std::size_t count,
                         std::uint64_t hash = 14695981039346656037u);
 

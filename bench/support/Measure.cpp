@@ -107,9 +107,10 @@ void reportWork(benchmark::State& state, const Work& work, double seconds)
 
 void reportPeak(benchmark::State& state, const Contender& kernel, std::uint64_t elements)
 {
+    constexpr std::uint64_t kFewest = 50000;  // of which the system's pages do not drown the figure
     const std::uint64_t peak = peakOf(kernel);
     state.counters["peak_MB"] = megabytes(peak);
-    if (elements > 0)
+    if (elements >= kFewest)
         state.counters["B_per_element"] = static_cast<double>(peak) / static_cast<double>(elements);
 }
 
@@ -142,7 +143,7 @@ void Row::measure(const Work& work, const Contender& kernel)
 
 void Row::compare(const Work& work, const Contender& kernel, const Other& other)
 {
-    measureBeside(work, kernel, &other);
+    measureBeside(work, kernel, m_name.threads == 0 ? &other : nullptr);
 }
 
 void Row::measureBeside(const Work& work, const Contender& kernel, const Other* other)
@@ -204,29 +205,6 @@ void Row::fail(const std::string& message)
 {
     noteFailure(m_name, message);
     m_state.SkipWithError(message.c_str());
-}
-
-void compare(benchmark::State& state, const Contender& kernel, const Contender& reference,
-             std::uint64_t bytes, std::uint64_t kernelHash, std::uint64_t referenceHash)
-{
-    if (kernelHash != referenceHash) {
-        state.SkipWithError("the output differs from the reference's");
-        return;
-    }
-    std::vector<double> kernelSeconds;
-    std::vector<double> referenceSeconds;
-    for (auto _ : state) {
-        referenceSeconds.push_back(secondsOfRun(reference));
-        kernelSeconds.push_back(secondsOfRun(kernel));
-        state.SetIterationTime(kernelSeconds.back());
-    }
-    const double kernelMedian = quantileOf(kernelSeconds, 0.5);
-    const double referenceMedian = quantileOf(referenceSeconds, 0.5);
-    state.counters["median_ms"] = 1e3 * kernelMedian;
-    state.counters["other_ms"] = 1e3 * referenceMedian;
-    state.counters["ratio"] = kernelMedian / referenceMedian;
-    state.counters["x_copy"] = kernelMedian / (static_cast<double>(bytes) / copyBandwidth());
-    state.SetLabel("hash=" + hexOf(kernelHash));
 }
 
 }  // namespace Bench

@@ -26,17 +26,19 @@ struct Contender {
 
 /// Another way to do a kernel's job: a plain loop, or another library.
 struct Other {
-    std::string name;        ///< "plain loop", "CGAL Surface_mesh"
-    Contender contender;     ///< where it has a hash, it must be the kernel's
-    std::string difference;  ///< how its work differs: "builds a whole mesh"; empty if it does not
+    std::string name;     ///< "plain loop", "CGAL Surface_mesh"
+    Contender contender;  ///< where it has a hash, it must be the kernel's
+
+    /// How its work differs: "builds a whole mesh"; empty where it does not.
+    std::string difference = {};
 };
 
 /// What a row's job consists of.
 struct Work {
     std::uint64_t elements = 0;    ///< triangles, polygons, points: what `unit` says
     std::string unit = "element";  ///< in the singular
-    std::uint64_t bytes = 0;  ///< that have to be read and written at least once; 0: not stated
-    std::string note;         ///< one more thing that the reader must know
+    std::uint64_t bytes = 0;       ///< that must be read and written at least once; 0: not stated
+    std::string note = {};         ///< one more thing that the reader must know
 };
 
 /// Names a row: kernel/input/size, then threads:N and beside:OTHER where they are given. No part may
@@ -45,8 +47,8 @@ struct RowName {
     std::string kernel;  ///< the exported function
     std::string input;   ///< "torus random"
     std::uint64_t size = 0;
-    int threads = 0;  ///< 0: as many as the machine has
-    std::string beside;
+    int threads = 0;          ///< 0: as many as the machine has
+    std::string beside = {};  ///< the other way that the row compares with
 };
 
 /// A row while it is measured. Call measure() or compare() once.
@@ -60,7 +62,8 @@ public:
     ///   median_ms, low_ms, high_ms   time: median and quartiles
     ///   elements, per_s              the work's elements, and how many a second
     ///   GB_per_s, x_copy             the work's bytes a second; time / time of copying so many
-    ///   peak_MB, B_per_element       peak memory of a call (see PeakMemory.h), with its output
+    ///   peak_MB, B_per_element       peak memory of a call (see PeakMemory.h), with its output; per
+    ///                                element of at least 50000 only
     ///   threads
     /// and the hash, which must be the recorded one of this kernel, input and size.
     void measure(const Work& work, const Contender& kernel);
@@ -68,6 +71,7 @@ public:
     /// The same beside another way, both in turn, with
     ///   other_ms, other_low_ms, other_high_ms, other_peak_MB
     ///   ratio                        kernel time / other's time
+    /// The other way is left out of rows with a limit on threads, which it may not heed.
     void compare(const Work& work, const Contender& kernel, const Other& other);
 
     /// Fails the row unless the two agree up to `tolerance`, relative to ours. Call it before or
@@ -90,6 +94,9 @@ private:
 /// it, as rows may be filtered out. Rows run in the order in which they are added.
 void addRow(RowName name, std::function<void(Row&)> fill);
 
+/// The same for a parallel kernel: from 100000 elements on, a row on one thread follows.
+void addParallelRow(const RowName& name, const std::function<void(Row&)>& fill);
+
 /// The program: measures the rows that its arguments choose. Beside Google Benchmark's own:
 ///   --record         store the hashes of these rows as the right ones
 ///   --hashes=FILE    keep them in this file instead of bench/hashes.txt
@@ -98,9 +105,5 @@ void addRow(RowName name, std::function<void(Row&)> fill);
 ///   --row-seconds=S  measure each row for about S seconds (default 0.25), but at least three times
 /// Returns 1 if a row failed: a hash is not the recorded one, or outputs differ.
 int run(int argc, char** argv);
-
-/// The older form: times `kernel` and `reference` in turn. New rows are added with addRow().
-void compare(benchmark::State& state, const Contender& kernel, const Contender& reference,
-             std::uint64_t bytes, std::uint64_t kernelHash, std::uint64_t referenceHash);
 
 }  // namespace Bench

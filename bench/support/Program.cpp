@@ -2,6 +2,7 @@
 
 #include <oneapi/tbb/info.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -109,6 +110,41 @@ void describeRun()
                  text);
 }
 
+// One line a row, as soon as it is measured; everything else goes into the JSON file.
+class OneLineReporter : public benchmark::BenchmarkReporter {
+public:
+    bool ReportContext(const Context&) override
+    {
+        std::printf("%-64s %12s %9s %9s %8s %8s %8s\n", "kernel/input/size", "median ms", "low",
+                    "high", "x copy", "B/elem", "ratio");
+        return true;
+    }
+
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs)
+            report(run);
+        std::fflush(stdout);
+    }
+
+private:
+    static void report(const Run& run)
+    {
+        const std::string name = run.run_name.function_name;
+        if (run.error_occurred) {
+            std::printf("%-64s %s\n", name.c_str(), run.error_message.c_str());
+            return;
+        }
+        const auto figure = [&](const char* counter) {
+            const auto found = run.counters.find(counter);
+            return found == run.counters.end() ? std::nan("") : found->second.value;
+        };
+        std::printf("%-64s %12.6g %9.4g %9.4g %8.3g %8.3g %8.3g\n", name.c_str(),
+                    figure("median_ms"), figure("low_ms"), figure("high_ms"), figure("x_copy"),
+                    figure("B_per_element"), figure("ratio"));
+    }
+};
+
 int finish(const Program& all)
 {
     if (all.options.record)
@@ -155,6 +191,16 @@ void addRow(RowName name, std::function<void(Row&)> fill)
     program().rows.push_back({std::move(name), std::move(fill)});
 }
 
+void addParallelRow(const RowName& name, const std::function<void(Row&)>& fill)
+{
+    addRow(name, fill);
+    if (name.size < 100000 || allThreads() == 1)
+        return;
+    RowName onOneThread = name;
+    onOneThread.threads = 1;
+    addRow(std::move(onOneThread), fill);
+}
+
 int run(int argc, char** argv)
 {
     Program& all = program();
@@ -167,7 +213,8 @@ int run(int argc, char** argv)
         all.hashes = Hashes(all.options.hashes);
         registerRows(all);
         describeRun();
-        benchmark::RunSpecifiedBenchmarks();
+        OneLineReporter reporter;
+        benchmark::RunSpecifiedBenchmarks(&reporter);
         benchmark::Shutdown();
         return finish(all);
     } catch (const std::exception& error) {

@@ -67,13 +67,21 @@ void walkTriangles(const Array<uint>& faceVertex, const Dual& dual, uint begin, 
 }  // namespace
 
 Dual::Dual(const Triangles& mesh)
-    : offset(std::size_t{mesh.pointCount} + 1), corners(mesh.faceVertex.size(), kNone)
+    : m_pointCount(mesh.pointCount), m_cornerCount(mesh.faceVertex.size())
 {}
 
 void Dual::prepare()
 {
+    offset.resize(m_pointCount + 1);
+    corners.resize(m_cornerCount);
     std::fill(offset.begin(), offset.end(), 0u);
     std::fill(corners.begin(), corners.end(), kNone);
+}
+
+void Dual::release()
+{
+    offset = {};
+    corners = {};
 }
 
 void countingSortDual(const Array<uint>& faceVertex, Dual& dual)

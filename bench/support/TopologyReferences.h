@@ -16,6 +16,13 @@ struct Dual {
 
     /// Zeros and free slots, as constructDualMesh expects them.
     void prepare();
+
+    /// Gives the storage back; prepare() gets new one.
+    void release();
+
+private:
+    std::size_t m_pointCount;
+    std::size_t m_cornerCount;
 };
 
 /// A counting sort with a cursor per point, serial.
