@@ -22,7 +22,7 @@ std::string placeOf(const Array<uint>& faceOffset, const SameDirection& edge)
 }  // namespace
 
 void rejectSameDirection(const Array<uint>& faceOffset, const EdgeReport& report,
-                         const std::string& name)
+                         const std::string& name, const char* advice)
 {
     if (report.count == 0)
         return;
@@ -30,13 +30,12 @@ void rejectSameDirection(const Array<uint>& faceOffset, const EdgeReport& report
     for (const SameDirection& edge : report.first)
         places += (places.empty() ? "" : ", ") + placeOf(faceOffset, edge);
     ValidationReport problems;
-    problems.problems.push_back(
-        {Problem::Severity::Error,
-         "same-direction",
-         "edges along which two faces run in one direction",
-         report.count,
-         {places},
-         "turn one of the faces round or give it points of its own; tessary validate lists more"});
+    problems.problems.push_back({Problem::Severity::Error,
+                                 "same-direction",
+                                 "edges along which two faces run in one direction",
+                                 report.count,
+                                 {places},
+                                 advice});
     throw InvalidMesh(name, std::move(problems));
 }
 

@@ -15,7 +15,8 @@ namespace MeshIo {
 ///
 /// in     faceOffset     face count + 1 offsets of the polygon mesh
 /// in     report         what findSameDirectionEdges said about its fan triangles
+/// in     advice         what to do about it
 void rejectSameDirection(const Pelon::Array<Pelon::uint>& faceOffset, const EdgeReport& report,
-                         const std::string& name);
+                         const std::string& name, const char* advice);
 
 }  // namespace MeshIo

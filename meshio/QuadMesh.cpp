@@ -1,12 +1,12 @@
 #include <meshio/QuadMesh.h>
 
 #include <Korvane/Geometry.h>
-#include <Tessary/HalfEdge.h>
 #include <Tessary/Topology.h>
 #include <Tessary/Triangulation.h>
 
 #include <meshio/Creases.h>
 #include <meshio/CutPoints.h>
+#include <meshio/EdgeProblem.h>
 #include <meshio/EdgeReport.h>
 #include <meshio/QuadProperties.h>
 #include <meshio/ReadFile.h>
@@ -98,40 +98,18 @@ void rejectTooLarge(const Topology& mesh, const std::string& name)
                   "split the mesh into parts"});
 }
 
-std::string placeOf(const Topology& mesh, const SameDirection& edge)
-{
-    const auto faceOf = [&mesh](uint corner) {
-        const auto polyEdge = Tessary::triEdgeToPolyEdge(mesh.faceOffset, {corner, corner / 3});
-        return std::to_string(polyEdge.face);
-    };
-    return "points " + std::to_string(edge.start) + " to " + std::to_string(edge.end) +
-           " of faces " + faceOf(edge.corner) + " and " + faceOf(edge.another);
-}
-
-[[noreturn]] void rejectSameDirection(const Topology& mesh, const EdgeReport& report,
-                                      const std::string& name)
-{
-    std::string places;
-    for (const SameDirection& edge : report.first)
-        places += (places.empty() ? "" : ", ") + placeOf(mesh, edge);
-    reject(name, {Problem::Severity::Error,
-                  "same-direction",
-                  "edges along which two faces run in one direction",
-                  report.count,
-                  {places},
-                  "turn one of the faces round, give it points of its own, or split such edges"});
-}
-
 // Returns how many edges had to be split.
 std::uint64_t findEdges(Topology& mesh, const std::string& name, bool splitEdges)
 {
     const EdgeReport report = findSameDirectionEdges(mesh.triFaceVertex, mesh.points.size(), 3);
+    if (!splitEdges)
+        rejectSameDirection(
+            mesh.faceOffset, report, name,
+            "turn one of the faces round, give it points of its own, or split such edges");
     if (report.count == 0)
         Tessary::computeTriEdges(mesh.triFaceVertex, mesh.triEdges);
-    else if (splitEdges)
-        mesh.triEdges = separatedTriEdges(mesh.triFaceVertex, mesh.points.size());
     else
-        rejectSameDirection(mesh, report, name);
+        mesh.triEdges = separatedTriEdges(mesh.triFaceVertex, mesh.points.size());
     throwIfCancelled();
     return report.count;
 }

@@ -6,6 +6,7 @@
 #include <Tessary/Topology.h>
 #include <Tessary/Triangulation.h>
 
+#include <meshio/PropertyKinds.h>
 #include <meshio/ReadFile.h>
 #include <meshio/SeamCorners.h>
 
@@ -28,26 +29,6 @@ using Pelon::uint;
 
 constexpr uint kNone = 0xFFFFFFFF;
 const String kPositions = "positions";  // no other name in a stage begins with this letter
-
-bool isTopology(const String& name)
-{
-    return name == sPointPosition || name == sFaceOffset || name == sFaceVertex;
-}
-
-bool isMeshComponent(const String& name)
-{
-    return name == sPointComp || name == sFaceComp || name == sFaceVertexComp;
-}
-
-bool isKnownType(const Object& property)
-{
-    return Korvane::visitArray(property.getProperty(sData), [](auto&&...) {});
-}
-
-bool hasRange(const Object& mesh, const Array<String>& chain)
-{
-    return chain.empty() || (chain.size() == 1 && getRangeGeoProperty(mesh, chain[0]));
-}
 
 // A mesh without faces may lack the offsets, which the kernel needs for nothing then.
 MutablePtr<Object> emptySource(const Object& mesh)
@@ -125,11 +106,6 @@ std::size_t valueCountOf(const Object& mesh, const String& name)
     return count;
 }
 
-bool isOwnValue(const Object& mesh, const String& name)
-{
-    return name != sRenderSettings && !mesh.getProperty(name).get<Ptr<Object>>();
-}
-
 }  // namespace
 
 QuadProperties::QuadProperties(const Object& mesh, const Array<String>& names)
@@ -146,19 +122,17 @@ void QuadProperties::plan(const String& name)
         m_hasRenderSettings = true;
         return;
     }
-    const Ptr<Object> property = getDataGeoProperty(m_mesh, name);
-    if (!property || isTopology(name))
+    if (!getDataGeoProperty(m_mesh, name) || isTopology(name))
         return;
-    const Array<String> chain = getTargetChain(m_mesh, name);
-    const String component = getTargetComponent(m_mesh, name);
-    if (!isMeshComponent(component) || !hasRange(m_mesh, chain) || !isKnownType(*property)) {
+    const auto found = findElementProperty(m_mesh, name);
+    if (!found) {
         m_warnings.push_back("property " + quoted(name.view()) +
                              " does not follow onto quads and is left out");
         return;
     }
     const std::string number = std::to_string(m_carried.size());
-    m_carried.push_back({name, chain.empty() ? String() : chain[0], component, "v" + number,
-                         chain.empty() ? String() : String("r" + number)});
+    m_carried.push_back(
+        {*found, "v" + number, found->range.empty() ? String() : String("r" + number)});
 }
 
 // The stage's property has a default of its values' type, which the kernel asks for.

@@ -7,6 +7,7 @@
 #include <Pelon/TypeRep.h>
 
 #include <meshio/CutPoints.h>
+#include <meshio/PropertyKinds.h>
 
 #include <string>
 #include <vector>
@@ -37,10 +38,7 @@ public:
     const std::vector<std::string>& warnings() const { return m_warnings; }
 
 private:
-    struct Carried {
-        Pelon::String name;
-        Pelon::String range;  // empty where the values are not indexed
-        Pelon::String component;
+    struct Carried : ElementProperty {
         Pelon::String stageName;  // while it is interpolated
         Pelon::String stageRange;
     };

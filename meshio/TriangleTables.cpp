@@ -48,7 +48,9 @@ Array<uint> trianglesOf(const Object& mesh, const std::string& name, std::size_t
         return triFaceVertex;
     if (!Tessary::computeTriangulation(*faceOffset, *faceVertex, triFaceOffset, triFaceVertex))
         throw std::invalid_argument("the mesh has faces that cannot be triangulated; validate it");
-    rejectSameDirection(*faceOffset, findSameDirectionEdges(triFaceVertex, pointCount, 3), name);
+    rejectSameDirection(
+        *faceOffset, findSameDirectionEdges(triFaceVertex, pointCount, 3), name,
+        "turn one of the faces round or give it points of its own; tessary validate lists more");
     return triFaceVertex;
 }
 

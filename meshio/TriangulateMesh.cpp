@@ -4,6 +4,8 @@
 #include <Korvane/Geometry.h>
 #include <Tessary/Triangulation.h>
 
+#include <meshio/PropertyKinds.h>
+
 #include <set>
 #include <stdexcept>
 
@@ -29,16 +31,6 @@ struct Plan {
     std::set<String> unchanged;  // what belongs to the points alone
     std::vector<std::string> warnings;
 };
-
-bool isTopology(const String& name)
-{
-    return name == sPointPosition || name == sFaceOffset || name == sFaceVertex;
-}
-
-bool isMeshComponent(const String& name)
-{
-    return name == sPointComp || name == sFaceComp || name == sFaceVertexComp;
-}
 
 const String* targetOf(const Object& mesh, const String& name, Any& storage)
 {
@@ -186,11 +178,6 @@ Any indexedValuesFrom(const Object& mesh, const String& name)
     const auto property = Pelon::makeMutable<Object>(*getDataGeoProperty(mesh, name));
     property->setProperty(sDependsOn, Pelon::makeMutable<Array<String>>());
     return property;
-}
-
-bool isOwnValue(const Object& mesh, const String& name)
-{
-    return name != sRenderSettings && !mesh.getProperty(name).get<Ptr<Object>>();
 }
 
 Any carriedValue(const Object& mesh, const Object& triangles, const Plan& plan, const String& name)

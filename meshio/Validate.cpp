@@ -282,8 +282,11 @@ std::string ValidationReport::firstError() const
 {
     for (const Problem& problem : problems)
         if (problem.severity == Problem::Severity::Error)
-            return problem.message + " (" + times(problem.count) + "), first at " +
-                   problem.places.front() + "; " + problem.advice;
+            return problem.message +
+                   (problem.places.empty()
+                        ? ""
+                        : " (" + times(problem.count) + "), first at " + problem.places.front()) +
+                   "; " + problem.advice;
     return {};
 }
 

@@ -29,7 +29,8 @@ struct ValidationReport {
 
     bool hasErrors() const;
 
-    /// The first error on one line, with its count, first place and advice; empty without errors.
+    /// The first error on one line, with its count and first place, where it has places, and advice;
+    /// empty without errors.
     std::string firstError() const;
 };
 
