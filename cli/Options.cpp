@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 
 namespace Cli {
@@ -28,6 +29,29 @@ std::vector<std::string> formatNames()
     for (const NamedFormat& format : kFormats)
         names.push_back(format.name);
     return names;
+}
+
+// "ply-ascii" and the like are variants that no ending tells.
+bool hasEnding(const std::string& format)
+{
+    return format.find('-') == std::string::npos;
+}
+
+bool endsWith(const std::string& path, const std::string& ending)
+{
+    return path.size() > ending.size() &&
+           CLI::detail::to_lower(path.substr(path.size() - ending.size())) == ending;
+}
+
+// ".obj, .ply nor .npz"
+std::string endingsOf(const std::vector<std::string>& formats)
+{
+    std::vector<std::string> endings;
+    std::copy_if(formats.begin(), formats.end(), std::back_inserter(endings), hasEnding);
+    std::string list;
+    for (const std::string& ending : endings)
+        list += (list.empty() ? "." : &ending == &endings.back() ? " nor ." : ", .") + ending;
+    return list;
 }
 
 std::string namesOf(const Pelon::Array<Pelon::String>& names)
@@ -56,23 +80,31 @@ void addInput(CLI::App& verb, std::string& path)
         ->required();
 }
 
-void addOutput(CLI::App& verb, OutputOptions& output)
+void addOutput(CLI::App& verb, OutputOptions& output, std::vector<std::string> formats)
 {
-    addOutput(verb, output, formatNames());
-}
-
-void addOutput(CLI::App& verb, OutputOptions& output, const std::vector<std::string>& formats)
-{
+    output.formats = std::move(formats);
     std::string list;
-    for (const std::string& format : formats)
-        list += (list.empty() ? "" : format == formats.back() ? " or " : ", ") + format;
+    for (const std::string& format : output.formats)
+        list += (list.empty() ? "" : format == output.formats.back() ? " or " : ", ") + format;
     verb.add_option("--output,-o", output.path, "File to write; - is standard output")
         ->type_name("FILE")
         ->required();
     verb.add_option("--format", output.format, list + "; without it the ending of FILE decides")
         ->type_name("FORMAT")
-        ->check(CLI::IsMember(formats).description(""));
+        ->check(CLI::IsMember(output.formats).description(""));
     verb.add_flag("--force,-f", output.force, "Replace FILE if it exists");
+}
+
+void addOutput(CLI::App& verb, OutputOptions& output)
+{
+    addOutput(verb, output, formatNames());
+}
+
+std::vector<std::string> meshFormatsAnd(const std::string& format)
+{
+    std::vector<std::string> formats = formatNames();
+    formats.push_back(format);
+    return formats;
 }
 
 void addProperties(CLI::App& verb, std::string& selection)
@@ -82,16 +114,17 @@ void addProperties(CLI::App& verb, std::string& selection)
         ->type_name("NAMES");
 }
 
-MeshFormat formatFor(const OutputOptions& output)
+std::string formatFor(const OutputOptions& output)
 {
-    for (const NamedFormat& format : kFormats)
-        if (output.format == format.name)
-            return format.format;
+    if (!output.format.empty())
+        return output.format;
     if (output.path == "-")
         throw UsageError("standard output has no ending that says its format; give --format");
-    if (const auto format = MeshIo::formatOfName(output.path))
-        return *format;
-    throw UsageError(output.path + ": the ending is neither .obj nor .ply; give --format");
+    for (const std::string& format : output.formats)
+        if (hasEnding(format) && endsWith(output.path, "." + format))
+            return format;
+    throw UsageError(output.path + ": the ending is neither " + endingsOf(output.formats) +
+                     "; give --format");
 }
 
 const char* formatName(MeshFormat format)
@@ -99,6 +132,14 @@ const char* formatName(MeshFormat format)
     return std::find_if(std::begin(kFormats), std::end(kFormats),
                         [format](const NamedFormat& named) { return named.format == format; })
         ->name;
+}
+
+std::optional<MeshFormat> meshFormatOf(const std::string& name)
+{
+    for (const NamedFormat& format : kFormats)
+        if (name == format.name)
+            return format.format;
+    return std::nullopt;
 }
 
 Pelon::Array<Pelon::String> selectProperties(const Korvane::Object& mesh,

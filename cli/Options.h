@@ -7,6 +7,7 @@
 #include <Pelon/String.h>
 #include <meshio/MeshFile.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,24 +22,30 @@ struct OutputOptions {
     std::string path;
     std::string format;  ///< empty: by the ending of the path
     bool force = false;
+    std::vector<std::string> formats;  ///< those that the verb writes
 };
 
 /// --json, --quiet and --threads, which every verb has.
 void addSettings(CLI::App& verb, Session::Settings& settings);
 
 void addInput(CLI::App& verb, std::string& path);
+
+/// For a verb that writes one of these formats; in the other form, a mesh.
+void addOutput(CLI::App& verb, OutputOptions& output, std::vector<std::string> formats);
 void addOutput(CLI::App& verb, OutputOptions& output);
 
-/// The same for a verb that writes no mesh but one of these formats.
-void addOutput(CLI::App& verb, OutputOptions& output, const std::vector<std::string>& formats);
+/// The formats of meshes and one more.
+std::vector<std::string> meshFormatsAnd(const std::string& format);
 
 void addProperties(CLI::App& verb, std::string& selection);
 
-/// The format to write. Throws UsageError where neither an option nor the ending says it.
-MeshIo::MeshFormat formatFor(const OutputOptions& output);
+/// The format to write, in the word that --format takes. Throws UsageError where neither that option
+/// nor the ending says it.
+std::string formatFor(const OutputOptions& output);
 
-/// The word for a format, the one that --format takes.
+/// The word for a mesh format, and back: none for what holds no mesh.
 const char* formatName(MeshIo::MeshFormat format);
+std::optional<MeshIo::MeshFormat> meshFormatOf(const std::string& name);
 
 /// The properties of `mesh` that "all", "none" or "a,b" selects. Throws UsageError for a name that
 /// the mesh lacks.

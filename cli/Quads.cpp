@@ -1,21 +1,16 @@
+#include "Conversion.h"
 #include "MeshFacts.h"
-#include "Options.h"
-#include "Stopwatch.h"
 #include "Verbs.h"
 
-#include <meshio/OutputFile.h>
 #include <meshio/QuadMesh.h>
 
 #include <CLI/CLI.hpp>
 #include <cmath>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 namespace Cli {
 namespace {
-
-using MeshIo::MeshFormat;
 
 struct Options {
     std::string input;
@@ -25,51 +20,8 @@ struct Options {
     std::vector<float> innerWeights;
 };
 
-struct Work {
-    MeshIo::MeshRead input;
-    MeshIo::QuadMesh result;
-    Json seconds;
-};
-
-// What does not fit the mesh was asked for on the command line.
-MeshIo::QuadMesh quadsOf(const MeshIo::MeshRead& input, const Options& options)
-{
-    try {
-        return MeshIo::makeQuadMesh(*input.mesh, options.input,
-                                    selectProperties(*input.mesh, options.properties),
-                                    options.quads);
-    } catch (const std::invalid_argument& error) {
-        throw UsageError(options.input + ": " + error.what());
-    }
-}
-
-Work work(const Options& options, MeshFormat format, MeshIo::OutputFile& output, Session& session)
-{
-    Work work;
-    Stopwatch watch;
-    work.input = readInput(session, options.input);
-    work.seconds["read"] = watch.lap();
-
-    session.beginStage("making quads");
-    work.result = quadsOf(work.input, options);
-    session.warn(work.result.warnings);
-    work.seconds["quads"] = watch.lap();
-
-    session.beginStage("writing " + options.output.path);
-    session.warn(MeshIo::writeMesh(*work.result.mesh, format, output));
-    session.beginStage("finishing " + options.output.path);
-    output.commit();
-    work.seconds["write"] = watch.lap();
-    return work;
-}
-
 std::string summary(const Json& facts)
 {
-    double seconds = 0;
-    for (const Json& part : facts["seconds"])
-        seconds += part.get<double>();
-    char took[32];
-    std::snprintf(took, sizeof took, "%.3f s", seconds);
     const std::string carried = joined(facts["properties"]);
     const Json& split = facts["split_edges"];
     return facts["before"]["faces"].dump() + " faces -> " + facts["after"]["faces"].dump() +
@@ -77,34 +29,26 @@ std::string summary(const Json& facts)
            facts["after"]["points"].dump() + " points, " + facts["creased_edges"].dump() + " of " +
            facts["edges"].dump() + " edges creased" +
            (split == 0 ? "" : ", " + split.dump() + " split") + "; carried " +
-           (carried.empty() ? "nothing" : carried) + "; " + took + "; see " +
-           facts["output"].get<std::string>();
+           (carried.empty() ? "nothing" : carried);
 }
 
 ExitCode quads(const Options& options, Session& session)
 {
-    if (session.settings.json && options.output.path == "-")
-        throw UsageError("the mesh goes to standard output, so --json has no place to go");
-    const MeshFormat format = formatFor(options.output);
-    session.setSubject(options.input);
-    // Made first: what stands in the way of the output is told before the long work.
-    MeshIo::OutputFile output(options.output.path, options.output.force);
-    const Work done = work(options, format, output, session);
-
-    Json facts = {{"verb", "quads"},
-                  {"file", options.input},
-                  {"output", options.output.path},
-                  {"format", formatName(format)},
-                  {"before", countsOf(*done.input.mesh)},
-                  {"after", countsOf(*done.result.mesh)},
-                  {"edges", done.result.edges},
-                  {"creased_edges", done.result.creasedEdges},
-                  {"split_edges", done.result.splitEdges},
-                  {"properties", carriedNames(*done.result.mesh)},
-                  {"seconds", done.seconds}};
-    session.note(summary(facts));
-    session.finish(std::move(facts), "");
-    return ExitCode::Done;
+    Conversion conversion(options.input, options.output, session);
+    const Korvane::Object& mesh = conversion.mesh();
+    const MeshIo::QuadMesh result = conversion.run("quads", "making quads", [&] {
+        return MeshIo::makeQuadMesh(mesh, options.input, selectProperties(mesh, options.properties),
+                                    options.quads);
+    });
+    session.warn(result.warnings);
+    conversion.write(*result.mesh);
+    const Json facts = {{"before", countsOf(mesh)},
+                        {"after", countsOf(*result.mesh)},
+                        {"edges", result.edges},
+                        {"creased_edges", result.creasedEdges},
+                        {"split_edges", result.splitEdges},
+                        {"properties", carriedNames(*result.mesh)}};
+    return conversion.report(facts, summary(facts));
 }
 
 // Any three weights that are not negative will do; what counts is their ratio.

@@ -45,6 +45,7 @@ public:
 
     /// `verb` is empty as long as it is not known.
     void setVerb(std::string verb) { m_verb = std::move(verb); }
+    const std::string& verb() const { return m_verb; }
 
     /// The file that messages are about; "-" stands for standard input.
     void setSubject(const std::string& path);
@@ -54,6 +55,8 @@ public:
 
     void warn(const std::string& text);
     void warn(const std::vector<std::string>& texts);
+
+    /// Tells people what was done.
     void note(const std::string& text);
 
     /// Says why the verb fails; `text` names its file itself.

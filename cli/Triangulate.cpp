@@ -1,13 +1,10 @@
+#include "Conversion.h"
 #include "MeshFacts.h"
-#include "Options.h"
-#include "Stopwatch.h"
 #include "Verbs.h"
 
-#include <meshio/OutputFile.h>
 #include <meshio/TriangulateMesh.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -15,40 +12,12 @@ namespace Cli {
 namespace {
 
 using Korvane::Object;
-using MeshIo::MeshFormat;
 
 struct Options {
     std::string input;
     OutputOptions output;
     std::string properties = "all";
 };
-
-struct Work {
-    MeshIo::MeshRead input;
-    MeshIo::TriangulatedMesh result;
-    Json seconds;
-};
-
-Work work(const Options& options, MeshFormat format, MeshIo::OutputFile& output, Session& session)
-{
-    Work work;
-    Stopwatch watch;
-    work.input = readInput(session, options.input);
-    const Object& mesh = *work.input.mesh;
-    work.seconds["read"] = watch.lap();
-
-    session.beginStage("triangulating");
-    work.result = MeshIo::triangulateMesh(mesh, selectProperties(mesh, options.properties));
-    session.warn(work.result.warnings);
-    work.seconds["triangulate"] = watch.lap();
-
-    session.beginStage("writing " + options.output.path);
-    session.warn(MeshIo::writeMesh(*work.result.mesh, format, output));
-    session.beginStage("finishing " + options.output.path);
-    output.commit();
-    work.seconds["write"] = watch.lap();
-    return work;
-}
 
 std::string change(const Json& facts, const char* what)
 {
@@ -59,38 +28,24 @@ std::string change(const Json& facts, const char* what)
 
 std::string summary(const Json& facts)
 {
-    double seconds = 0;
-    for (const Json& part : facts["seconds"])
-        seconds += part.get<double>();
-    char took[32];
-    std::snprintf(took, sizeof took, "%.3f s", seconds);
     const std::string carried = joined(facts["properties"]);
     return change(facts, "points") + ", " + change(facts, "corners") + ", " +
-           change(facts, "faces") + "; carried " + (carried.empty() ? "nothing" : carried) + "; " +
-           took + "; see " + facts["output"].get<std::string>();
+           change(facts, "faces") + "; carried " + (carried.empty() ? "nothing" : carried);
 }
 
 ExitCode triangulate(const Options& options, Session& session)
 {
-    if (session.settings.json && options.output.path == "-")
-        throw UsageError("the mesh goes to standard output, so --json has no place to go");
-    const MeshFormat format = formatFor(options.output);
-    session.setSubject(options.input);
-    // Made first: what stands in the way of the output is told before the long work.
-    MeshIo::OutputFile output(options.output.path, options.output.force);
-    const Work done = work(options, format, output, session);
-
-    Json facts = {{"verb", "triangulate"},
-                  {"file", options.input},
-                  {"output", options.output.path},
-                  {"format", formatName(format)},
-                  {"before", countsOf(*done.input.mesh)},
-                  {"after", countsOf(*done.result.mesh)},
-                  {"properties", carriedNames(*done.result.mesh)},
-                  {"seconds", done.seconds}};
-    session.note(summary(facts));
-    session.finish(std::move(facts), "");
-    return ExitCode::Done;
+    Conversion conversion(options.input, options.output, session);
+    const Object& mesh = conversion.mesh();
+    const MeshIo::TriangulatedMesh result = conversion.run("triangulate", "triangulating", [&] {
+        return MeshIo::triangulateMesh(mesh, selectProperties(mesh, options.properties));
+    });
+    session.warn(result.warnings);
+    conversion.write(*result.mesh);
+    const Json facts = {{"before", countsOf(mesh)},
+                        {"after", countsOf(*result.mesh)},
+                        {"properties", carriedNames(*result.mesh)}};
+    return conversion.report(facts, summary(facts));
 }
 
 }  // namespace

@@ -1,18 +1,12 @@
-#include "MeshFacts.h"
-#include "Options.h"
-#include "Stopwatch.h"
+#include "Conversion.h"
 #include "Verbs.h"
 
 #include <meshio/Npz.h>
-#include <meshio/OutputFile.h>
 #include <meshio/Voxels.h>
 
 #include <CLI/CLI.hpp>
-#include <cmath>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <optional>
 
 namespace Cli {
 namespace {
@@ -25,93 +19,40 @@ struct Options {
     double cellSize = 0;
 };
 
-// A mesh format, or none for cells as arrays.
-std::optional<MeshIo::MeshFormat> outputFormat(const OutputOptions& output)
-{
-    constexpr std::string_view kEnding = ".npz";
-    const std::string& path = output.path;
-    const bool endsSo = path.size() > kEnding.size() &&
-                        path.compare(path.size() - kEnding.size(), kEnding.size(), kEnding) == 0;
-    if (output.format.empty() && endsSo)
-        return std::nullopt;
-    return formatFor(output);
-}
-
-void writeArrays(const Cells& cells, double cellSize, MeshIo::OutputFile& output)
+std::vector<std::string> writeArrays(const Cells& cells, double cellSize,
+                                     MeshIo::OutputFile& output)
 {
     static_assert(sizeof(MeshIo::Cell) == 3 * sizeof(std::int32_t));
     MeshIo::NpzWriter writer(output);
     writer.add("cells", {cells.size(), 3}, cells.empty() ? nullptr : &cells.data()->x);
     writer.add("cell_size", {}, &cellSize);
     writer.finish();
+    return {};
 }
 
-// What does not fit was asked for by the size of a cell.
-template <class Work>
-auto asUsage(const Options& options, const Work& work)
+std::vector<std::string> write(const Cells& cells, const Options& options,
+                               const std::string& format, MeshIo::OutputFile& output)
 {
-    try {
-        return work();
-    } catch (const std::invalid_argument& error) {
-        throw UsageError(options.input + ": " + error.what());
-    }
-}
-
-void write(const Cells& cells, const Options& options, MeshIo::OutputFile& output, Session& session)
-{
-    session.beginStage("writing " + options.output.path);
-    if (const auto format = outputFormat(options.output)) {
-        const auto cubes =
-            asUsage(options, [&] { return MeshIo::makeCubes(cells, options.cellSize); });
-        session.warn(MeshIo::writeMesh(*cubes, *format, output));
-    } else {
-        writeArrays(cells, options.cellSize, output);
-    }
-    session.beginStage("finishing " + options.output.path);
-    output.commit();
-}
-
-std::string summary(const Json& facts)
-{
-    double seconds = 0;
-    for (const Json& part : facts["seconds"])
-        seconds += part.get<double>();
-    char took[32];
-    std::snprintf(took, sizeof took, "%.3f s", seconds);
-    return facts["cells"].dump() + " cells of " + facts["cell_size"].dump() + "; " + took +
-           "; see " + facts["output"].get<std::string>();
+    const auto meshFormat = meshFormatOf(format);
+    if (!meshFormat)
+        return writeArrays(cells, options.cellSize, output);
+    return MeshIo::writeMesh(*MeshIo::makeCubes(cells, options.cellSize), *meshFormat, output);
 }
 
 ExitCode voxels(const Options& options, Session& session)
 {
-    if (session.settings.json && options.output.path == "-")
-        throw UsageError("the cells go to standard output, so --json has no place to go");
     if (!(options.cellSize >= 1e-30 && options.cellSize <= 1e30))
         throw UsageError("the size of a cell is a number from 1e-30 to 1e30");
-    const auto format = outputFormat(options.output);
-    session.setSubject(options.input);
-    MeshIo::OutputFile output(options.output.path, options.output.force);
-    Json seconds;
-    Stopwatch watch;
-    const MeshIo::MeshRead input = readInput(session, options.input);
-    seconds["read"] = watch.lap();
-    session.beginStage("finding cells");
-    const Cells cells =
-        asUsage(options, [&] { return MeshIo::touchedCells(*input.mesh, options.cellSize); });
-    seconds["voxels"] = watch.lap();
-    write(cells, options, output, session);
-    seconds["write"] = watch.lap();
-
-    Json facts = {{"verb", "voxels"},
-                  {"file", options.input},
-                  {"output", options.output.path},
-                  {"format", format ? formatName(*format) : "npz"},
-                  {"cell_size", options.cellSize},
-                  {"cells", cells.size()},
-                  {"seconds", seconds}};
-    session.note(summary(facts));
-    session.finish(std::move(facts), "");
-    return ExitCode::Done;
+    Conversion conversion(options.input, options.output, session);
+    const Cells cells = conversion.run("voxels", "finding cells", [&] {
+        return MeshIo::touchedCells(conversion.mesh(), options.cellSize);
+    });
+    conversion.write([&](MeshIo::OutputFile& output) {
+        return write(cells, options, conversion.format(), output);
+    });
+    const Json facts = {{"cell_size", options.cellSize}, {"cells", cells.size()}};
+    return conversion.report(facts,
+                             facts["cells"].dump() + " cells of " + facts["cell_size"].dump());
 }
 
 }  // namespace
@@ -120,7 +61,7 @@ Run declareVoxels(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
     addInput(verb, options->input);
-    addOutput(verb, options->output);
+    addOutput(verb, options->output, meshFormatsAnd("npz"));
     verb.add_option("--cell", options->cellSize, "Length of a cell's edges")
         ->type_name("H")
         ->required();

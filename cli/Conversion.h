@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Options.h"
+#include "Stopwatch.h"
+
+#include <Korvane/Object.h>
+#include <meshio/MeshFile.h>
+#include <meshio/OutputFile.h>
+
+#include <nlohmann/json.hpp>
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Cli {
+
+/// The run of a verb that reads a mesh and writes one file: what stands in the way of the output is
+/// told before the long work, every part is timed, and all reports begin and end alike.
+///
+/// Made, it has the input; then run() and write(), and report() at the end.
+class Conversion {
+public:
+    Conversion(const std::string& input, const OutputOptions& output, Session& session);
+
+    const Korvane::Object& mesh() const { return *m_input.mesh; }
+    const std::string& format() const { return m_format; }
+
+    /// Runs one part of the work. `part` names it in the report, `what` in the progress line. What
+    /// does not fit the mesh (std::invalid_argument) was asked for on the command line.
+    template <class Work>
+    auto run(const char* part, const std::string& what, const Work& work)
+    {
+        beginPart(what);
+        auto result = guarded(work);
+        endPart(part);
+        return result;
+    }
+
+    /// Writes the output by `writer`, which returns its warnings, and gives it its name.
+    void write(const std::function<std::vector<std::string>(MeshIo::OutputFile&)>& writer);
+
+    /// Writes a mesh in the format that was asked for.
+    void write(const Korvane::Object& mesh);
+
+    /// Ends the verb with what it has to say of its work, as JSON and in a few words.
+    ExitCode report(const Json& facts, const std::string& summary);
+
+private:
+    template <class Work>
+    auto guarded(const Work& work) -> decltype(work())
+    {
+        try {
+            return work();
+        } catch (const std::invalid_argument& error) {
+            throw UsageError(m_inputPath + ": " + error.what());
+        }
+    }
+
+    void beginPart(const std::string& what);
+    void endPart(const char* part);
+
+    Session& m_session;
+    std::string m_inputPath, m_outputPath;
+    std::string m_format;
+    std::unique_ptr<MeshIo::OutputFile> m_output;
+    MeshIo::MeshRead m_input;
+    Stopwatch m_watch;
+    Json m_seconds;  // of each part
+};
+
+}  // namespace Cli
