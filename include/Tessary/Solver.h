@@ -114,11 +114,13 @@ public:
 
     /// Solves for `displacements`, starting from the free displacements and the pushes of the last
     /// solve, and returns whether the sweeps converged; if not, every displacement is the fallback.
+    /// Pushes that are not finite are forgotten first, so that a NaN once given spoils no later solve.
     ///
     /// Without freeDisplacements it starts from `displacements`, which must then hold the pushes of
     /// pairLambdas already. Fewer than two colliders constrain nothing: true.
     bool solve()
     {
+        withdrawPushesThatAreNotFinite();
         if (!freeDisplacements.empty())
             startFromFreeDisplacements();
         if (colliderCount() < 2)
@@ -153,6 +155,13 @@ private:
     void withdrawPush(std::size_t pair)
     {
         pairLambdas[pair] = std::copysign(0.0f, pairLambdas[pair]);
+    }
+
+    void withdrawPushesThatAreNotFinite()
+    {
+        for (std::size_t pair = 0; pair < pairLambdas.size(); ++pair)
+            if (!std::isfinite(pairLambdas[pair]))
+                withdrawPush(pair);
     }
 
     static float3 unreachable()

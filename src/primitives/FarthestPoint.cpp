@@ -20,24 +20,6 @@ constexpr std::size_t kStretch = 512;
 
 #if TESSARY_SSE2
 
-// Points 0 to 3 at `p` as four registers of x, y and z.
-struct Four {
-    __m128 x, y, z;
-
-    explicit Four(const float3* p)
-    {
-        const float* const f = &p->x;
-        const __m128 a = _mm_loadu_ps(f);                                   // x0 y0 z0 x1
-        const __m128 b = _mm_loadu_ps(f + 4);                               // y1 z1 x2 y2
-        const __m128 c = _mm_loadu_ps(f + 8);                               // z2 x3 y3 z3
-        const __m128 xy23 = _mm_shuffle_ps(b, c, _MM_SHUFFLE(2, 1, 3, 2));  // x2 y2 x3 y3
-        const __m128 yz01 = _mm_shuffle_ps(a, b, _MM_SHUFFLE(1, 0, 2, 1));  // y0 z0 y1 z1
-        x = _mm_shuffle_ps(a, xy23, _MM_SHUFFLE(2, 0, 3, 0));
-        y = _mm_shuffle_ps(yz01, xy23, _MM_SHUFFLE(3, 1, 2, 0));
-        z = _mm_shuffle_ps(yz01, c, _MM_SHUFFLE(3, 0, 3, 1));
-    }
-};
-
 struct Center2 {
     __m128d x, y, z;
 
@@ -59,7 +41,7 @@ double largestDistance(const float3* p, std::size_t count, const Ball& ball)
     __m128d high = low;
     std::size_t i = 0;
     for (; i + 4 <= count; i += 4) {
-        const Four four(p + i);
+        const FourPoints four(p + i);
         // A distance that is NaN leaves the second operand.
         low = _mm_max_pd(center.squaredDistance(four.x, four.y, four.z), low);
         high = _mm_max_pd(
@@ -81,7 +63,7 @@ float largestFloat(const float3* p, std::size_t count, const float3& c)
     __m128 most = _mm_setzero_ps();
     std::size_t i = 0;
     for (; i + 4 <= count; i += 4) {
-        const Four four(p + i);
+        const FourPoints four(p + i);
         const __m128 dx = _mm_sub_ps(four.x, cx);
         const __m128 dy = _mm_sub_ps(four.y, cy);
         const __m128 dz = _mm_sub_ps(four.z, cz);

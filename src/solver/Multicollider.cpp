@@ -2,9 +2,9 @@
 
 #include "host/Float4.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
+#include <limits>
 
 // One projection of a pair, a contact with direction n of collider g and another collider o:
 //   lambda   the pair's multiplier, lambda' the new one
@@ -13,6 +13,11 @@
 //   d        the violation n . (A - B), m its amount on the side that the sign of lambda chooses
 // Everything is rounded in this order, operation by operation, so that vector registers change
 // nothing.
+//
+// A pair rests where lambda and lambda' are both zero. As long as no w n overflows, its projection
+// adds and subtracts zeros: that makes 0 of a -0 in D_g or D_o and changes nothing else. No
+// projection makes a -0, since lambda' has the sign of lambda. So once there is none, a pair that
+// rests needs a look, no write, and the next pair does not wait for it.
 
 namespace Tessary {
 namespace {
@@ -20,6 +25,7 @@ namespace {
 struct Contact {
     Float4 n;
     Float4 w_g_n;
+    bool mayRest;  // no product of n and an inverse mass overflows
 };
 
 // The others of one collider that lie on one side of it in the arrays.
@@ -31,47 +37,105 @@ struct Others {
     uint count;
 };
 
-std::uint32_t bitsOf(float value)
+// Without these, a displacement has no -0 from the beginning.
+void dropNegativeZeros(Array<float3>& displacements)
 {
-    std::uint32_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
+    for (float3& D : displacements)
+        D = {D.x + 0.0f, D.y + 0.0f, D.z + 0.0f};
 }
 
-bool isZero(float value)
+float largestOf(const Array<float>& inverseMasses)
 {
-    return bitsOf(value) << 1 == 0;
+    float largest = 0.0f;
+    for (const float w : inverseMasses)
+        largest = std::max(largest,
+                           std::isnan(w) ? std::numeric_limits<float>::infinity() : std::fabs(w));
+    return largest;
 }
 
-// Projects the pairs of one contact and returns D_g, which stays in a register from pair to pair, as
-// each needs what the one before has made of it.
-Float4 project(const Contact contact, const Others others, float tolerance, Float4 D_g,
+#if TESSARY_SSE2
+
+// Whether those of pairs first to first + 3 that are in `lanes`, a bit for each, rest.
+bool fourRest(const Contact& contact, const Others& others, uint first, int lanes, Float4 D_g)
+{
+    const __m128 zero = _mm_setzero_ps();
+    const __m128 lambda = _mm_loadu_ps(others.lambda + first);
+    if ((_mm_movemask_ps(_mm_cmpneq_ps(lambda, zero)) & lanes) != 0)
+        return false;
+    const FourPoints D_o(others.D + first);
+    const auto product = [](Float4 g, __m128 o, Float4 n) {
+        return _mm_mul_ps(_mm_sub_ps(g, o), n);
+    };
+    const Float4 n = contact.n;
+    const __m128 x = product(splatX(D_g), D_o.x, splatX(n));
+    const __m128 y = product(splatY(D_g), D_o.y, splatY(n));
+    const __m128 z = product(splatZ(D_g), D_o.z, splatZ(n));
+    const __m128 m = timesSignOf(_mm_add_ps(_mm_add_ps(x, y), z), lambda);
+    const __m128 apart = _mm_cmple_ps(m, zero);
+    if ((_mm_movemask_ps(apart) & lanes) == lanes)
+        return true;  // without a look at the scales
+    const __m128 push = _mm_mul_ps(m, _mm_loadu_ps(others.scale + first));
+    const __m128 rest = _mm_or_ps(apart, _mm_cmpeq_ps(push, zero));
+    return (_mm_movemask_ps(rest) & lanes) == lanes;
+}
+
+#else
+
+bool fourRest(const Contact&, const Others&, uint, int, Float4)
+{
+    return false;
+}
+
+#endif
+
+// Whether the pairs from `begin` to `end`, at most four, rest; if need be, looks at some before.
+bool allRest(const Contact& contact, const Others& others, uint begin, uint end, Float4 D_g)
+{
+    if (!contact.mayRest || end < 4)
+        return false;
+    return fourRest(contact, others, end - 4, 15 << (4 - (end - begin)) & 15, D_g);
+}
+
+// Whether a pair that its scale keeps from pushing rests. Such pairs are told from their
+// neighbours before D_g is known.
+bool restsIgnored(const Contact& contact, const Others& others, uint j, Float4 D_g)
+{
+    if (others.scale[j] != 0.0f || others.lambda[j] != 0.0f || !contact.mayRest)
+        return false;
+    return sum3(mul(sub(D_g, load3(others.D[j])), contact.n)) * others.scale[j] == 0.0f;
+}
+
+// Projects pair j and returns D_g. There is no jump in it, as half of the pairs that move begin or
+// cease to push from one sweep to the next, in no order.
+Float4 project(const Contact& contact, const Others& others, uint j, float tolerance, Float4 D_g,
                bool& converged)
 {
+    const Float4 lambda = splat(others.lambda[j]);
+    const Float4 w_o_n = mul(splat(others.w[j]), contact.n);
+    const Float4 A = add(mul(contact.w_g_n, lambda), D_g);
+    const Float4 B = sub(load3(others.D[j]), mul(w_o_n, lambda));
+    // The sign of lambda goes into n and the scale, which are there before A and B are.
+    const Float4 m = splatSum3(mul(sub(A, B), timesSignOf(contact.n, lambda)));
+    const Float4 scale = withSignOf(splat(others.scale[j]), lambda);
+    const Float4 push = zeroUnlessPositive(m, mul(m, scale));  // lambda', but perhaps for its sign
+    const Float4 next = withSignOf(push, lambda);
+    store3(others.D[j], add(mul(w_o_n, next), B));
+    others.lambda[j] = firstOf(next);
+    converged &= tolerance >= std::fabs(firstOf(sub(lambda, next)));
+    return sub(A, mul(contact.w_g_n, push));
+}
+
+Float4 projectAll(const Contact contact, const Others others, float tolerance, Float4 D_g,
+                  bool& converged)
+{
     bool allConverged = true;
-    for (uint j = 0; j < others.count; ++j) {
-        const float lambda = others.lambda[j];
-        const Float4 w_o_n = mul(splat(others.w[j]), contact.n);
-        const Float4 A = add(mul(contact.w_g_n, splat(lambda)), D_g);
-        const Float4 B = sub(load3(others.D[j]), mul(w_o_n, splat(lambda)));
-        // The sign of lambda goes into n and the scale, which are there before A and B are.
-        const Float4 signed_n = timesSignOf(contact.n, lambda);
-        const float scale = std::copysign(others.scale[j], lambda);
-        const float m = sum3(mul(sub(A, B), signed_n));
-        const float push = zeroUnlessPositive(m, m * scale);
-        const float next = std::copysign(push, lambda);
-        // Most pairs do not push and go on not to. A jump that foresees it frees the next pair from
-        // waiting for this one's violation.
-        if (isZero(lambda) && bitsOf(next) == bitsOf(lambda)) {
-            D_g = sub(A, mul(contact.w_g_n, splat(lambda)));
-            store3(others.D[j], add(mul(w_o_n, splat(lambda)), B));
-            allConverged &= tolerance >= 0.0f;
-            continue;
-        }
-        D_g = sub(A, mul(contact.w_g_n, splat(next)));
-        store3(others.D[j], add(mul(w_o_n, splat(next)), B));
-        allConverged &= tolerance >= std::fabs(lambda - next);
-        others.lambda[j] = next;
+    for (uint begin = 0; begin < others.count;) {
+        const uint end = std::min(begin + 4, others.count);
+        if (!allRest(contact, others, begin, end, D_g))
+            for (uint j = begin; j < end; ++j)
+                if (!restsIgnored(contact, others, j, D_g))
+                    D_g = project(contact, others, j, tolerance, D_g, allConverged);
+        begin = end;
     }
     converged &= allConverged;
     return D_g;
@@ -84,21 +148,25 @@ void Multicollider::solveInternal()
     const auto N = static_cast<uint>(displacements.size());
     if (N < 2)
         return;
+    const bool hasPairs = maxIterations > 0 && contactOffsets[0] != contactOffsets[N];
+    if (hasPairs)
+        dropNegativeZeros(displacements);
+    const Float4 w_max = splat(largestOf(inverseMasses));
     const float* const w = inverseMasses.data();
     float3* const D = displacements.data();
     for (uint iteration = 0; iteration < maxIterations; ++iteration) {
-        bool converged = true;
+        bool converged = !hasPairs || tolerance >= 0.0f;
         for (uint g = 0; g < N; ++g) {
             Float4 D_g = load3(D[g]);
             for (uint c = contactOffsets[g]; c < contactOffsets[g + 1]; ++c) {
                 const Float4 n = load3(contactDirections[c].direction);
-                const Contact contact = {n, mul(splat(w[g]), n)};
+                const Contact contact = {n, mul(splat(w[g]), n), areFinite3(mul(w_max, n))};
                 const std::size_t k = std::size_t{c} * (N - 1);
                 const float* const scale = pairScales.data() + k;
                 float* const lambda = pairLambdas.data() + k;
-                D_g = project(contact, {D, w, scale, lambda, g}, tolerance, D_g, converged);
-                D_g = project(contact, {D + g + 1, w + g + 1, scale + g, lambda + g, N - 1 - g},
-                              tolerance, D_g, converged);
+                D_g = projectAll(contact, {D, w, scale, lambda, g}, tolerance, D_g, converged);
+                D_g = projectAll(contact, {D + g + 1, w + g + 1, scale + g, lambda + g, N - 1 - g},
+                                 tolerance, D_g, converged);
             }
             store3(D[g], D_g);
         }
