@@ -9,6 +9,8 @@
 #include <meshio/OutputFile.h>
 #include <meshio/QuadMesh.h>
 #include <meshio/ReadFile.h>
+#include <meshio/SampleCloud.h>
+#include <meshio/SampledSurface.h>
 #include <meshio/TriangulateMesh.h>
 
 #include <CLI/CLI.hpp>
@@ -177,6 +179,20 @@ void runKernels(const Object& mesh, Steps& steps, std::size_t& wrong)
     steps.run("computeQuadMesh", [&] { return quadsOfTriangles(mesh, views); });
 }
 
+// As far apart as two percent of the radius, whatever the resolution.
+MeshIo::SurfaceSamples samplesOf(const Object& mesh, Steps& steps)
+{
+    MeshIo::SurfaceSamples samples;
+    steps.run("poissonSampleTriMesh", [&] {
+        const MeshIo::SampledSurface surface(mesh, "demo");
+        samples = surface.sample(0.02f * surface.boundingRadius(), 0);
+        char distance[32];
+        std::snprintf(distance, sizeof distance, "%.4g", double{samples.distance});
+        return std::to_string(samples.count()) + " samples, " + distance + " apart";
+    });
+    return samples;
+}
+
 void write(const Object& mesh, const std::string& path, Session& session, Steps& steps)
 {
     const MeshFormat format = *MeshIo::formatOfName(path);
@@ -208,7 +224,7 @@ ExitCode demo(const Options& options, Session& session)
     Steps steps(session);
     std::size_t wrong = 0;
 
-    Pelon::Ptr<Object> mesh, triangles, quads;
+    Pelon::Ptr<Object> mesh, triangles, quads, samples;
     steps.run("makeDemoMesh", [&] {
         mesh = MeshIo::makeDemoMesh(options.resolution);
         return countsText(*mesh);
@@ -226,11 +242,19 @@ ExitCode demo(const Options& options, Session& session)
         quads = result.mesh;
         return countsText(*quads) + "; " + joined(carriedNames(*quads));
     });
+    const MeshIo::SurfaceSamples found = samplesOf(*mesh, steps);
+    steps.run("sample", [&] {
+        auto result = MeshIo::makeSampleCloud(*mesh, found, MeshIo::carriedPropertyNames(*mesh));
+        session.warn(result.warnings);
+        samples = result.cloud;
+        return std::to_string(found.count()) + " points; " + joined(carriedNames(*samples));
+    });
     write(*mesh, path("demo.obj"), session, steps);
     write(*mesh, path("demo.ply"), session, steps);
     write(*triangles, path("demo_triangles.obj"), session, steps);
     write(*triangles, path("demo_triangles.ply"), session, steps);
     write(*quads, path("demo_quads.ply"), session, steps);
+    write(*samples, path("demo_samples.ply"), session, steps);
 
     session.finish(
         {{"verb", "demo"},

@@ -21,6 +21,7 @@ Run declareQuads(CLI::App& verb, Session& session);
 Run declareSphere(CLI::App& verb, Session& session);
 Run declareVoxels(CLI::App& verb, Session& session);
 Run declareAdjacency(CLI::App& verb, Session& session);
+Run declareSample(CLI::App& verb, Session& session);
 Run declareDemo(CLI::App& verb, Session& session);
 
 }  // namespace Cli

@@ -28,6 +28,7 @@ constexpr Verb kVerbs[] = {
     {"sphere", "Find the smallest sphere around a mesh", declareSphere},
     {"voxels", "Find the cells of a grid that a mesh touches", declareVoxels},
     {"adjacency", "Find the neighbours of triangles, as arrays", declareAdjacency},
+    {"sample", "Scatter points over the surface of a mesh", declareSample},
     {"demo", "Run every kernel on a demo mesh and write the results", declareDemo},
 };
 

@@ -57,9 +57,9 @@ std::size_t countOf(const std::vector<std::size_t>& shape)
 }
 
 // The head of a .npy file of version 1.0: a dictionary, filled with blanks to a multiple of 64.
-std::string npyHeader(const char* type, const std::vector<std::size_t>& shape)
+std::string npyHeader(const std::string& type, const std::vector<std::size_t>& shape)
 {
-    std::string dictionary = std::string("{'descr': '") + type + "', 'fortran_order': False, ";
+    std::string dictionary = "{'descr': '" + type + "', 'fortran_order': False, ";
     dictionary += "'shape': (";
     for (const std::size_t length : shape)
         dictionary += std::to_string(length) + ", ";
@@ -101,28 +101,19 @@ void writePieces(OutputFile& output, const void* bytes, std::size_t count)
 
 }  // namespace
 
-void NpzWriter::add(const std::string& name, const std::vector<std::size_t>& shape,
-                    const std::int32_t* values)
+void NpzWriter::add(const std::string& name, const std::vector<std::size_t>& shape, char kind,
+                    std::size_t itemBytes, const void* values)
 {
-    addBytes(name, npyHeader("<i4", shape), values, 4 * countOf(shape));
+    const std::string type = (itemBytes == 1 ? "|" : "<") + (kind + std::to_string(itemBytes));
+    addBytes(name, npyHeader(type, shape), values, itemBytes * countOf(shape));
 }
 
-void NpzWriter::add(const std::string& name, const std::vector<std::size_t>& shape,
-                    const std::uint32_t* values)
+void NpzWriter::addTexts(const std::string& name, std::size_t width,
+                         const std::vector<char32_t>& texts)
 {
-    addBytes(name, npyHeader("<u4", shape), values, 4 * countOf(shape));
-}
-
-void NpzWriter::add(const std::string& name, const std::vector<std::size_t>& shape,
-                    const float* values)
-{
-    addBytes(name, npyHeader("<f4", shape), values, 4 * countOf(shape));
-}
-
-void NpzWriter::add(const std::string& name, const std::vector<std::size_t>& shape,
-                    const double* values)
-{
-    addBytes(name, npyHeader("<f8", shape), values, 8 * countOf(shape));
+    const std::vector<std::size_t> shape{texts.size() / width};
+    addBytes(name, npyHeader("<U" + std::to_string(width), shape), texts.data(),
+             sizeof(char32_t) * texts.size());
 }
 
 void NpzWriter::finish()

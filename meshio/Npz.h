@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace MeshIo {
@@ -17,17 +18,26 @@ class NpzWriter {
 public:
     explicit NpzWriter(OutputFile& output) : m_output(output) {}
 
-    /// An array in C order. An empty shape is a single number.
-    void add(const std::string& name, const std::vector<std::size_t>& shape,
-             const std::int32_t* values);
-    void add(const std::string& name, const std::vector<std::size_t>& shape,
-             const std::uint32_t* values);
-    void add(const std::string& name, const std::vector<std::size_t>& shape, const float* values);
-    void add(const std::string& name, const std::vector<std::size_t>& shape, const double* values);
+    /// An array of numbers or bool in C order. An empty shape is a single value.
+    template <class T>
+    void add(const std::string& name, const std::vector<std::size_t>& shape, const T* values)
+    {
+        static_assert(std::is_arithmetic_v<T>);
+        constexpr char kKind = std::is_same_v<T, bool>       ? 'b'
+                               : std::is_floating_point_v<T> ? 'f'
+                               : std::is_signed_v<T>         ? 'i'
+                                                             : 'u';
+        add(name, shape, kKind, sizeof(T), values);
+    }
+
+    /// A list of texts of `width` characters each, filled up with zeros.
+    void addTexts(const std::string& name, std::size_t width, const std::vector<char32_t>& texts);
 
     void finish();
 
 private:
+    void add(const std::string& name, const std::vector<std::size_t>& shape, char kind,
+             std::size_t itemBytes, const void* values);
     void addBytes(const std::string& name, const std::string& header, const void* bytes,
                   std::size_t count);
     void write(const std::string& bytes);

@@ -19,11 +19,11 @@ TEST(Demo, RunsEveryKernelAndWritesFilesThatReadBack)
     std::vector<std::string> steps;
     for (const json& step : facts["steps"])
         steps.push_back(step["step"]);
-    EXPECT_EQ(steps,
-              (std::vector<std::string>{
-                  "makeDemoMesh", "computeTriangulation", "constructDualMesh", "addDual",
-                  "half-edges", "computeTriEdges", "populateAdjacentTri", "computeQuadMesh",
-                  "triangulatePolyMesh", "quads", "write", "write", "write", "write", "write"}));
+    EXPECT_EQ(steps, (std::vector<std::string>{
+                         "makeDemoMesh", "computeTriangulation", "constructDualMesh", "addDual",
+                         "half-edges", "computeTriEdges", "populateAdjacentTri", "computeQuadMesh",
+                         "triangulatePolyMesh", "quads", "poissonSampleTriMesh", "sample", "write",
+                         "write", "write", "write", "write", "write"}));
 
     const auto infoOf = [&](const std::string& name) {
         return run({"info", demo + "/" + name, "--json", "--quiet"}).json();

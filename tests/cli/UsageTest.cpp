@@ -53,7 +53,8 @@ TEST(Usage, HelpWithAnExampleAndTheVersionGoToStandardOutput)
     EXPECT_EQ(version.find("tessary 2.11.0\nKorvane version 2.11.0.0 ("), 0u) << version;
     EXPECT_EQ(std::count(version.begin(), version.end(), '\n'), 2);
     EXPECT_NE(run({"--help"}).out.find("130 interrupted"), std::string::npos);
-    for (const char* verb : {"info", "validate", "triangulate", "sphere", "voxels", "demo"}) {
+    for (const char* verb :
+         {"info", "validate", "triangulate", "sphere", "voxels", "sample", "demo"}) {
         const Outcome help = run({verb, "--help"});
         EXPECT_EQ(help.exitCode, 0);
         EXPECT_EQ(help.err, "");

@@ -1,0 +1,184 @@
+#include "Conversion.h"
+#include "MeshFacts.h"
+#include "Verbs.h"
+
+#include <meshio/ClosestPair.h>
+#include <meshio/CloudArrays.h>
+#include <meshio/NumberText.h>
+#include <meshio/ReadFile.h>
+#include <meshio/SampleCloud.h>
+#include <meshio/SampledSurface.h>
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+
+namespace Cli {
+namespace {
+
+using MeshIo::SampledSurface;
+using MeshIo::SurfaceSamples;
+
+struct Options {
+    std::string input;
+    OutputOptions output;
+    std::string properties = "all";
+    std::string distance;  // a number, or percent of the radius; empty for a count
+    std::uint64_t count = 0;
+    std::uint32_t seed = 0;
+};
+
+struct Distance {
+    double number;
+    bool isPercent;
+};
+
+Distance parsedDistance(const std::string& text)
+{
+    const bool isPercent = !text.empty() && text.back() == '%';
+    const char* const end = text.data() + text.size() - (isPercent ? 1 : 0);
+    Distance distance{0, isPercent};
+    if (MeshIo::scanNumber(text.data(), end, distance.number) != end ||
+        !(distance.number > 0 && std::isfinite(distance.number)))
+        throw UsageError("--distance takes a number above zero, or percent such as 2%; " + text +
+                         " is neither");
+    return distance;
+}
+
+void check(const Options& options)
+{
+    if (options.distance.empty() == (options.count == 0))
+        throw UsageError("say how dense the samples are to be: --distance D or --count N");
+    if (!options.distance.empty())
+        parsedDistance(options.distance);
+}
+
+SurfaceSamples samplesOf(const SampledSurface& surface, const Options& options)
+{
+    if (options.distance.empty())
+        return surface.sampleCount(options.count, options.seed);
+    const Distance distance = parsedDistance(options.distance);
+    const double length = distance.isPercent
+                              ? distance.number / 100 * double{surface.boundingRadius()}
+                              : distance.number;
+    if (length > 3e38 || static_cast<float>(length) == 0)
+        throw UsageError(options.input + ": the distance " + Json(length).dump() +
+                         " is outside what single precision holds (scale the mesh)");
+    return surface.sample(static_cast<float>(length), options.seed);
+}
+
+void warnAbout(const SampledSurface& surface, const SurfaceSamples& samples, const Options& options,
+               Session& session)
+{
+    const std::string count = std::to_string(samples.count());
+    const std::uint64_t n = samples.count(), wanted = options.count;
+    const bool isNear = (n > wanted ? n - wanted : wanted - n) * 50 <= wanted;
+    if (options.distance.empty() && !isNear)
+        session.warn(std::to_string(wanted) + " samples were asked for; the nearest found is " +
+                     count + ", at the distance " + Json(briefly(samples.distance)).dump());
+    else if (n == 0)
+        session.warn("no sample at this distance (a smaller one gives some)");
+    const double share = surface.roundingShare(samples.distance);
+    if (share > 0.01) {
+        char text[32];
+        std::snprintf(text, sizeof text, "%.0f %%", std::min(100.0, 100 * share));
+        session.warn(
+            std::string("the mesh is so far from the origin that coordinates are rounded by ") +
+            text + " of the distance (move it to the origin)");
+    }
+}
+
+Json factsOf(const Options& options, const SampledSurface& surface, const SurfaceSamples& samples,
+             const std::optional<double>& smallest)
+{
+    const bool isCount = options.distance.empty();
+    return {{"samples", samples.count()},
+            {"distance", briefly(samples.distance)},
+            {"distance_asked", isCount ? Json() : Json(options.distance)},
+            {"count_asked", isCount ? Json(options.count) : Json()},
+            {"smallest_distance", smallest ? Json(*smallest) : Json()},
+            {"area", surface.area()},
+            {"density", static_cast<double>(samples.count()) / surface.area()},
+            {"seed", options.seed}};
+}
+
+std::string brief(const Json& number)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.6g", number.get<double>());
+    return text;
+}
+
+std::string summary(const Json& facts)
+{
+    const Json& smallest = facts["smallest_distance"];
+    return facts["samples"].dump() + " samples at distance " + facts["distance"].dump() +
+           (smallest.is_null() ? "" : ", smallest found " + brief(smallest)) + "; area " +
+           brief(facts["area"]) + ", density " + brief(facts["density"]) + ", seed " +
+           facts["seed"].dump() + "; with " + joined(facts["properties"]);
+}
+
+ExitCode sample(const Options& options, Session& session)
+{
+    check(options);
+    Conversion conversion(options.input, options.output, session);
+    const Korvane::Object& mesh = conversion.mesh();
+    const auto names = selectProperties(mesh, options.properties);
+    const SampledSurface surface = conversion.run("prepare", "measuring", [&] {
+        return SampledSurface(mesh, MeshIo::inputName(options.input));
+    });
+    const SurfaceSamples samples =
+        conversion.run("sample", "sampling", [&] { return samplesOf(surface, options); });
+    warnAbout(surface, samples, options, session);
+    const MeshIo::SampleCloud result = conversion.run("properties", "carrying properties", [&] {
+        const bool withPlaces = conversion.format() != "obj";  // which has no room for them
+        return MeshIo::makeSampleCloud(mesh, samples, names, withPlaces);
+    });
+    session.warn(result.warnings);
+    const auto smallest = conversion.run("distances", "measuring distances", [&] {
+        return MeshIo::smallestDistance(*samples.positions, samples.distance);
+    });
+    if (conversion.format() == "npz")
+        conversion.write([&](MeshIo::OutputFile& output) {
+            return MeshIo::writeCloudNpz(*result.cloud, output);
+        });
+    else
+        conversion.write(*result.cloud);
+    Json facts = {{"before", countsOf(mesh)}};
+    facts.update(factsOf(options, surface, samples, smallest));
+    facts["properties"] = carriedNames(*result.cloud);
+    return conversion.report(facts, summary(facts));
+}
+
+}  // namespace
+
+Run declareSample(CLI::App& verb, Session& session)
+{
+    const auto options = std::make_shared<Options>();
+    addInput(verb, options->input);
+    addOutput(verb, options->output, meshFormatsAnd("npz"));
+    CLI::Option* const distance =
+        verb.add_option("--distance,-d", options->distance,
+                        "No two samples are closer than this; 2% is percent of the radius of the\n"
+                        "smallest sphere around the mesh")
+            ->type_name("D");
+    verb.add_option("--count,-n", options->count, "Find the distance for about this many samples")
+        ->type_name("N")
+        ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{4000000000}).description(""))
+        ->excludes(distance);
+    verb.add_option("--seed", options->seed,
+                    "Draw other samples: 0 without this option, to 4294967295")
+        ->type_name("N");
+    addProperties(verb, options->properties);
+    verb.footer(
+        "Scatters points over the faces, taken as fans of triangles. Every sample has its face, "
+        "its\n"
+        "triangle, the weights of the triangle's corners, a normal and the mesh's values: real "
+        "ones\n"
+        "blended, others picked. A FILE that ends in .npz gets arrays for NumPy.\n\n"
+        "Example:\n  tessary sample roof.obj -o roof_samples.ply --distance 2%");
+    return [options, &session] { return sample(*options, session); };
+}
+
+}  // namespace Cli

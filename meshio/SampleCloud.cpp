@@ -1,0 +1,313 @@
+#include <meshio/SampleCloud.h>
+
+#include <Korvane/ElementTypes.h>
+#include <Korvane/Geometry.h>
+
+#include <meshio/PropertyKinds.h>
+#include <meshio/ReadFile.h>
+
+#include <tbb/parallel_for.h>
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <type_traits>
+
+namespace MeshIo {
+namespace {
+
+using namespace Korvane::Geometry;
+using namespace Korvane::Math;
+using Common::DataInterpolationMode;
+using Korvane::Object;
+using Pelon::Any;
+using Pelon::Array;
+using Pelon::makeMutable;
+using Pelon::Ptr;
+using Pelon::String;
+using Pelon::uint;
+
+template <class Body>
+void forEach(std::size_t count, const Body& body)
+{
+    throwIfCancelled();
+    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, count, 1024), [&body](const auto& range) {
+        for (std::size_t i = range.begin(); i < range.end(); ++i)
+            body(i);
+    });
+}
+
+template <class T>
+T blended(T v0, T v1, T v2, const float* w)
+{
+    return (v1 * w[1] + v2 * w[2]) + v0 * w[0];
+}
+
+template <class T>
+Vector2<T> blended(const Vector2<T>& a, const Vector2<T>& b, const Vector2<T>& c, const float* w)
+{
+    return {blended(a.x, b.x, c.x, w), blended(a.y, b.y, c.y, w)};
+}
+
+template <class T>
+Vector3<T> blended(const Vector3<T>& a, const Vector3<T>& b, const Vector3<T>& c, const float* w)
+{
+    return {blended(a.x, b.x, c.x, w), blended(a.y, b.y, c.y, w), blended(a.z, b.z, c.z, w)};
+}
+
+template <class T>
+Vector4<T> blended(const Vector4<T>& a, const Vector4<T>& b, const Vector4<T>& c, const float* w)
+{
+    return {blended(a.x, b.x, c.x, w), blended(a.y, b.y, c.y, w), blended(a.z, b.z, c.z, w),
+            blended(a.w, b.w, c.w, w)};
+}
+
+template <class T>
+constexpr bool isReal =
+    std::is_same_v<T, float> || std::is_same_v<T, float2> || std::is_same_v<T, float3> ||
+    std::is_same_v<T, float4> || std::is_same_v<T, double> || std::is_same_v<T, double2> ||
+    std::is_same_v<T, double3> || std::is_same_v<T, double4>;
+
+int largest(const float* w)
+{
+    return w[0] >= w[1] && w[0] >= w[2] ? 0 : w[1] >= w[2] ? 1 : 2;
+}
+
+// Where samples lie on a polygon mesh.
+class Places {
+public:
+    Places(const Object& mesh, const SurfaceSamples& samples)
+        : m_offset(dataArray<uint>(mesh, sFaceOffset)),
+          m_corner(dataArray<uint>(mesh, sFaceVertex)),
+          m_samples(samples),
+          m_faceIds(makeMutable<Array<uint>>(samples.count()))
+    {
+        Array<uint> faceOfTriangle(m_corner->size() - 2 * (m_offset->size() - 1));
+        for (uint face = 0; face + 1 < m_offset->size(); ++face)
+            for (uint t = firstTriangle(face); t < firstTriangle(face + 1); ++t)
+                faceOfTriangle[t] = face;
+        Array<uint>& ids = *m_faceIds;
+        forEach(ids.size(),
+                [&](std::size_t i) { ids[i] = faceOfTriangle[(*samples.triangleIds)[i]]; });
+    }
+
+    std::size_t count() const { return m_faceIds->size(); }
+    const Ptr<Array<uint>> faceIds() const { return m_faceIds; }
+    const float* weights(std::size_t i) const { return m_samples.weights->data() + 3 * i; }
+
+    // Corner k of the fan triangle, numbered in the polygon mesh.
+    uint corner(std::size_t i, uint k) const
+    {
+        const uint face = (*m_faceIds)[i];
+        const uint inFan = (*m_samples.triangleIds)[i] - firstTriangle(face);
+        return (*m_offset)[face] + (k == 0 ? 0 : inFan + k);
+    }
+
+    // The element of the component at corner k.
+    uint element(const String& component, std::size_t i, uint k) const
+    {
+        return component == sFaceComp         ? (*m_faceIds)[i]
+               : component == sFaceVertexComp ? corner(i, k)
+                                              : (*m_corner)[corner(i, k)];
+    }
+
+private:
+    uint firstTriangle(uint face) const { return (*m_offset)[face] - 2 * face; }
+
+    Ptr<Array<uint>> m_offset, m_corner;
+    const SurfaceSamples& m_samples;
+    Pelon::MutablePtr<Array<uint>> m_faceIds;
+};
+
+template <class T>
+T entryOr(const Object& property, const String& entry, T otherwise)
+{
+    const Any value = property.getProperty(entry);
+    const T* const typed = value.get<T>();
+    return typed ? *typed : otherwise;
+}
+
+// The values of one property, by element.
+template <class T>
+class Source {
+public:
+    Source(const Object& mesh, const ElementProperty& property, const Array<T>& values)
+        : m_component(property.component), m_values(values)
+    {
+        const Ptr<Object> object = getDataGeoProperty(mesh, property.name);
+        m_default = entryOr(*object, sDefault, T());
+        m_blends =
+            isReal<T> && m_component != sFaceComp &&
+            entryOr(*object, sInterp, DataInterpolationMode::Linear) != DataInterpolationMode::None;
+        if (!property.range.empty())
+            m_indices = getRangeGeoPropIndices(*getRangeGeoProperty(mesh, property.range));
+    }
+
+    // The value at a sample, and whether there is one.
+    bool valueAt(const Places& places, std::size_t i, T& out) const
+    {
+        const float* const w = places.weights(i);
+        if constexpr (isReal<T>)
+            if (m_blends) {
+                const T* v[3];
+                for (uint k = 0; k < 3; ++k)
+                    v[k] = find(places.element(m_component, i, k));
+                const bool has = v[0] && v[1] && v[2];
+                out = has ? blended(*v[0], *v[1], *v[2], w) : m_default;
+                return has;
+            }
+        const T* const picked = find(places.element(m_component, i, static_cast<uint>(largest(w))));
+        out = picked ? *picked : m_default;
+        return picked != nullptr;
+    }
+
+private:
+    const T* find(uint element) const
+    {
+        const uint index = m_indices ? (*m_indices)[element] : element;
+        return index < m_values.size() ? &m_values[index] : nullptr;
+    }
+
+    const String& m_component;
+    const Array<T>& m_values;
+    Ptr<Array<uint>> m_indices;
+    T m_default{};
+    bool m_blends = false;
+};
+
+Ptr<Array<float3>> weightVectors(const Places& places)
+{
+    const auto vectors = makeMutable<Array<float3>>(places.count());
+    forEach(places.count(), [&](std::size_t i) {
+        const float* const w = places.weights(i);
+        (*vectors)[i] = {w[0], w[1], w[2]};
+    });
+    return vectors;
+}
+
+float3 normalOf(const float3& a, const float3& b, const float3& c)
+{
+    const double3 u = {double{b.x} - a.x, double{b.y} - a.y, double{b.z} - a.z};
+    const double3 v = {double{c.x} - a.x, double{c.y} - a.y, double{c.z} - a.z};
+    const double3 n = {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
+    const double length = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+    if (!(length > 0))
+        return {0, 0, 0};
+    return {static_cast<float>(n.x / length), static_cast<float>(n.y / length),
+            static_cast<float>(n.z / length)};
+}
+
+Ptr<Array<float3>> normals(const Object& mesh, const Places& places)
+{
+    const Array<float3>& points = *dataArray<float3>(mesh, sPointPosition);
+    const auto result = makeMutable<Array<float3>>(places.count());
+    forEach(places.count(), [&](std::size_t i) {
+        const auto point = [&](uint k) { return points[places.element(sPointComp, i, k)]; };
+        (*result)[i] = normalOf(point(0), point(1), point(2));
+    });
+    return result;
+}
+
+class CloudMaker {
+public:
+    CloudMaker(const Object& mesh, const SurfaceSamples& samples, const Array<String>& names,
+               bool withPlaces)
+        : m_mesh(mesh), m_names(names), m_places(mesh, samples), m_cloud(Korvane::createObject())
+    {
+        populatePointCloud(samples.positions, *m_cloud);
+        if (withPlaces) {
+            add("weight", weightVectors(m_places));
+            add("face_id", m_places.faceIds());
+            add("triangle_id", samples.triangleIds);
+        }
+        if (!hasNormals())
+            add("normal", normals(mesh, m_places));
+    }
+
+    SampleCloud make()
+    {
+        for (const String& name : m_mesh.propertyNames())
+            if (isOwnValue(m_mesh, name) || (name == sRenderSettings && isNamed(name)))
+                m_cloud->setProperty(name, m_mesh.getProperty(name));
+            else if (isNamed(name) && getDataGeoProperty(m_mesh, name) && !isTopology(name))
+                carry(name);
+        return {m_cloud, std::move(m_warnings)};
+    }
+
+private:
+    template <class T>
+    void add(const String& name, Ptr<Array<T>> values)
+    {
+        addDataGeoProperty<T>(*m_cloud, name, sPointComp, std::move(values));
+    }
+
+    bool isNamed(const String& name) const
+    {
+        return std::find(m_names.begin(), m_names.end(), name) != m_names.end();
+    }
+
+    bool hasNormals() const
+    {
+        const auto has = [this](const char* name) {
+            return isNamed(name) && findElementProperty(m_mesh, name);
+        };
+        return has("normal") || (has("nx") && has("ny") && has("nz"));
+    }
+
+    void carry(const String& name)
+    {
+        const auto property = findElementProperty(m_mesh, name);
+        if (!property) {
+            m_warnings.push_back("property " + quoted(name.view()) +
+                                 " does not follow onto samples and is left out");
+            return;
+        }
+        const Ptr<Object> source = getDataGeoProperty(m_mesh, name);
+        Korvane::visitArray(source->getProperty(sData), [&](const auto& array, const char*) {
+            carryValues(*property, *array);
+        });
+    }
+
+    template <class T>
+    void carryValues(const ElementProperty& property, const Array<T>& values)
+    {
+        const Source<T> source(m_mesh, property, values);
+        const auto result = makeMutable<Array<T>>(m_places.count());
+        std::atomic<std::size_t> missing{0};
+        forEach(m_places.count(), [&](std::size_t i) {
+            if (!source.valueAt(m_places, i, (*result)[i]))
+                missing.fetch_add(1, std::memory_order_relaxed);
+        });
+        if (missing > 0)
+            m_warnings.push_back("property " + quoted(property.name.view()) + " has no value at " +
+                                 std::to_string(missing) + " samples, which get its default");
+        add<T>(freeName(property.name), result);
+    }
+
+    String freeName(const String& name)
+    {
+        if (!m_cloud->hasProperty(name))
+            return name;
+        std::string other = "mesh_" + std::string(name.view());
+        while (m_mesh.hasProperty(other) || m_cloud->hasProperty(other))
+            other += '_';
+        m_warnings.push_back("property " + quoted(name.view()) + " of the mesh is called " +
+                             quoted(other) + " here, as the samples have their own");
+        return other;
+    }
+
+    const Object& m_mesh;
+    const Array<String>& m_names;
+    Places m_places;
+    Pelon::MutablePtr<Object> m_cloud;
+    std::vector<std::string> m_warnings;
+};
+
+}  // namespace
+
+SampleCloud makeSampleCloud(const Object& mesh, const SurfaceSamples& samples,
+                            const Array<String>& propertyNames, bool withPlaces)
+{
+    return CloudMaker(mesh, samples, propertyNames, withPlaces).make();
+}
+
+}  // namespace MeshIo

@@ -1,0 +1,221 @@
+#include <meshio/SampledSurface.h>
+
+#include <Korvane/Geometry.h>
+#include <Pelon/RuntimeServices.h>
+#include <Tessary/Primitives.h>
+#include <Tessary/Sampling.h>
+#include <Tessary/Triangulation.h>
+
+#include <meshio/CountSearch.h>
+#include <meshio/MachineMemory.h>
+#include <meshio/MeshFile.h>
+#include <meshio/ReadFile.h>
+#include <meshio/Validate.h>
+
+#include <tbb/blocked_range.h>
+#include <tbb/parallel_reduce.h>
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <stdexcept>
+
+namespace MeshIo {
+namespace {
+
+using namespace Korvane::Geometry;
+using Korvane::Object;
+using Korvane::Math::double3;
+using Korvane::Math::float3;
+using Pelon::Array;
+using Pelon::uint;
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kCandidateBytes = 120;                      // the kernel's promise
+constexpr double kMostCandidates = 4294967296 * (1 - 1e-4);  // its area is in single precision
+constexpr double kLeastSquarable = 2e-19;  // squares of less vanish in single precision
+constexpr double kMostCells = 2147483000;  // from the origin along an axis
+constexpr double kFarthest = 1.7e38;       // so that differences are finite
+constexpr double kMostArea = 3e38, kLeastMeanArea = 1e-37;
+constexpr double kCandidatesPerSample = 10;  // of five in a disk about half of one is kept
+
+[[noreturn]] void reject(const std::string& name, const char* kind, const char* message,
+                         const char* advice)
+{
+    ValidationReport report;
+    report.problems.push_back({Problem::Severity::Error, kind, message, 1, {}, advice});
+    throw InvalidMesh(name, std::move(report));
+}
+
+std::string text(double number)
+{
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%.6g", number);
+    return buffer;
+}
+
+// Rounded up to few digits, so that what is advised does fit.
+std::string textAbove(double number)
+{
+    const double digit = std::pow(10, std::floor(std::log10(number)) - 2);
+    return text((std::floor(number / digit) + 1) * digit);
+}
+
+Pelon::MutablePtr<Object> trianglesOf(const Object& mesh, const std::string& name)
+{
+    const auto points = dataArray<float3>(mesh, sPointPosition);
+    const auto offsets = dataArray<uint>(mesh, sFaceOffset);
+    const auto corners = dataArray<uint>(mesh, sFaceVertex);
+    Array<uint> triangleOffsets, triangleCorners;
+    if (points && offsets && corners)
+        Tessary::computeTriangulation(*offsets, *corners, triangleOffsets, triangleCorners);
+    if (triangleCorners.empty())
+        reject(name, "no-faces", "there are no faces, so there is no surface to sample",
+               "sample a mesh that has faces");
+    return makeMesh(*points, std::move(triangleOffsets), std::move(triangleCorners));
+}
+
+double areaOf(const float3& a, const float3& b, const float3& c)
+{
+    const double3 u = {double{b.x} - a.x, double{b.y} - a.y, double{b.z} - a.z};
+    const double3 v = {double{c.x} - a.x, double{c.y} - a.y, double{c.z} - a.z};
+    const double3 n = {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
+    return 0.5 * std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+}
+
+struct Measures {
+    double area = 0;
+    double farthest = 0;
+};
+
+Measures measure(const Object& triangles)
+{
+    const Array<float3>& points = *dataArray<float3>(triangles, sPointPosition);
+    const Array<uint>& corners = *dataArray<uint>(triangles, sFaceVertex);
+    using Range = tbb::blocked_range<std::size_t>;
+    return tbb::parallel_deterministic_reduce(
+        Range(0, corners.size() / 3, 4096), Measures(),
+        [&](const Range& range, Measures m) {
+            for (std::size_t t = range.begin(); t < range.end(); ++t) {
+                const float3* p[3];
+                for (std::size_t k = 0; k < 3; ++k) {
+                    p[k] = &points[corners[3 * t + k]];
+                    for (const float x : {p[k]->x, p[k]->y, p[k]->z})
+                        m.farthest = std::max(m.farthest, std::abs(double{x}));
+                }
+                m.area += areaOf(*p[0], *p[1], *p[2]);
+            }
+            return m;
+        },
+        [](const Measures& a, const Measures& b) {
+            return Measures{a.area + b.area, std::max(a.farthest, b.farthest)};
+        });
+}
+
+}  // namespace
+
+SampledSurface::SampledSurface(const Object& mesh, std::string name)
+    : m_name(std::move(name)), m_triangles(trianglesOf(mesh, m_name))
+{
+    const Measures measures = measure(*m_triangles);
+    m_area = measures.area;
+    m_farthest = measures.farthest;
+    if (m_area > kMostArea || m_farthest > kFarthest)
+        reject(m_name, "area-overflow", "the faces are larger than single precision holds",
+               "scale the mesh down");
+    if (m_area == 0)
+        reject(m_name, "no-area", "no face has an area, so there is no surface to sample",
+               "look for points that coincide or lie on one line");
+    if (m_area / getElementCount(*m_triangles, sFaceComp) < kLeastMeanArea)
+        reject(m_name, "area-underflow", "the faces are smaller than single precision holds",
+               "scale the mesh up");
+}
+
+float SampledSurface::boundingRadius() const
+{
+    return Tessary::computeBoundingSphere(*dataArray<float3>(*m_triangles, sPointPosition))
+        .getRadius();
+}
+
+// Five for each disk of half the distance.
+double SampledSurface::candidates(double distance) const
+{
+    return 20 / kPi * m_area / (distance * distance);
+}
+
+float SampledSurface::leastDistance() const
+{
+    const double most =
+        std::min(kMostCandidates, static_cast<double>(machineMemory()) / kCandidateBytes);
+    const double least =
+        std::max({std::sqrt(candidates(1) / most), kLeastSquarable, m_farthest / kMostCells});
+    return std::nextafter(static_cast<float>(least), INFINITY);
+}
+
+double SampledSurface::roundingShare(float distance) const
+{
+    return m_farthest * 0x1p-24 / distance;
+}
+
+void SampledSurface::checkDistance(float distance) const
+{
+    if (!(distance > 0) || !std::isfinite(distance))
+        throw std::invalid_argument("the distance is not a number above zero that is finite");
+    const std::string advice = " (take a distance from " + textAbove(leastDistance()) + " on";
+    const std::string asked = "the distance " + text(distance);
+    if (distance < kLeastSquarable)
+        throw std::invalid_argument(asked + " is too small for single precision" + advice +
+                                    ", or scale the mesh up)");
+    if (m_farthest / distance > kMostCells)
+        throw std::invalid_argument(
+            asked + " is too small for a mesh that reaches as far from the origin as " +
+            text(m_farthest) + advice + ", or move the mesh to the origin)");
+    const double count = candidates(distance);
+    if (count > kMostCandidates)
+        throw std::invalid_argument(asked + " asks for " + text(count) +
+                                    " candidates, which 32 bits cannot number" + advice + ")");
+    const double bytes = count * kCandidateBytes, memory = static_cast<double>(machineMemory());
+    if (bytes > memory)
+        throw FileError(m_name + ": " + asked + " needs about " + memoryText(bytes) +
+                        " of memory, and there are " + memoryText(memory) + advice + ")");
+}
+
+SurfaceSamples SampledSurface::sample(float distance, uint seed) const
+{
+    checkDistance(distance);
+    throwIfCancelled();
+    std::string trouble;
+    const Pelon::RuntimeServices services(
+        [&trouble](Pelon::RuntimeMessageCategory, Pelon::StringView line) {
+            trouble.append(line.data(), line.size());
+        });
+    Object out;
+    Tessary::poissonSampleTriMesh(distance, seed, *m_triangles, out, &services);
+    if (!trouble.empty())
+        throw std::runtime_error(trouble);
+    return {dataArray<float3>(out, sPointPosition), dataArray<float>(out, "weight"),
+            dataArray<uint>(out, "face_id"), distance};
+}
+
+SurfaceSamples SampledSurface::sampleCount(std::uint64_t count, uint seed) const
+{
+    const double guess =
+        std::sqrt(candidates(1) / (kCandidatesPerSample * (static_cast<double>(count) + 1)));
+    const double least = leastDistance();
+    if (guess < least)
+        throw std::invalid_argument(
+            std::to_string(count) + " samples are more than this machine can find (ask for " +
+            std::to_string(static_cast<std::uint64_t>(candidates(least) / kCandidatesPerSample)) +
+            " at most)");
+    SurfaceSamples best;
+    searchForCount(count, guess, least, [&](double distance) {
+        SurfaceSamples found = sample(static_cast<float>(distance), seed);
+        const std::uint64_t n = found.count();
+        const auto miss = [count](std::uint64_t k) { return k > count ? k - count : count - k; };
+        if (!best.positions || miss(n) < miss(best.count()))
+            best = std::move(found);
+        return n;
+    });
+    return best;
+}
+
+}  // namespace MeshIo
