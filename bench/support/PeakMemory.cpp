@@ -1,5 +1,7 @@
 #include "support/PeakMemory.h"
 
+#include <tbb/scalable_allocator.h>
+
 #include <fstream>
 #include <string>
 
@@ -32,13 +34,20 @@ bool resetPeak()
     return refs.good();
 }
 
+// What allocators keep would be used again unseen. The scheduler's containers have one of their own.
+void giveBackFreeMemory()
+{
+    scalable_allocation_command(TBBMALLOC_CLEAN_ALL_BUFFERS, nullptr);
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
+}
+
 }  // namespace
 
 std::uint64_t peakMemoryOf(const std::function<void()>& work)
 {
-#if defined(__GLIBC__)
-    malloc_trim(0);
-#endif
+    giveBackFreeMemory();
     const bool known = resetPeak();
     const std::uint64_t before = statusBytes("VmRSS");
     work();

@@ -73,7 +73,7 @@ float areaOf(const Surface& surface)
 
 float distanceLeaving(std::uint64_t samples, float area)
 {
-    constexpr float kSamplesPerSquare = 0.79f;  // of the distance's length; found by trial
+    constexpr float kSamplesPerSquare = 0.567f;  // of the distance's length; found by trial
     return std::sqrt(kSamplesPerSquare * area / static_cast<float>(samples));
 }
 
