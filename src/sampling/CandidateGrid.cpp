@@ -1,7 +1,6 @@
 #include "sampling/CandidateGrid.h"
 
 #include "host/ParallelLoop.h"
-#include "host/Prefetch.h"
 
 #include <algorithm>
 #include <cmath>
@@ -192,11 +191,12 @@ void CandidateGrid::fileIntoSlabs()
             sum += std::exchange(cursors[piece * slabs + slab], sum);
     }
     m_slabBegin.push_back(sum);
-    m_order.resize(sum);
+    m_bySlab.resize(sum);
     parallelForEach(pieces.count(), LoopContext::Bound, [&](uint piece) {
         uint* const own = cursors.data() + piece * slabs;
-        forEachFiled(pieces.begin(piece), pieces.end(piece),
-                     [&](uint i, std::int32_t slot) { m_order[own[slabFrom(slot)]++] = i; });
+        forEachFiled(pieces.begin(piece), pieces.end(piece), [&](uint i, std::int32_t slot) {
+            m_bySlab[own[slabFrom(slot)]++] = {m_positions[i], i};
+        });
     });
 }
 
@@ -222,7 +222,7 @@ void CandidateGrid::sortSlabs()
                 store(slab, sorter.items, keys.data() + begin, begins.data() + begin);
         }
     });
-    m_order = Array<uint>();
+    m_bySlab = Array<Filed>();
     for (uint slab = 0; slab < slabs; ++slab)
         m_firstBin[slab + 1] += m_firstBin[slab];
 
@@ -239,15 +239,13 @@ void CandidateGrid::sortSlabs()
 
 void CandidateGrid::collect(uint slab, std::vector<SlabSorter::Item>& items) const
 {
-    constexpr uint kAhead = 16;
+    const Filed* const filed = m_bySlab.data() + m_slabBegin[slab];
     items.resize(m_slabBegin[slab + 1] - m_slabBegin[slab]);
-    const uint* const ids = m_order.data() + m_slabBegin[slab];
     for (std::size_t j = 0; j < items.size(); ++j) {
-        TESSARY_PREFETCH(&m_positions[ids[std::min(j + kAhead, items.size() - 1)]]);
-        const float3& p = m_positions[ids[j]];
+        const float3& p = filed[j].position;
         items[j] = {
             keyOf(GridPlace::of(m_scale * p.*m_axisB).slot, GridPlace::of(m_scale * p.z).slot),
-            ids[j]};
+            static_cast<uint>(j)};
     }
 }
 
@@ -255,6 +253,7 @@ void CandidateGrid::collect(uint slab, std::vector<SlabSorter::Item>& items) con
 uint CandidateGrid::store(uint slab, const std::vector<SlabSorter::Item>& items, Key* keys,
                           uint* begins)
 {
+    const Filed* const filed = m_bySlab.data() + m_slabBegin[slab];
     uint bins = 0;
     for (std::size_t j = 0; j < items.size(); ++j) {
         const std::size_t candidate = m_slabBegin[slab] + j;
@@ -262,12 +261,13 @@ uint CandidateGrid::store(uint slab, const std::vector<SlabSorter::Item>& items,
             keys[bins] = items[j].key;
             begins[bins++] = static_cast<uint>(candidate);
         }
-        const Place at = place(m_positions[items[j].id]);
+        const Filed& own = filed[items[j].place];
+        const Place at = place(own.position);
         m_local[0][candidate] = at.a.local;
         m_local[1][candidate] = at.b.local;
         m_local[2][candidate] = at.c.local;
         m_slotC[candidate] = at.c.slot;
-        m_rank[candidate] = static_cast<std::int32_t>(items[j].id ^ kSign);
+        m_rank[candidate] = static_cast<std::int32_t>(own.id ^ kSign);
     }
     return bins;
 }

@@ -70,6 +70,12 @@ public:
 private:
     static constexpr uint kSign = 0x80000000;
 
+    // A candidate on its way into its slab, with its position: the slabs are read in one go.
+    struct Filed {
+        float3 position;
+        uint id;
+    };
+
     void chooseSlabs();
     void setSlabs(std::int32_t lowest, std::int32_t highest);
     std::size_t slabFrom(std::int64_t slot) const;
@@ -93,7 +99,7 @@ private:
     std::vector<uint> m_slabBegin;           // per slab its first candidate, and the end
     std::vector<uint> m_firstBin;            // per slab its first bin, and the end
     Array<unsigned char> m_filed;
-    Array<uint> m_order;  // ids by slab
+    Array<Filed> m_bySlab;
     Array<float> m_local[3];
     Array<std::int32_t> m_slotC;
     Array<std::int32_t> m_rank;

@@ -24,7 +24,7 @@ void SlabSorter::sort()
 {
     if (items.size() < kFewItems) {
         std::sort(items.begin(), items.end(), [](const Item& x, const Item& y) {
-            return x.key != y.key ? x.key < y.key : x.id < y.id;
+            return x.key != y.key ? x.key < y.key : x.place < y.place;
         });
         return;
     }

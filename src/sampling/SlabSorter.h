@@ -7,13 +7,13 @@
 
 namespace Tessary {
 
-/// Sorts the candidates of a slab of the grid by key. Keys that are equal keep their order, which must be
-/// that of the ids. The buffers are reused from slab to slab.
+/// Sorts the candidates of a slab of the grid by key. Those of one key stay in the order of their places,
+/// which must be ascending. The buffers are reused from slab to slab.
 class SlabSorter {
 public:
     struct Item {
         std::uint64_t key;
-        uint id;
+        uint place;  ///< in the slab
     };
 
     std::vector<Item> items;
