@@ -102,7 +102,8 @@ void reportWork(benchmark::State& state, const Work& work, double seconds)
     if (work.bytes == 0)
         return;
     state.counters["GB_per_s"] = 1e-9 * bytes / seconds;
-    state.counters["x_copy"] = seconds / (bytes / copyBandwidth());
+    if (copyBandwidth() > 0)
+        state.counters["x_copy"] = seconds / (bytes / copyBandwidth());
 }
 
 void reportPeak(benchmark::State& state, const Contender& kernel, std::uint64_t elements)
@@ -118,13 +119,13 @@ std::string labelOf(const Work& work, const Other* other, const FirstRun& first)
 {
     std::string label = "unit=" + work.unit;
     if (first.hash)
-        label += "; hash=" + hexOf(*first.hash);
+        label += " | hash=" + hexOf(*first.hash);
     if (other != nullptr)
-        label += "; other=" + other->name;
+        label += " | other=" + other->name;
     if (other != nullptr && !other->difference.empty())
-        label += "; difference=" + other->difference;
+        label += " | difference=" + other->difference;
     if (!work.note.empty())
-        label += "; note=" + work.note;
+        label += " | note=" + work.note;
     return label;
 }
 
@@ -132,7 +133,8 @@ std::string labelOf(const Work& work, const Other* other, const FirstRun& first)
 
 double copyBandwidth()
 {
-    static const double bandwidth = measureCopyBandwidth();
+    const double given = programOptions().copyBandwidth;
+    static const double bandwidth = given >= 0 ? given : measureCopyBandwidth();
     return bandwidth;
 }
 
@@ -143,7 +145,7 @@ void Row::measure(const Work& work, const Contender& kernel)
 
 void Row::compare(const Work& work, const Contender& kernel, const Other& other)
 {
-    measureBeside(work, kernel, m_name.threads == 0 ? &other : nullptr);
+    measureBeside(work, kernel, isAlone() ? nullptr : &other);
 }
 
 void Row::measureBeside(const Work& work, const Contender& kernel, const Other* other)
@@ -165,11 +167,11 @@ void Row::measureBeside(const Work& work, const Contender& kernel, const Other* 
     std::optional<Timings> others;
     if (other != nullptr)
         others.emplace(other->contender, othersFirst->seconds);
-    const std::size_t samples =
-        samplesFor(first.seconds + (othersFirst ? othersFirst->seconds : 0));
+    const bool inTurn = others && !others->isSlow();
+    const std::size_t samples = samplesFor(first.seconds + (inTurn ? othersFirst->seconds : 0));
     for (auto _ : m_state) {
         while (ours.count() < samples) {
-            if (others)
+            if (inTurn)
                 others->sample();
             ours.sample();
         }
@@ -185,15 +187,23 @@ void Row::measureBeside(const Work& work, const Contender& kernel, const Other* 
     if (!others)
         return;
     reportTimes(m_state, *others, "other_", "other_ms");
-    m_state.counters["other_peak_MB"] = megabytes(peakOf(other->contender));
+    if (inTurn)
+        m_state.counters["other_peak_MB"] = megabytes(peakOf(other->contender));
     m_state.counters["ratio"] = median / others->quantile(0.5);
 }
 
 void Row::expectNear(const char* what, double ours, double others, double tolerance)
 {
+    if (isAlone())
+        return;
     if (!(std::fabs(ours - others) <= tolerance * std::fabs(ours)))
         fail(std::string(what) + " differs: " + std::to_string(ours) + " here, " +
              std::to_string(others) + " there");
+}
+
+bool Row::isAlone() const
+{
+    return m_name.threads > 0 || programOptions().alone;
 }
 
 void Row::figure(const char* name, double value)

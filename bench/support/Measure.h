@@ -71,7 +71,9 @@ public:
     /// The same beside another way, both in turn, with
     ///   other_ms, other_low_ms, other_high_ms, other_peak_MB
     ///   ratio                        kernel time / other's time
-    /// The other way is left out of rows with a limit on threads, which it may not heed.
+    /// An other way that takes more than two seconds runs once.
+    /// Without the other way, and expectNear(), where the row has a limit on threads, which that may
+    /// not heed, or the program runs the kernels alone.
     void compare(const Work& work, const Contender& kernel, const Other& other);
 
     /// Fails the row unless the two agree up to `tolerance`, relative to ours. Call it before or
@@ -84,6 +86,7 @@ public:
     void fail(const std::string& message);
 
 private:
+    bool isAlone() const;
     void measureBeside(const Work& work, const Contender& kernel, const Other* other);
 
     const RowName& m_name;
@@ -102,7 +105,9 @@ void addParallelRow(const RowName& name, const std::function<void(Row&)>& fill);
 ///   --hashes=FILE    keep them in this file instead of bench/hashes.txt
 ///   --min-size=N     leave out rows of a smaller size
 ///   --max-size=N     leave out rows of a larger size (default 8000000)
-///   --row-seconds=S  measure each row for about S seconds (default 0.25), but at least three times
+///   --row-seconds=S  measure each row about S seconds long (default 0.25), at least three times
+///   --copy=G         take G GB per second for the copy bandwidth; 0 leaves x_copy out
+///   --alone          the kernels alone, without the other ways
 /// Returns 1 if a row failed: a hash is not the recorded one, or outputs differ.
 int run(int argc, char** argv);
 

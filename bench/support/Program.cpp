@@ -1,6 +1,7 @@
 #include "support/Program.h"
 
 #include <oneapi/tbb/info.h>
+#include <oneapi/tbb/version.h>
 
 #include <cmath>
 #include <cstdio>
@@ -67,6 +68,10 @@ bool takeOption(const char* argument, ProgramOptions& options)
         options.maxSize = sizeOf(largest);
     else if (const char* const seconds = valueOf(argument, "--row-seconds"))
         options.rowSeconds = std::strtod(seconds, nullptr);
+    else if (const char* const bandwidth = valueOf(argument, "--copy"))
+        options.copyBandwidth = 1e9 * std::strtod(bandwidth, nullptr);
+    else if (std::strcmp(argument, "--alone") == 0)
+        options.alone = true;
     else
         return false;
     return true;
@@ -100,14 +105,15 @@ void registerRows(const Program& all)
 
 void describeRun()
 {
-    const double bandwidth = copyBandwidth();
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f", bandwidth * 1e-9);
-    benchmark::AddCustomContext("copy_GB_per_s", text);
     benchmark::AddCustomContext("compiler", __VERSION__);
+    benchmark::AddCustomContext("tbb", TBB_runtime_version());
     benchmark::AddCustomContext("threads", std::to_string(allThreads()));
-    std::fprintf(stderr, "copy bandwidth, all threads, touched memory: %s GB/s read + written\n",
-                 text);
+    if (copyBandwidth() <= 0)
+        return;
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f", copyBandwidth() * 1e-9);
+    benchmark::AddCustomContext("copy_GB_per_s", text);
+    std::printf("copy bandwidth, all threads, touched memory: %s GB/s read + written\n", text);
 }
 
 // One line a row, as soon as it is measured; everything else goes into the JSON file.

@@ -12,6 +12,9 @@ public:
     /// `first` is the time of a run that was made already, from which repetitions are planned.
     Timings(const Contender& contender, double first);
 
+    /// Whether the run made already is all that there is time for: it is the one sample then.
+    bool isSlow() const { return m_isSlow; }
+
     /// One more sample: a run, or the mean of many where one is too short for the clock.
     void sample();
 
@@ -23,6 +26,7 @@ public:
 private:
     const Contender& m_contender;
     std::size_t m_runsPerSample;
+    bool m_isSlow;
     std::vector<double> m_seconds;
 };
 

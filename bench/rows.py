@@ -1,0 +1,124 @@
+"""Rows of the benchmark programs, read from the JSON files that they write."""
+
+import json
+import re
+from dataclasses import dataclass, field
+from pathlib import Path
+
+FAMILIES = ["topology", "triangulation", "cutmesh", "sampling", "primitives", "solver", "meshio"]
+
+# What a row has at least; files of older programs have no such figures.
+NEEDED = ["median_ms", "low_ms", "high_ms", "elements"]
+
+
+class NotRows(Exception):
+    """A file that is not what the benchmark programs of this project write."""
+
+
+@dataclass
+class Row:
+    family: str
+    kernel: str
+    input: str
+    size: int
+    threads: int = 0  # the limit on threads; 0 means none
+    beside: str = ""
+    figures: dict = field(default_factory=dict)
+    words: dict = field(default_factory=dict)  # unit, hash, other, difference, note
+    error: str = ""
+
+    @property
+    def name(self):
+        threads = f"/threads:{self.threads}" if self.threads else ""
+        beside = f"/beside:{self.beside}" if self.beside else ""
+        return f"{self.kernel}/{self.input}/{self.size}{threads}{beside}"
+
+    def figure(self, name):
+        return self.figures.get(name)
+
+    @property
+    def spread(self):
+        """Half of the distance between the quartiles, relative to the median."""
+        figures = self.figures
+        return (figures["high_ms"] - figures["low_ms"]) / 2 / figures["median_ms"]
+
+
+def parse_name(name):
+    """The parts of "kernel/input/size/threads:1/beside:OTHER/iterations:1/manual_time"."""
+    parts = name.split("/")
+    if len(parts) < 3 or not parts[2].isdigit():
+        raise NotRows(f'row "{name}" is not named kernel/input/size')
+    options = dict(part.split(":", 1) for part in parts[3:] if ":" in part)
+    return {
+        "kernel": parts[0],
+        "input": parts[1],
+        "size": int(parts[2]),
+        "threads": int(options.get("threads", 0)),
+        "beside": options.get("beside", ""),
+    }
+
+
+def parse_row(family, benchmark):
+    words = benchmark.get("label", "")
+    row = Row(family, **parse_name(benchmark["name"]))
+    row.words = dict(word.split("=", 1) for word in words.split(" | ") if "=" in word)
+    if benchmark.get("error_occurred"):
+        row.error = benchmark.get("error_message", "failed")
+        return row
+    row.figures = {key: value for key, value in benchmark.items() if isinstance(value, (int, float))}
+    missing = [key for key in NEEDED if key not in row.figures]
+    if missing:
+        raise NotRows(f'row "{row.name}" has no {", ".join(missing)}')
+    return row
+
+
+def read_file(path):
+    """The context and the rows of one program's file."""
+    family = re.sub(r"^peers_", "", path.stem)
+    try:
+        content = json.loads(path.read_text())
+        return content["context"], [parse_row(family, each) for each in content["benchmarks"]]
+    except (ValueError, KeyError, TypeError) as error:
+        raise NotRows(f"{path}: not what a benchmark program writes ({error})") from error
+    except NotRows as error:
+        raise NotRows(f"{path}: {error}") from error
+
+
+def read_folder(folder):
+    """The merged context and all rows, families in their order."""
+    context, rows = {}, []
+    for path in sorted(Path(folder).glob("*.json")):
+        if path.stat().st_size == 0:  # no row was chosen
+            continue
+        found, more = read_file(path)
+        context.update(found)
+        rows += more
+    order = {family: place for place, family in enumerate(FAMILIES)}
+    return context, sorted(rows, key=lambda row: order.get(row.family, len(order)))
+
+
+def time_text(milliseconds):
+    for unit, scale in (("s", 1e-3), ("ms", 1), ("µs", 1e3), ("ns", 1e6)):
+        if milliseconds * scale >= 1:
+            return f"{number_text(milliseconds * scale)} {unit}"
+    return f"{milliseconds * 1e6:.2g} ns"
+
+
+def number_text(value):
+    """Three digits."""
+    if value is None:
+        return ""
+    if value >= 100:
+        return f"{value:.0f}"
+    return f"{value:.1f}" if value >= 10 else f"{value:.2f}"
+
+
+def size_text(size):
+    return f"{size:,}".replace(",", " ")
+
+
+def table(heads, lines):
+    """A Markdown table; columns after the first are aligned to the right."""
+    rule = "|---|" + "---:|" * (len(heads) - 1)
+    return "\n".join(["| " + " | ".join(heads) + " |", rule]
+                     + ["| " + " | ".join(line) + " |" for line in lines])
