@@ -58,7 +58,7 @@ void fillOverlapRow(Row& row, const OverlapTest<Pair>& peer, const Test& test, f
                            },
                            nullptr, nullptr, [&] { return hashOf(ours); }};
     const Contender other{[&] { answer(othersPairs, rounds, others, test); }};
-    row.compare({row.size(), "answer", 0, ""}, kernel, {peer.name, other, peer.difference});
+    row.compare({row.size(), "pair", 0, ""}, kernel, {peer.name, other, peer.difference});
     std::size_t different = 0;
     for (std::size_t i = 0; i < kPairs; ++i)
         different += ours[i] != others[i] ? 1 : 0;

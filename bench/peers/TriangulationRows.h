@@ -15,10 +15,10 @@ inline void addPolygonRows(const char* kernel, const char* peer,
                            const std::string& suffix = "")
 {
     for (const uint size : {100000u, 1000000u}) {
-        addRow({kernel, "quads" + suffix, size, 0, peer}, [=](Row& row) {
+        addRow({kernel, "torus of quads" + suffix, size, 0, peer}, [=](Row& row) {
             fill(row, quadTorus(static_cast<uint>(std::lround(std::sqrt(size)))));
         });
-        addRow({kernel, "polygon torus" + suffix, size, 0, peer},
+        addRow({kernel, "torus of polygons" + suffix, size, 0, peer},
                [=](Row& row) { fill(row, polygonTorus(size)); });
     }
 }
