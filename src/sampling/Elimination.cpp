@@ -2,10 +2,10 @@
 
 #include "host/ParallelLoop.h"
 #include "sampling/CandidateGrid.h"
-#include "sampling/PairTest.h"
+#include "sampling/Neighbourhood.h"
 
+#include <algorithm>
 #include <atomic>
-#include <limits>
 #include <vector>
 
 // The walk leaves the only set of candidates in which one lives exactly where no earlier one that lives
@@ -19,135 +19,112 @@ namespace {
 
 enum State : unsigned char { Undecided, Kept, Removed };
 
-class Elimination {
+// What is known of every candidate of a grid. Relaxed: a state says all there is to say.
+class States {
 public:
-    explicit Elimination(const CandidateGrid& grid) : m_grid(grid), m_state(grid.candidateCount())
+    explicit States(std::size_t count) : m_states(count) {}
+
+    State operator[](std::size_t i) const
+    {
+        return static_cast<State>(m_states[i].load(std::memory_order_relaxed));
+    }
+    void set(std::size_t i, State state) { m_states[i].store(state, std::memory_order_relaxed); }
+
+private:
+    std::vector<std::atomic<unsigned char>> m_states;
+};
+
+void removeAround(const Array<float3>& fixedPoints, const CandidateGrid& grid, States& states)
+{
+    Neighbourhood neighbourhood(grid);
+    for (const float3& p : fixedPoints) {
+        const CandidateGrid::Place at = grid.place(p);
+        if (at.isNearNobody() || grid.binCount() == 0)
+            continue;
+        neighbourhood.set(grid.neighboursOf(at));
+        neighbourhood.find<Partners::All>({at.a.local, at.b.local, at.c.local, at.c.slot, 0});
+        for (const uint near : neighbourhood)
+            states.set(near, Removed);
+    }
+}
+
+// Decides candidates, one thread's share.
+class Decision {
+public:
+    Decision(const CandidateGrid& grid, States& states)
+        : m_grid(grid), m_states(states), m_neighbourhood(grid)
     {}
 
-    void removeAround(const float3& fixedPoint);
-
-    /// Decides the candidates of some bins, and clears the entries in `rejected` of those kept.
-    void decide(uint firstBin, uint endBin, Array<unsigned char>& rejected);
+    void decide(uint candidate, uint bin)
+    {
+        m_pending.assign(1, {candidate, bin});
+        while (!m_pending.empty())
+            if (m_states[m_pending.back().index] != Undecided || settle(m_pending.back()))
+                m_pending.pop_back();
+    }
 
 private:
     struct Candidate {
-        std::size_t index;
+        uint index;
         uint bin;
     };
 
-    State state(std::size_t i) const
-    {
-        return static_cast<State>(m_state[i].load(std::memory_order_relaxed));
-    }
-    void set(std::size_t i, State state) { m_state[i].store(state, std::memory_order_relaxed); }
-
-    PairEnd pairEnd(std::size_t i) const;
-    template <Partners partners, class Visit>
-    void forEachPartner(const PairEnd& end, const CandidateGrid::Neighbours& neighbours,
-                        const Visit& visit) const;
-    State earliestBefore(const Candidate& candidate, Candidate& earliest) const;
-    void settle(const Candidate& candidate, std::vector<Candidate>& pending);
-    void keep(const Candidate& candidate);
+    bool settle(const Candidate& candidate);
+    uint binOf(uint candidate, uint nearBin) const;
 
     const CandidateGrid& m_grid;
-    std::vector<std::atomic<unsigned char>> m_state;
+    States& m_states;
+    Neighbourhood m_neighbourhood;
+    std::vector<Candidate> m_pending;
 };
 
-PairEnd Elimination::pairEnd(std::size_t i) const
+// Decides a candidate if the earlier ones near it are decided; if not, puts the first of them before it
+// and returns false. To go on with the first leads to one without earlier neighbours in few steps,
+// and that one settles the most others.
+bool Decision::settle(const Candidate& candidate)
 {
-    return {m_grid.localA()[i], m_grid.localB()[i], m_grid.localC()[i], m_grid.slotC()[i],
-            m_grid.rank()[i]};
+    const uint i = candidate.index;
+    const PairEnd end = {m_grid.localA()[i], m_grid.localB()[i], m_grid.localC()[i],
+                         m_grid.slotC()[i], m_grid.rank()[i]};
+    m_neighbourhood.set(m_grid.neighbours(candidate.bin));
+    m_neighbourhood.find<Partners::Earlier>(end);
+
+    bool isKeptNear = false;
+    std::int32_t lowestRank = end.rank;
+    uint earliest = i;
+    for (const uint near : m_neighbourhood) {
+        const State known = m_states[near];
+        isKeptNear |= known == Kept;
+        const std::int32_t rank = known == Undecided ? m_grid.rank()[near] : end.rank;
+        earliest = rank < lowestRank ? near : earliest;
+        lowestRank = std::min(lowestRank, rank);
+    }
+    if (isKeptNear) {
+        m_states.set(i, Removed);
+        return true;
+    }
+    if (earliest != i) {
+        m_pending.push_back({earliest, binOf(earliest, candidate.bin)});
+        return false;
+    }
+    m_states.set(i, Kept);
+    m_neighbourhood.find<Partners::Later>(end);
+    for (const uint near : m_neighbourhood)
+        m_states.set(near, Removed);
+    return true;
 }
 
-// Calls visit(partner, first bin of its row) for the candidates within the distance of `end`.
-template <Partners partners, class Visit>
-void Elimination::forEachPartner(const PairEnd& end, const CandidateGrid::Neighbours& neighbours,
-                                 const Visit& visit) const
+// The bin of a candidate near another one of bin `nearBin`.
+uint Decision::binOf(uint candidate, uint nearBin) const
 {
+    const CandidateGrid::Neighbours& neighbours = m_grid.neighbours(nearBin);
     for (uint row = 0; row < CandidateGrid::kRows; ++row) {
-        const uint firstBin = neighbours.firstBin[row];
-        const std::size_t runEnd = m_grid.begin(firstBin + neighbours.count(row));
-        const PairTest<partners> test(m_grid, end, row);
-        for (std::size_t i = m_grid.begin(firstBin); i < runEnd; i += test.kLanes) {
-            uint hits = test(i, runEnd);
-            for (std::size_t hit = i; hits != 0; ++hit, hits >>= 1)
-                if (hits & 1)
-                    visit(hit, firstBin);
-        }
+        const uint first = neighbours.firstBin[row];
+        for (uint bin = first; bin < first + neighbours.count(row); ++bin)
+            if (m_grid.begin(bin) <= candidate && candidate < m_grid.begin(bin + 1))
+                return bin;
     }
-}
-
-void Elimination::removeAround(const float3& fixedPoint)
-{
-    const CandidateGrid::Place at = m_grid.place(fixedPoint);
-    if (at.isNearNobody() || m_grid.binCount() == 0)
-        return;
-    forEachPartner<Partners::All>({at.a.local, at.b.local, at.c.local, at.c.slot, 0},
-                                  m_grid.neighboursOf(at),
-                                  [this](std::size_t i, uint) { set(i, Removed); });
-}
-
-// What is known of the earlier candidates near `candidate`: that one is kept, that all are removed, or
-// else the first one that is undecided. To go on with the first leads to one without earlier
-// neighbours in few steps, and that one settles the most others.
-State Elimination::earliestBefore(const Candidate& candidate, Candidate& earliest) const
-{
-    State known = Removed;
-    std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
-    forEachPartner<Partners::Earlier>(pairEnd(candidate.index), m_grid.neighbours(candidate.bin),
-                                      [&](std::size_t partner, uint firstBin) {
-                                          const State found = state(partner);
-                                          if (found == Removed || known == Kept)
-                                              return;
-                                          known = found;
-                                          if (m_grid.rank()[partner] < lowest) {
-                                              lowest = m_grid.rank()[partner];
-                                              earliest = {partner, firstBin};
-                                          }
-                                      });
-    while (known == Undecided && earliest.index >= m_grid.begin(earliest.bin + 1))
-        ++earliest.bin;
-    return known;
-}
-
-void Elimination::settle(const Candidate& candidate, std::vector<Candidate>& pending)
-{
-    pending.assign(1, candidate);
-    while (!pending.empty()) {
-        const Candidate next = pending.back();
-        if (state(next.index) == Undecided) {
-            Candidate earliest{};
-            const State known = earliestBefore(next, earliest);
-            if (known == Undecided) {
-                pending.push_back(earliest);
-                continue;
-            }
-            if (known == Kept)
-                set(next.index, Removed);
-            else
-                keep(next);
-        }
-        pending.pop_back();
-    }
-}
-
-void Elimination::keep(const Candidate& candidate)
-{
-    set(candidate.index, Kept);
-    forEachPartner<Partners::Later>(pairEnd(candidate.index), m_grid.neighbours(candidate.bin),
-                                    [this](std::size_t later, uint) { set(later, Removed); });
-}
-
-void Elimination::decide(uint firstBin, uint endBin, Array<unsigned char>& rejected)
-{
-    std::vector<Candidate> pending;
-    for (uint bin = firstBin; bin < endBin; ++bin)
-        for (std::size_t i = m_grid.begin(bin); i < m_grid.begin(bin + 1); ++i) {
-            if (state(i) == Undecided)
-                settle({i, bin}, pending);
-            if (state(i) == Kept)
-                rejected[m_grid.id(i)] = 0;
-        }
+    return nearBin;
 }
 
 }  // namespace
@@ -157,12 +134,18 @@ Array<unsigned char> eliminate(const Array<float3>& positions, float distance,
 {
     CandidateGrid grid(positions, 1.0f / distance);
     Array<unsigned char> rejected = grid.takeFiled();
-    Elimination elimination(grid);
+    States states(grid.candidateCount());
     if (fixedPoints)
-        for (const float3& p : *fixedPoints)
-            elimination.removeAround(p);
+        removeAround(*fixedPoints, grid, states);
     parallelLoop(0, grid.binCount(), 1, LoopContext::Bound, [&](uint firstBin, uint endBin) {
-        elimination.decide(firstBin, endBin, rejected);
+        Decision decision(grid, states);
+        for (uint bin = firstBin; bin < endBin; ++bin)
+            for (uint i = grid.begin(bin); i < grid.begin(bin + 1); ++i) {
+                if (states[i] == Undecided)
+                    decision.decide(i, bin);
+                if (states[i] == Kept)
+                    rejected[grid.id(i)] = 0;
+            }
     });
     return rejected;
 }
