@@ -113,7 +113,8 @@ std::string brief(const Json& number)
 std::string summary(const Json& facts)
 {
     const Json& smallest = facts["smallest_distance"];
-    return facts["samples"].dump() + " samples at distance " + facts["distance"].dump() +
+    return facts["samples"].dump() + (facts["samples"] == 1 ? " sample" : " samples") +
+           " at distance " + facts["distance"].dump() +
            (smallest.is_null() ? "" : ", smallest found " + brief(smallest)) + "; area " +
            brief(facts["area"]) + ", density " + brief(facts["density"]) + ", seed " +
            facts["seed"].dump() + "; with " + joined(facts["properties"]);

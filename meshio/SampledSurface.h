@@ -55,6 +55,7 @@ public:
 private:
     double candidates(double distance) const;
     void checkDistance(float distance) const;
+    double distanceForCount(std::uint64_t count) const;  // about
 
     std::string m_name;
     Pelon::MutablePtr<Korvane::Object> m_triangles;

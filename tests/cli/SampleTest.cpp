@@ -235,6 +235,8 @@ TEST(SampleVerb, MoreMemoryThanThereIsIsRefusedWithTheDistanceThatFits)
     EXPECT_NE(outcome.err.find("needs about 504 GB of memory, and there are "), std::string::npos)
         << outcome.err;
     EXPECT_EQ(folder.names(), Names{"square.obj"});
+    EXPECT_EQ(run({"sample", square, "--count", "300000000", "-o", out}).exitCode, 3);
+    EXPECT_EQ(run({"sample", square, "--count", "500000000", "-o", out}).exitCode, 2);
 }
 
 TEST(SampleVerb, ADistanceBeyondTheMeshLeavesNoSampleAndSaysSo)
