@@ -2,6 +2,7 @@
 
 #include "host/Float4.h"
 #include "host/ParallelLoop.h"
+#include "host/Prefetch.h"
 
 #include <algorithm>
 
@@ -17,6 +18,10 @@ constexpr std::size_t kBlock = 8192;
 
 // How far the largest distance is followed before its point is looked for, within the nearest cache.
 constexpr std::size_t kStretch = 512;
+
+// How many points ahead memory is asked for. Left to itself the machine reads 120 MB in 14 ms for
+// the distances in double; so in 5 ms. A quarter of it is too short.
+constexpr std::size_t kAhead = 512;
 
 #if TESSARY_SSE2
 
@@ -41,6 +46,7 @@ double largestDistance(const float3* p, std::size_t count, const Ball& ball)
     __m128d high = low;
     std::size_t i = 0;
     for (; i + 4 <= count; i += 4) {
+        TESSARY_PREFETCH(p + i + kAhead);
         const FourPoints four(p + i);
         // A distance that is NaN leaves the second operand.
         low = _mm_max_pd(center.squaredDistance(four.x, four.y, four.z), low);
@@ -63,6 +69,7 @@ float largestFloat(const float3* p, std::size_t count, const float3& c)
     __m128 most = _mm_setzero_ps();
     std::size_t i = 0;
     for (; i + 4 <= count; i += 4) {
+        TESSARY_PREFETCH(p + i + kAhead);
         const FourPoints four(p + i);
         const __m128 dx = _mm_sub_ps(four.x, cx);
         const __m128 dy = _mm_sub_ps(four.y, cy);
