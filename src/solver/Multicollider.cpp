@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 // One projection of a pair, a contact with direction n of collider g and another collider o:
 //   lambda   the pair's multiplier, lambda' the new one
@@ -47,9 +46,11 @@ void dropNegativeZeros(Array<float3>& displacements)
 float largestOf(const Array<float>& inverseMasses)
 {
     float largest = 0.0f;
-    for (const float w : inverseMasses)
-        largest = std::max(largest,
-                           std::isnan(w) ? std::numeric_limits<float>::infinity() : std::fabs(w));
+    for (const float w : inverseMasses) {
+        if (std::isnan(w))
+            return w;
+        largest = std::max(largest, std::fabs(w));
+    }
     return largest;
 }
 
