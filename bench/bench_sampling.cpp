@@ -7,7 +7,10 @@
 #include <Korvane/Geometry.h>
 #include <Tessary/Sampling.h>
 
+#include <cmath>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 using namespace Bench;
 using Korvane::Math::float3;
@@ -33,7 +36,10 @@ Pelon::MutablePtr<Korvane::Object> cloudOf(LiteralSampling::Result&& result)
     return out;
 }
 
-void measure(Row& row, const Surface& surface)
+// The literal steps take minutes for millions of samples.
+enum class Literal { Beside, TooSlow };
+
+void measure(Row& row, const Surface& surface, Literal steps)
 {
     const float area = areaOf(surface), distance = distanceLeaving(row.size(), area);
     const auto source = objectOf(surface);
@@ -50,20 +56,58 @@ void measure(Row& row, const Surface& surface)
     const Contender literal{
         [&] { out = cloudOf(LiteralSampling::sample(surface, distance, kSeed)); }, nullptr, clear,
         hash};
-    row.compare({LiteralSampling::candidateCount(area, distance), "candidate"}, kernel,
-                {"literal steps", literal});
+    const Work work{LiteralSampling::candidateCount(area, distance), "candidate"};
+    if (steps == Literal::Beside)
+        row.compare(work, kernel, {"literal steps", literal});
+    else
+        row.measure(work, kernel);
     row.figure("left", static_cast<double>(left));
+}
+
+// Points in random order, about four to a cell.
+Array<Tessary::LocalPosition> scatteredPoints(std::uint64_t count)
+{
+    const auto side = static_cast<uint>(std::cbrt(static_cast<double>(count) / 4) + 1);
+    const Array<float> values = randomFloats(3 * count, 11);
+    Array<Tessary::LocalPosition> points(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto cell = [&](std::size_t axis) {
+            return static_cast<uint>(values[3 * i + axis] * static_cast<float>(side)) - side / 2;
+        };
+        points[i] = {static_cast<uint>(i), 0, {}, {cell(0), cell(1), cell(2)}};
+    }
+    return points;
+}
+
+void sortPoints(Row& row)
+{
+    const Array<Tessary::LocalPosition> points = scatteredPoints(row.size());
+    Tessary::PointBins bins;
+    Contender kernel;
+    kernel.run = [&] { bins.sortDedup(); };
+    kernel.prepare = [&] { bins.points.assign(points.begin(), points.end()); };
+    kernel.hash = [&] { return hashOf(bins.binCells, hashOf(bins.binOffsets)); };
+    kernel.release = [&] { bins = {}; };
+    row.measure({points.size(), "point", 2 * sizeof points[0] * points.size(),
+                 "peak memory includes the points"},
+                kernel);
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    for (const std::uint64_t samples : {10u, 1000u, 20000u, 100000u, 500000u}) {
-        addRow({"poissonSampleTriMesh", "sphere of 100k triangles", samples},
-               [](Row& row) { measure(row, sphereSurface(100000)); });
-        addRow({"poissonSampleTriMesh", "torus of 100k triangles", samples},
-               [](Row& row) { measure(row, torusSurface(100000)); });
-    }
+    using MakeSurface = Surface (*)(uint);
+    const std::pair<const char*, MakeSurface> surfaces[] = {
+        {"sphere of 100k triangles", sphereSurface}, {"torus of 100k triangles", torusSurface}};
+    for (const std::uint64_t samples :
+         {1u, 10u, 1000u, 20000u, 100000u, 500000u, 1000000u, 8000000u})
+        for (const auto& [name, make] : surfaces)
+            addParallelRow({"poissonSampleTriMesh", name, samples}, [samples,
+                                                                     make = make](Row& row) {
+                measure(row, make(100000), samples < 1000000 ? Literal::Beside : Literal::TooSlow);
+            });
+    for (const std::uint64_t points : {1u, 10u, 1000u, 100000u, 1000000u, 8000000u, 30000000u})
+        addParallelRow({"PointBins sortDedup", "four to a cell", points}, sortPoints);
     return run(argc, argv);
 }

@@ -274,47 +274,58 @@ void add(const std::string& name, std::uint64_t size, const std::function<Triang
     }
 }
 
+std::size_t fanCorners(const Polygons& mesh)
+{
+    return 3 * (mesh.faceVertex.size() - std::size_t{2} * mesh.faceCount());
+}
+
+void polyToTriEdges(Row& row, const Polygons& mesh)
+{
+    Array<HalfEdge> output(mesh.faceVertex.size());
+    const Work work{output.size(), "corner", 16 * output.size(),
+                    "a call for each corner, on one thread"};
+    row.measure(work, halfEdgeContender(output, [&] {
+                    for (uint f = 0; f < mesh.faceCount(); ++f)
+                        for (uint c = mesh.faceOffset[f]; c < mesh.faceOffset[f + 1]; ++c)
+                            output[c] = Tessary::polyEdgeToTriEdge(mesh.faceOffset, {c, f});
+                }));
+}
+
+void triToPolyEdges(Row& row, const Polygons& mesh)
+{
+    Array<HalfEdge> output(fanCorners(mesh));
+    const Work work{output.size(), "corner", 16 * output.size(),
+                    "a call for each corner of the triangles, on one thread"};
+    row.measure(work, halfEdgeContender(output, [&] {
+                    for (uint c = 0; c < output.size(); ++c)
+                        output[c] = Tessary::triEdgeToPolyEdge(mesh.faceOffset, {c, c / 3});
+                }));
+}
+
+void quadFaceValues(Row& row, const Polygons& mesh)
+{
+    const Array<uint> values(mesh.faceCount(), 7u);
+    Array<uint> output(fanCorners(mesh));
+    Contender kernel;
+    kernel.run = [&] { Tessary::quadFaceIndexedInterpolation(mesh.faceOffset, values, output); };
+    kernel.hash = [&] { return hashOf(output); };
+    row.measure({output.size() / 3, "triangle", 4 * (2 * values.size() + output.size())}, kernel);
+}
+
 // Polygons of 3 to 8 corners, and the corners of their fans.
 void addPolygons(std::uint64_t size)
 {
     static Latest<Polygons> latest;
-    const auto input = [size]() -> const Polygons& {
-        return latest.get(std::to_string(size),
-                          [&] { return mixedPolygons(static_cast<uint>(size)); });
-    };
-    addRow({"polyEdgeToTriEdge", "mixed polygons", size}, [input](Row& row) {
-        const Polygons& mesh = input();
-        Array<HalfEdge> output(mesh.faceVertex.size());
-        const Work work{output.size(), "corner", 16 * output.size(),
-                        "a call for each corner, on one thread"};
-        row.measure(work, halfEdgeContender(output, [&] {
-                        for (uint f = 0; f < mesh.faceCount(); ++f)
-                            for (uint c = mesh.faceOffset[f]; c < mesh.faceOffset[f + 1]; ++c)
-                                output[c] = Tessary::polyEdgeToTriEdge(mesh.faceOffset, {c, f});
-                    }));
-    });
-    addRow({"triEdgeToPolyEdge", "mixed polygons", size}, [input](Row& row) {
-        const Polygons& mesh = input();
-        Array<HalfEdge> output(3 * (mesh.faceVertex.size() - std::size_t{2} * mesh.faceCount()));
-        const Work work{output.size(), "corner", 16 * output.size(),
-                        "a call for each corner of the triangles, on one thread"};
-        row.measure(work, halfEdgeContender(output, [&] {
-                        for (uint c = 0; c < output.size(); ++c)
-                            output[c] = Tessary::triEdgeToPolyEdge(mesh.faceOffset, {c, c / 3});
-                    }));
-    });
-    addParallelRow({"quadFaceIndexedInterpolation", "mixed polygons", size}, [input](Row& row) {
-        const Polygons& mesh = input();
-        const Array<uint> values(mesh.faceCount(), 7u);
-        Array<uint> output(3 * (mesh.faceVertex.size() - std::size_t{2} * mesh.faceCount()));
-        Contender kernel;
-        kernel.run = [&] {
-            Tessary::quadFaceIndexedInterpolation(mesh.faceOffset, values, output);
+    const auto with = [size](void (*fill)(Row&, const Polygons&)) {
+        return [size, fill](Row& row) {
+            fill(row, latest.get(std::to_string(size),
+                                 [&] { return mixedPolygons(static_cast<uint>(size)); }));
         };
-        kernel.hash = [&] { return hashOf(output); };
-        row.measure({output.size() / 3, "triangle", 4 * (2 * values.size() + output.size()), ""},
-                    kernel);
-    });
+    };
+    addRow({"polyEdgeToTriEdge", "mixed polygons", size}, with(polyToTriEdges));
+    if (size <= 8000000)  // a search each
+        addRow({"triEdgeToPolyEdge", "mixed polygons", size}, with(triToPolyEdges));
+    addParallelRow({"quadFaceIndexedInterpolation", "mixed polygons", size}, with(quadFaceValues));
 }
 
 }  // namespace

@@ -19,7 +19,8 @@ from statistics import median
 from rows import NotRows, number_text, parse_name, read_file, table, time_text
 
 # Few and short, as every row runs in both builds and in every round.
-USUAL = ["--copy=0", "--alone", "--row-seconds=0.05", "--min-size=1000", "--max-size=1000000"]
+USUAL = ["--copy=0", "--alone", "--row-seconds=0.05", "--least-samples=1", "--min-size=1000",
+         "--max-size=1000000"]
 CLEAR = 1.05  # a smaller change than this is none
 
 

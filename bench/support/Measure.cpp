@@ -72,12 +72,13 @@ std::uint64_t peakOf(const Contender& contender)
     return peak;
 }
 
-// At least three samples, and an odd number of them, so that the median is one of them.
+// An odd number, so that the median is one of them.
 std::size_t samplesFor(double secondsPerSample)
 {
     constexpr double kMost = 1001;
     const double fitting = programOptions().rowSeconds / std::max(secondsPerSample, 20e-6);
-    return static_cast<std::size_t>(std::clamp(std::ceil(fitting), 3.0, kMost)) | 1;
+    const auto samples = static_cast<std::size_t>(std::min(std::ceil(fitting), kMost));
+    return std::max(samples, programOptions().leastSamples) | 1;
 }
 
 double megabytes(std::uint64_t bytes)

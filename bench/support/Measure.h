@@ -105,7 +105,8 @@ void addParallelRow(const RowName& name, const std::function<void(Row&)>& fill);
 ///   --hashes=FILE    keep them in this file instead of bench/hashes.txt
 ///   --min-size=N     leave out rows of a smaller size
 ///   --max-size=N     leave out rows of a larger size (default 8000000)
-///   --row-seconds=S  measure each row about S seconds long (default 0.25), at least three times
+///   --row-seconds=S  measure each row about S seconds long (default 0.25)
+///   --least-samples=N  but at least N times (default 3)
 ///   --copy=G         take G GB per second for the copy bandwidth; 0 leaves x_copy out
 ///   --alone          the kernels alone, without the other ways
 /// Returns 1 if a row failed: a hash is not the recorded one, or outputs differ.

@@ -68,6 +68,8 @@ bool takeOption(const char* argument, ProgramOptions& options)
         options.maxSize = sizeOf(largest);
     else if (const char* const seconds = valueOf(argument, "--row-seconds"))
         options.rowSeconds = std::strtod(seconds, nullptr);
+    else if (const char* const samples = valueOf(argument, "--least-samples"))
+        options.leastSamples = sizeOf(samples);
     else if (const char* const bandwidth = valueOf(argument, "--copy"))
         options.copyBandwidth = 1e9 * std::strtod(bandwidth, nullptr);
     else if (std::strcmp(argument, "--alone") == 0)

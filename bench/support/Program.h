@@ -11,6 +11,7 @@ struct ProgramOptions {
     std::uint64_t minSize = 0;
     std::uint64_t maxSize = 8000000;
     double rowSeconds = 0.25;
+    std::uint64_t leastSamples = 3;
     double copyBandwidth = -1;  ///< bytes per second; 0: not reported, below: to be measured
     bool alone = false;
 };
