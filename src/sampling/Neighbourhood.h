@@ -90,8 +90,10 @@ private:
 
     void append(uint row, uint first, uint length)
     {
-        const float stepA = static_cast<float>(row / 3) - 1.0f;
-        const float stepB = static_cast<float>(row % 3) - 1.0f;
+        const uint a = row / 3;
+        const uint b = row % 3;
+        const float stepA = static_cast<float>(a) - 1.0f;
+        const float stepB = static_cast<float>(b) - 1.0f;
         const uint blocks = blocksOf(length);
         Block* const out = m_blocks.data() + m_count;
         // Those that are too many are written over, or not read.
