@@ -34,11 +34,12 @@ private:
 ///
 /// in     points  any number, in any order, repeated or not. Of none, the sphere is a point at the
 ///                origin
-/// result the same bits for any thread count; of equally far points the one of lowest index counts.
-///        Points on a common circle or sphere yield that one's centre within rounding
+/// result the same bits for any thread count. Of equally far points a pass takes the one of lowest
+///        index, unless an earlier pass has taken another of them already. Points on a common circle
+///        or sphere yield that one's centre within rounding
 /// else   coordinates that are NaN or infinite end like others, in a sphere that means nothing.
 ///        Squares that overflow make the radius infinite
-/// cost   O(n) time per pass over the points, usually 3 to 10 passes; parallel, never polls for
+/// cost   O(n) time per pass over the points, usually 3 to 15 passes; parallel, never polls for
 ///        cancellation. 16 bytes of scratch per 8192 points
 TESSARY_API Sphere computeBoundingSphere(const Pelon::Array<Korvane::Math::float3>& points);
 

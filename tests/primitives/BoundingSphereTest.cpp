@@ -209,19 +209,46 @@ TEST(BoundingSphere, LargeSetsHaveTheRadiusOfTheirShapeAtAnyThreadCount)
     expectEncloses(line, 10000, 0);
 }
 
+// Two points are equally far from the first one, so close to each other that the ball through one of
+// them stands for both: its centre tells which.
 TEST(BoundingSphere, OfEquallyFarPointsTheFirstCountsWhereverTheyStand)
 {
-    // Far apart, so that they lie in different pieces of a parallel pass.
-    const uint count = 100000;
-    for (const uint at : {1u, 5u, 8191u, 8192u, 60001u, count - 2}) {
-        Array<float3> points(count);
-        points[0] = {-1, 0, 0};
-        points[at] = {1, 0, 0};
-        points[count - 1] = {1, 0, 0};
-        const Sphere sphere = computeBoundingSphere(points);
-        EXPECT_EQ(sphere.getCenter(), (float3{0, 0, 0}));
-        EXPECT_EQ(sphere.getRadius(), 1);
-    }
+    const float3 far[] = {{-1, 0x1p-22f, 0}, {-1, 0x1p-23f, 0x1p-23f}};
+    const float3 centers[] = {{.5f, 0x1p-22f, 0x1p-24f}, {.5f, 0x1.8p-23f, 0x1p-23f}};
+    const uint count = 100000;  // several pieces of a parallel pass
+    for (const uint at : {2u, 3u, 511u, 512u, 8191u, 8192u, 60001u, count - 2})
+        for (const uint next : {at + 1, count - 1})
+            for (const int first : {0, 1}) {
+                SCOPED_TRACE(testing::Message() << at << ' ' << next << ' ' << first);
+                Array<float3> points(count, {0, 0x1p-23f, -0x1p-23f});
+                points[0] = {2, 0x1p-22f, 0x1p-23f};
+                points[at] = far[first];
+                points[next] = far[1 - first];
+                atSeveralThreadCounts([&](int) {
+                    EXPECT_EQ(computeBoundingSphere(points).getCenter(), centers[first]);
+                });
+            }
+}
+
+// A point counts as spanning a direction where its part in it is at least 2^-46 of the squared
+// radius: more would keep points out of a ball that needs them, less would let rounding errors in.
+TEST(BoundingSphere, PointsThatSpanTooLittleAreLeftOut)
+{
+    // A third point too close to the line of the two farthest leaves their midpoint.
+    EXPECT_EQ(computeBoundingSphere({{0x1.cp-1f, -0x1.8p-23f, 0},
+                                     {1.5f, -0x1p-23f, 0x1.8p-24f},
+                                     {-1.5f, -0x1.8p-25f, -0x1.8p-23f},
+                                     {-1.5f, 0x1p-24f, -0x1.4p-25f}})
+                  .getCenter(),
+              (float3{0, -0x1p-25f, 0x1.cp-26f}));
+    // A third point just far enough from it moves the centre.
+    EXPECT_EQ(computeBoundingSphere({{-0x1.8p-1f, 0x1.8p-22f, 0},
+                                     {1.75f, 0x1p-23f, 0x1p-22f},
+                                     {-1.75f, 0, 0},
+                                     {-1.75f, 0x1p-22f, 0}})
+                  .getCenter()
+                  .y,
+              0x1p-23f);
 }
 
 TEST(BoundingSphere, EndsOnNumbersThatAreNotFinite)
