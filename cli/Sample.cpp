@@ -63,7 +63,7 @@ SurfaceSamples samplesOf(const SampledSurface& surface, const Options& options)
                               ? distance.number / 100 * double{surface.boundingRadius()}
                               : distance.number;
     if (length > 3e38 || static_cast<float>(length) == 0)
-        throw UsageError(options.input + ": the distance " + Json(length).dump() +
+        throw UsageError(options.input + ": the distance " + options.distance +
                          " is outside what single precision holds (scale the mesh)");
     return surface.sample(static_cast<float>(length), options.seed);
 }

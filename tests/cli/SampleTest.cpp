@@ -178,6 +178,8 @@ TEST(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
     const std::string huge = folder.file("huge.obj", "v 0 0 0\nv 1e30 0 0\nv 0 1e30 0\nf 1 2 3\n");
     const std::string far =
         folder.file("far.obj", "v 1e9 0 0\nv 1000000256 0 0\nv 1e9 256 0\nf 1 2 3\n");
+    const std::string endless =
+        folder.file("endless.obj", "v 1e38 0 0\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 2 3 4\n");
     const Names before = folder.names();
     const struct {
         std::string file;
@@ -210,6 +212,7 @@ TEST(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
         {empty, {"--distance", "1"}, 4, "no faces, so there is no surface"},
         {line, {"--count", "100"}, 4, "no face has an area"},
         {huge, {"--distance", "2%"}, 4, "scale the mesh down"},
+        {endless, {"--distance", "2%"}, 2, "the distance 2% is outside what single precision"},
     };
     for (const auto& bad : cases) {
         Names arguments = {"sample", bad.file, "-o", folder.path("out.ply")};
