@@ -14,6 +14,7 @@ void secureStandardStreams()
         if (fcntl(descriptor, F_GETFD) == -1 && errno == EBADF)
             static_cast<void>(open("/dev/null", descriptor == 0 ? O_WRONLY : O_RDONLY));
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool writeAll(int descriptor, std::string_view text)

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 using namespace TestSupport;
 
 namespace {
@@ -33,6 +35,23 @@ TEST(Streams, AFullOrClosedOutputExitsWithThreeAndALine)
             EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
             EXPECT_NE(outcome.err.find("standard output: "), std::string::npos) << outcome.err;
         }
+}
+
+TEST(Streams, AFileBeyondTheUsersLimitLeavesALineAndNoHalfFile)
+{
+    const Folder folder, streams;
+    const std::string house = folder.file("house.obj", kHouse);
+    rlimit before = {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small = {4096, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    Started program({"sample", house, "-d", "0.02", "-o", folder.path("out.ply")}, streams, {});
+    setrlimit(RLIMIT_FSIZE, &before);
+    const Outcome outcome = program.finish();
+    EXPECT_EQ(outcome.exitCode, 3) << outcome.err;
+    EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
+    EXPECT_NE(outcome.err.find("out.ply: cannot be written"), std::string::npos) << outcome.err;
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"house.obj"});
 }
 
 // A file opened by a program without standard streams takes their numbers.
