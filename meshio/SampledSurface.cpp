@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <new>
 #include <stdexcept>
 
 namespace MeshIo {
@@ -197,7 +198,12 @@ SurfaceSamples SampledSurface::sample(float distance, uint seed) const
             trouble.append(line.data(), line.size());
         });
     Object out;
-    Tessary::poissonSampleTriMesh(distance, seed, *m_triangles, out, &services);
+    try {
+        Tessary::poissonSampleTriMesh(distance, seed, *m_triangles, out, &services);
+    } catch (const std::bad_alloc&) {
+        throw FileError(m_name + ": the distance " + text(distance) +
+                        " needs more memory than is free (take a larger one, or fewer samples)");
+    }
     if (!trouble.empty())
         throw std::runtime_error(trouble);
     return {dataArray<float3>(out, sPointPosition), dataArray<float>(out, "weight"),
