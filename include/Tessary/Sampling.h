@@ -65,7 +65,7 @@ struct PointBins {
 
     /// Sorts `points` by cell and lists the cells that occur.
     ///
-    /// in     points      cells compare as signed, x before y before z
+    /// in     points      at most 4294967295; cells compare as signed, x before y before z
     /// out    points      by cell, then by id(); points of one cell with the same id in any order
     /// out    binCells    every cell once, strictly ascending
     /// out    binOffsets  one entry more than binCells, the last one the number of points; but no
@@ -160,7 +160,8 @@ extern template class TESSARY_API
 ///
 /// Candidates are drawn uniformly over the area, five for each disk of half that distance; each one,
 /// in the order of drawing, that has been kept so far removes the later ones within the distance.
-/// Distances are measured in cells of that width, so they hold up to rounding.
+/// Distances are measured in cells of that width, so they hold up to rounding. Dart throwing: R. L.
+/// Cook, "Stochastic sampling in computer graphics", ACM Transactions on Graphics 5(1), 1986.
 ///
 /// in     min_distance  in the mesh's units
 /// in     seed          of every random decision: same mesh, distance and seed, same bits, on any
@@ -176,7 +177,7 @@ extern template class TESSARY_API
 /// fails  where the distance is not above zero, positions or corners are missing, or the corners are
 ///        not three per face: one error to `services`, if not null, and `out` stays as it is. A mesh
 ///        without points: the same without an error. A cancelled job throws std::runtime_error with
-///        the host's text and leaves `out` as it is; so does what memory cannot hold (std::bad_alloc)
+///        the host's text, candidates that memory cannot hold std::bad_alloc; `out` stays as it is
 /// note   the candidate drawn first is always kept, removes others, and is then left out. The
 ///        number of candidates is taken modulo 2^32, and is 0 where the area or the area over the
 ///        distance's square overflows. At distances up to 1.1754944e-38 nothing is removed
