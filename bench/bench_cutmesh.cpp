@@ -292,7 +292,7 @@ void add(const std::string& name, std::uint64_t size, const std::function<Triang
 
 int main(int argc, char** argv)
 {
-    for (const uint size : {1u, 10u, 1000u, 100000u, 1000000u, 8000000u, 30000000u}) {
+    for (const uint size : kSizes) {
         add("torus natural", size, [size] { return triangleTorus(size, PointOrder::Natural); });
         if (size >= 100000)
             add("torus random", size, [size] { return triangleTorus(size, PointOrder::Random); });

@@ -167,7 +167,7 @@ void scratch(Row& row)
 
 int main(int argc, char** argv)
 {
-    for (const uint size : {1u, 10u, 1000u, 100000u, 1000000u, 8000000u, 30000000u}) {
+    for (const uint size : kSizes) {
         for (const Points kind : kPointSets)
             addSpheres(kind, size);
         addTriangleBox("mostly separated", 2.5f, size);

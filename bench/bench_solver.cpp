@@ -135,7 +135,8 @@ int main(int argc, char** argv)
         Pairs pairs;
     } inputs[] = {{"one side", Pairs::OneSide}, {"mixed", Pairs::Mixed}, {"few", Pairs::Few}};
     // Pairs of a contact and another collider: 10 thousand contacts make 630 thousand.
-    for (const uint contacts : {1u, 16u, 1600u, 10000u, 127000u, 476000u})
+    for (const uint contacts :
+         {1u, 16u, 1600u, 10000u, 127000u, 476000u, 1600000u, 3200000u, 6400000u})
         for (const auto& [name, pairs] : inputs)
             addRow({"Multicollider solve", name, std::uint64_t{contacts} * (kColliders - 1)},
                    [pairs = pairs](Row& row) { measure(row, pairs); });

@@ -332,7 +332,7 @@ void addPolygons(std::uint64_t size)
 
 int main(int argc, char** argv)
 {
-    for (const uint size : {1u, 10u, 1000u, 100000u, 1000000u, 8000000u, 30000000u}) {
+    for (const uint size : kSizes) {
         add(
             "torus natural", size, [size] { return triangleTorus(size, PointOrder::Natural); },
             kKernels);
@@ -344,7 +344,7 @@ int main(int argc, char** argv)
     }
     for (const uint size : {10u, 200000u})
         add(
-            "fan", size, [size] { return triangleFan(size); }, kKernels);
+            "fan", size, [size] { return triangleFan(size); }, kFanKernels);
     add(
         "book", 200000, [] { return triangleBook(200000); }, kBookKernels);
     add(

@@ -309,7 +309,7 @@ void add(const std::string& name, std::uint64_t size, const std::function<Polygo
 
 int main(int argc, char** argv)
 {
-    for (const uint size : {1u, 10u, 1000u, 100000u, 1000000u, 8000000u, 30000000u}) {
+    for (const uint size : kSizes) {
         const uint side = static_cast<uint>(std::lround(std::sqrt(size)));
         add("torus of quads", size, [side] { return quadTorus(side); });
         if (size >= 100000)

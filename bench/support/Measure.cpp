@@ -58,11 +58,11 @@ struct FirstRun {
     }
 };
 
-std::uint64_t peakOf(const Contender& contender)
+PeakMemory peakOf(const Contender& contender)
 {
     if (contender.release)
         contender.release();
-    const std::uint64_t peak = peakMemoryOf([&] {
+    const PeakMemory peak = peakMemoryOf([&] {
         if (contender.prepare)
             contender.prepare();
         contender.run();
@@ -110,10 +110,12 @@ void reportWork(benchmark::State& state, const Work& work, double seconds)
 void reportPeak(benchmark::State& state, const Contender& kernel, std::uint64_t elements)
 {
     constexpr std::uint64_t kFewest = 50000;  // of which the system's pages do not drown the figure
-    const std::uint64_t peak = peakOf(kernel);
-    state.counters["peak_MB"] = megabytes(peak);
+    const PeakMemory peak = peakOf(kernel);
+    state.counters["peak_MB"] = megabytes(peak.ofWork);
+    state.counters["process_MB"] = megabytes(peak.ofProcess);
     if (elements >= kFewest)
-        state.counters["B_per_element"] = static_cast<double>(peak) / static_cast<double>(elements);
+        state.counters["B_per_element"] =
+            static_cast<double>(peak.ofWork) / static_cast<double>(elements);
 }
 
 std::string labelOf(const Work& work, const Other* other, const FirstRun& first)
@@ -169,7 +171,8 @@ void Row::measureBeside(const Work& work, const Contender& kernel, const Other* 
     if (other != nullptr)
         others.emplace(other->contender, othersFirst->seconds);
     const bool inTurn = others && !others->isSlow();
-    const std::size_t samples = samplesFor(first.seconds + (inTurn ? othersFirst->seconds : 0));
+    const std::size_t samples =
+        ours.isSlow() ? 1 : samplesFor(first.seconds + (inTurn ? othersFirst->seconds : 0));
     for (auto _ : m_state) {
         while (ours.count() < samples) {
             if (inTurn)
@@ -189,7 +192,7 @@ void Row::measureBeside(const Work& work, const Contender& kernel, const Other* 
         return;
     reportTimes(m_state, *others, "other_", "other_ms");
     if (inTurn)
-        m_state.counters["other_peak_MB"] = megabytes(peakOf(other->contender));
+        m_state.counters["other_peak_MB"] = megabytes(peakOf(other->contender).ofWork);
     m_state.counters["ratio"] = median / others->quantile(0.5);
 }
 

@@ -64,14 +64,15 @@ public:
     ///   GB_per_s, x_copy             the work's bytes a second; time / time of copying so many
     ///   peak_MB, B_per_element       peak memory of a call (see PeakMemory.h), with its output; per
     ///                                element of at least 50000 only
+    ///   process_MB                   peak memory of the whole process meanwhile, with the inputs
     ///   threads
-    /// and the hash, which must be the recorded one of this kernel, input and size.
+    /// and the hash, which must be the recorded one of this kernel, input and size, whatever the
+    /// number of threads. What takes more than two seconds is timed once.
     void measure(const Work& work, const Contender& kernel);
 
     /// The same beside another way, both in turn, with
     ///   other_ms, other_low_ms, other_high_ms, other_peak_MB
     ///   ratio                        kernel time / other's time
-    /// An other way that takes more than two seconds runs once.
     /// Without the other way, and expectNear(), where the row has a limit on threads, which that may
     /// not heed, or the program runs the kernels alone.
     void compare(const Work& work, const Contender& kernel, const Other& other);
@@ -93,6 +94,10 @@ private:
     benchmark::State& m_state;
 };
 
+/// The sizes of most inputs. --max-size leaves the last ones out, where it is not raised.
+constexpr std::uint32_t kSizes[] = {1,        10,        1000,      100000,    1000000,   8000000,
+                                    30000000, 100000000, 200000000, 400000000, 1000000000};
+
 /// Adds a row to the program. `fill` calls Row::measure or Row::compare; inputs are best made inside
 /// it, as rows may be filtered out. Rows run in the order in which they are added.
 void addRow(RowName name, std::function<void(Row&)> fill);
@@ -109,7 +114,8 @@ void addParallelRow(const RowName& name, const std::function<void(Row&)>& fill);
 ///   --least-samples=N  but at least N times (default 3)
 ///   --copy=G         take G GB per second for the copy bandwidth; 0 leaves x_copy out
 ///   --alone          the kernels alone, without the other ways
-/// Returns 1 if a row failed: a hash is not the recorded one, or outputs differ.
+/// Returns 1 if a row failed: its hash is not the recorded one, none is recorded, outputs differ, or
+/// memory ran out.
 int run(int argc, char** argv);
 
 }  // namespace Bench

@@ -45,14 +45,14 @@ void giveBackFreeMemory()
 
 }  // namespace
 
-std::uint64_t peakMemoryOf(const std::function<void()>& work)
+PeakMemory peakMemoryOf(const std::function<void()>& work)
 {
     giveBackFreeMemory();
     const bool known = resetPeak();
     const std::uint64_t before = statusBytes("VmRSS");
     work();
     const std::uint64_t peak = statusBytes("VmHWM");
-    return known && peak > before ? peak - before : 0;
+    return known && peak > before ? PeakMemory{peak - before, peak} : PeakMemory{};
 }
 
 }  // namespace Bench
