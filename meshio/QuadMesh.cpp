@@ -105,7 +105,7 @@ std::uint64_t findEdges(Topology& mesh, const std::string& name, bool splitEdges
     if (!splitEdges)
         rejectSameDirection(
             mesh.faceOffset, report, name,
-            "turn one of the faces round, give it points of its own, or split such edges");
+            "turn one of the faces round, give it points of its own, or use --split-edges");
     if (report.count == 0)
         Tessary::computeTriEdges(mesh.triFaceVertex, mesh.triEdges);
     else
