@@ -16,7 +16,8 @@ import tempfile
 from pathlib import Path
 from statistics import median
 
-from rows import NotRows, number_text, parse_name, read_file, table, time_text
+from pages import number_text, table, time_text
+from rows import NotRows, parse_name, read_file
 
 # Few and short, as every row runs in both builds and in every round.
 USUAL = ["--copy=0", "--alone", "--row-seconds=0.05", "--least-samples=1", "--min-size=1000",

@@ -97,28 +97,45 @@ def read_folder(folder):
     return context, sorted(rows, key=lambda row: order.get(row.family, len(order)))
 
 
-def time_text(milliseconds):
-    for unit, scale in (("s", 1e-3), ("ms", 1), ("µs", 1e3), ("ns", 1e6)):
-        if milliseconds * scale >= 1:
-            return f"{number_text(milliseconds * scale)} {unit}"
-    return f"{milliseconds * 1e6:.2g} ns"
+def key_without_size(row):
+    return row.family, row.kernel, row.input
 
 
-def number_text(value):
-    """Three digits."""
-    if value is None:
-        return ""
-    if value >= 100:
-        return f"{value:.0f}"
-    return f"{value:.1f}" if value >= 10 else f"{value:.2f}"
+def grouped(rows):
+    """Lists of rows that differ in their sizes alone."""
+    groups = {}
+    for row in rows:
+        groups.setdefault(key_without_size(row), []).append(row)
+    return {key: sorted(group, key=lambda row: row.size) for key, group in groups.items()}
 
 
-def size_text(size):
-    return f"{size:,}".replace(",", " ")
+def good(rows):
+    return [row for row in rows if not row.error]
 
 
-def table(heads, lines):
-    """A Markdown table; columns after the first are aligned to the right."""
-    rule = "|---|" + "---:|" * (len(heads) - 1)
-    return "\n".join(["| " + " | ".join(heads) + " |", rule]
-                     + ["| " + " | ".join(line) + " |" for line in lines])
+def own_rows(rows):
+    """The kernels' own rows, on all threads and beside no other library."""
+    return [row for row in good(rows) if not row.beside and row.threads == 0]
+
+
+def peer_rows(rows):
+    """Rows beside another library, which was measured too."""
+    return [row for row in good(rows) if row.beside and row.figure("other_ms")]
+
+
+def speed_ups(rows):
+    """How many times as fast all threads are as one, by name of the row on all threads."""
+    one = {row.name.replace("/threads:1", ""): row for row in good(rows) if row.threads == 1}
+    return {row.name: one[row.name].figure("median_ms") / row.figure("median_ms")
+            for row in own_rows(rows) if row.name in one}
+
+
+def read_remarks(path):
+    """Pairs of a pattern of row names and a text, from lines "pattern :: text"; * fits anything."""
+    remarks = []
+    for line in path.read_text().splitlines():
+        pattern, separator, text = line.partition(" :: ")
+        if separator and not line.startswith("#"):
+            parts = [re.escape(part) for part in pattern.strip().split("*")]
+            remarks.append((re.compile(".*".join(parts)), text.strip()))
+    return remarks

@@ -1,0 +1,136 @@
+"""Reports and comparisons made from rows that are written out here, and a program's check of hashes."""
+
+import contextlib
+import io
+import json
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+import compare
+import pages
+import report
+import rows
+
+PROGRAM = os.environ.get("BENCHMARK_PROGRAM", "")
+SOLVER_ROW = "Multicollider solve/mixed/63"
+
+
+def benchmark(name, milliseconds=4.0, label="unit=triangle | hash=00ff", **figures):
+    return {"name": f"{name}/iterations:1/manual_time", "label": label, "elements": 1e5,
+            "median_ms": milliseconds, "low_ms": 0.9 * milliseconds, "high_ms": 1.1 * milliseconds,
+            **figures}
+
+
+class InAFolder(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+
+    def write(self, file, *benchmarks):
+        content = {"context": {"date": "2026-01-02", "threads": "4"}, "benchmarks": benchmarks}
+        (self.folder / file).write_text(json.dumps(content))
+
+    def run_quietly(self, main, *arguments):
+        """The exit code, and what was said."""
+        said = io.StringIO()
+        before, sys.argv = sys.argv, ["script", *map(str, arguments)]
+        try:
+            with contextlib.redirect_stderr(said), contextlib.redirect_stdout(said):
+                return main(), said.getvalue()
+        finally:
+            sys.argv = before
+
+    def report(self, *arguments):
+        code, _ = self.run_quietly(report.main, self.folder, self.folder, *arguments)
+        return code, (self.folder / "report.md").read_text()
+
+
+class Report(InAFolder):
+    def test_rows_become_tables_and_pictures(self):
+        self.write("topology.json", benchmark("addDual/grid/1000", 0.5),
+                   benchmark("addDual/grid/100000", per_s=2.5e7, B_per_element=12.0),
+                   benchmark("addDual/grid/100000/threads:1", 10.0))
+        self.write("peers_topology.json",
+                   benchmark("addDual/grid/100000/beside:LIB fast", other_ms=1.0, ratio=4.0),
+                   benchmark("addDual/grid/100000/beside:LIB", other_ms=6.0, ratio=2 / 3))
+        pages_folder = self.folder / "docs"
+        (pages_folder / "pictures").mkdir(parents=True)
+        marks = ("machine", "topology", "libraries")
+        page = pages_folder / "benchmarks.md"
+        page.write_text("".join(f"<!-- {mark} -->\nold\n<!-- end of {mark} -->\n" for mark in marks))
+        code, text = self.report("--docs", pages_folder)
+        self.assertEqual(code, 0)
+        self.assertIn("| addDual/grid/100000 | 4.00 ms | 10 % | 25.0 M triangles |", text)
+        self.assertRegex(text, r"LIB fast \| 4.00 ms \| 1.00 ms \| 4.00 \|.*\*\*behind\*\*")
+        self.assertRegex(text, r"LIB \| 4.00 ms \| 6.00 ms \| 0.67 \| the same work \|  \|")
+        self.assertNotIn("old", page.read_text())
+        self.assertIn("| 500 µs | 4.00 ms |  |  |  |  | 2.50 | 12.0 |", page.read_text())
+        if (self.folder / "topology.svg").exists():  # matplotlib may be missing
+            picture = (self.folder / "topology.svg").read_text()
+            for text in ("addDual, grid, 100 000", "LIB fast", "2.50", "speed-up"):
+                self.assertIn(text, picture)
+
+    def test_a_failed_row_is_named_and_fails(self):
+        wrong = {"name": "addDual/grid/1", "error_occurred": True, "error_message": "wrong hash"}
+        self.write("topology.json", wrong)
+        code, text = self.report()
+        self.assertEqual(code, 1)
+        self.assertIn("- addDual/grid/1: wrong hash", text)
+
+    def test_what_is_no_report_is_refused(self):
+        (self.folder / "topology.json").write_text('{"context": {}, "benchmarks": [{"name": "x"}]}')
+        code, said = self.run_quietly(report.main, self.folder, self.folder)
+        self.assertEqual((code, "not named kernel/input/size" in said), (2, True))
+        with self.assertRaises(rows.NotRows):  # a page without the mark
+            pages.paste(self.folder / "topology.json", "machine", "")
+
+    def test_remarks_stand_beside_rows_that_fit(self):
+        (self.folder / "remarks.txt").write_text("# a :: b\nf*/beside:A :: why\n")
+        (pattern, text), = rows.read_remarks(self.folder / "remarks.txt")
+        self.assertEqual(text, "why")
+        self.assertTrue(pattern.fullmatch("f/x (1)/10/beside:A"))
+        self.assertFalse(pattern.fullmatch("f/x/10/beside:AB"))
+
+
+class Compare(unittest.TestCase):
+    def line(self, base, change, label="unit=t | hash=1"):
+        both = [[rows.parse_row("solver", benchmark("k/i/1", time, text)) for time in times]
+                for times, text in ((base, "unit=t | hash=1"), (change, label))]
+        return compare.line_of("k/i/1", *both)
+
+    def test_a_change_counts_where_no_rounds_overlap(self):
+        self.assertEqual(self.line([4, 5, 6], [8, 9, 10])[1:],
+                         ["5.00 ms (4.00 ms – 6.00 ms)", "9.00 ms (8.00 ms – 10.0 ms)", "1.80",
+                          "**slower**"])
+        self.assertEqual(self.line([8, 9, 10], [4, 5, 6])[4], "faster")
+        self.assertEqual(self.line([4, 5, 8], [6, 7, 9])[4], "")
+        self.assertEqual(self.line([4], [4], "hash=2")[4], "**other output**")
+
+
+@unittest.skipUnless(PROGRAM, "the benchmarks are not built")
+class Hashes(InAFolder):
+    def run_with(self, *arguments):
+        file = self.folder / "hashes.txt"
+        return subprocess.run([PROGRAM, f"--hashes={file}", "--copy=0", "--alone",
+                               "--row-seconds=0", f"--benchmark_filter={SOLVER_ROW}/", *arguments],
+                              capture_output=True, text=True, check=False)
+
+    def test_a_missing_hash_and_a_wrong_one_fail_until_the_right_one_is_recorded(self):
+        missing = self.run_with()
+        self.assertEqual(missing.returncode, 1)
+        self.assertIn(f"{SOLVER_ROW}: no hash is recorded", missing.stderr)
+        self.assertEqual(self.run_with("--record").returncode, 0)
+        self.assertEqual(self.run_with().returncode, 0)
+        (self.folder / "hashes.txt").write_text(f"{'0' * 16} {SOLVER_ROW}\n")
+        wrong = self.run_with()
+        self.assertEqual(wrong.returncode, 1)
+        self.assertIn("is not the recorded one", wrong.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
