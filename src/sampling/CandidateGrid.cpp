@@ -24,13 +24,14 @@ Key stepAlongB(uint row)
     return (Key{row % 3} - 1) << 32;
 }
 
-// The parts in which loops take the candidates, each with counters of its own.
+// The parts in which loops take the candidates. Each may have counters of its own: a quarter as many as it has
+// candidates, so that they take little memory however many threads there are.
 class Pieces {
 public:
-    explicit Pieces(std::size_t size)
+    explicit Pieces(std::size_t size, std::size_t counters = 0)
         : m_size(size),
-          m_count(static_cast<uint>(
-              std::min<std::size_t>(4 * std::size_t{loopConcurrency()}, 1 + size / kSizeOfOne)))
+          m_count(static_cast<uint>(std::min<std::size_t>(
+              4 * std::size_t{loopConcurrency()}, 1 + size / std::max(kSizeOfOne, 4 * counters))))
     {}
 
     uint count() const { return m_count; }
@@ -174,7 +175,7 @@ void CandidateGrid::forEachFiled(std::size_t begin, std::size_t end, const Visit
 void CandidateGrid::fileIntoSlabs()
 {
     const std::size_t slabs = m_slotOfSlab.size();
-    const Pieces pieces(m_positions.size());
+    const Pieces pieces(m_positions.size(), slabs);
     Array<uint> cursors(pieces.count() * slabs);
     m_filed.resize(m_positions.size());
     parallelForEach(pieces.count(), LoopContext::Bound, [&](uint piece) {

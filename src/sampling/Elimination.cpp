@@ -69,7 +69,7 @@ private:
         uint bin;
     };
 
-    bool settle(const Candidate& candidate);
+    bool settle(Candidate candidate);
     uint binOf(uint candidate, uint nearBin) const;
 
     const CandidateGrid& m_grid;
@@ -81,7 +81,7 @@ private:
 // Decides a candidate if the earlier ones near it are decided; if not, puts the first of them before it
 // and returns false. To go on with the first leads to one without earlier neighbours in few steps,
 // and that one settles the most others.
-bool Decision::settle(const Candidate& candidate)
+bool Decision::settle(Candidate candidate)
 {
     const uint i = candidate.index;
     const PairEnd end = {m_grid.localA()[i], m_grid.localB()[i], m_grid.localC()[i],

@@ -14,7 +14,7 @@ namespace Tessary {
 /// in     distance       above 1.1754944e-38
 /// in     fixedPoints    remove candidates within the distance before the walk; may be null
 /// out    (returned)     per candidate 1 if it was removed, else 0
-/// cost   near linear; polls for cancellation where there are two candidates or more
+/// cost   near linear; polls for cancellation where candidates lie near each other
 Array<unsigned char> eliminate(const Array<float3>& positions, float distance,
                                const Array<float3>* fixedPoints = nullptr);
 
