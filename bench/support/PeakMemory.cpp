@@ -52,7 +52,7 @@ PeakMemory peakMemoryOf(const std::function<void()>& work)
     const std::uint64_t before = statusBytes("VmRSS");
     work();
     const std::uint64_t peak = statusBytes("VmHWM");
-    return known && peak > before ? PeakMemory{peak - before, peak} : PeakMemory{};
+    return known && peak >= before ? PeakMemory{peak - before, peak} : PeakMemory{};
 }
 
 }  // namespace Bench

@@ -1,0 +1,206 @@
+#!/usr/bin/env python3
+"""Measures kernels on ever larger inputs, until they do not fit, each in a process of its own.
+
+usage: scaling.py PROGRAMS OUTPUT [--resume] [--docs FOLDER] [--memory GB] [--seconds S]
+                  [arguments of the programs]
+
+PROGRAMS is the folder that holds the programs. OUTPUT gets raw/FAMILY.json, row by row, and
+scaling.md; with --resume, rows that are there already stay. With --docs, the tables between the marks
+of FOLDER's scaling.md are made anew too. Exit code 1 if a row failed for another reason than
+memory or time.
+"""
+
+import argparse
+import json
+import resource
+import signal
+import subprocess
+import sys
+import tempfile
+from math import log
+from pathlib import Path
+
+from machine import describe, facts_text
+from pages import number_text, paste, size_text, table, time_text
+from rows import NotRows, good, grouped, own_rows, parse_name, read_folder
+
+# What is measured; the rest is done element by element, without memory of its own.
+CHOSEN = {
+    "topology": "^(constructDualMesh|addDual|computeTriEdges|populateAdjacentTri|addAdjacentTri|"
+                "computeQuadMesh flags)/torus|^quadFaceIndexedInterpolation",
+    "triangulation": "/(torus of quads, fresh|mixed polygons, fresh|mixed polygons)/",
+    "cutmesh": "/torus",
+    "sampling": "/(sphere|four)",
+    "primitives": "computeBoundingSphere/(in a ball|on a mesh)",
+    "solver": "/mixed",
+    "meshio": "readMesh.*/(OBJ|PLY)/|writeMesh.*/(OBJ|PLY)/|validateMesh",
+}
+USUAL = ["--alone", "--min-size=100000", "--max-size=1000000000", "--row-seconds=0.3"]
+COLUMNS = [(100000, "10⁵"), (1000000, "10⁶"), (8000000, "8·10⁶"), (30000000, "3·10⁷"),
+           (100000000, "10⁸"), (200000000, "2·10⁸"), (400000000, "4·10⁸"), (1000000000, "10⁹")]
+NO_MEMORY = "needs more memory"
+NO_TIME = "takes longer"
+LIMITS = (NO_MEMORY, NO_TIME)
+
+
+class Runner:
+    def __init__(self, memory, seconds, arguments):
+        self.memory = memory
+        self.seconds = seconds
+        self.arguments = USUAL + arguments
+
+    def limit(self):
+        resource.setrlimit(resource.RLIMIT_AS, (self.memory, self.memory))
+
+    def call(self, program, *more):
+        return subprocess.run([program, *self.arguments, *more], text=True, capture_output=True,
+                              timeout=self.seconds, preexec_fn=self.limit, check=False)
+
+    def names(self, program, family):
+        """Names of the chosen rows, by kernel and input, small ones first."""
+        filtered = any(each.startswith("--benchmark_filter") for each in self.arguments)
+        chosen = [] if filtered else [f"--benchmark_filter={CHOSEN[family]}"]
+        listed = self.call(program, "--benchmark_list_tests", *chosen).stdout.splitlines()
+        names = [line for line in listed if "/iterations:1/" in line and "/threads:" not in line]
+        names.sort(key=lambda name: parse_name(name)["size"])
+        series = {}
+        for name in names:
+            parts = parse_name(name)
+            series.setdefault((parts["kernel"], parts["input"]), []).append(name)
+        return series
+
+    def measure(self, program, name, copy):
+        """The context and the row as the program writes it, with an error where it did not."""
+        with tempfile.NamedTemporaryFile(suffix=".json") as output:
+            try:
+                ended = self.call(program, f"--benchmark_filter=^{escape(name)}$",
+                                  f"--benchmark_out={output.name}", "--benchmark_out_format=json",
+                                  *([f"--copy={copy}"] if copy else []))
+            except subprocess.TimeoutExpired:
+                return {}, failed(name, NO_TIME)
+            content = Path(output.name).read_text()
+        if not content.rstrip().endswith("}"):
+            text = ended.stderr.strip().replace("\n", "; ")
+            return {}, failed(name, NO_MEMORY if "bad_alloc" in text else
+                              f"ended with {ended.returncode}: {text}")
+        content = json.loads(content)
+        row = content["benchmarks"][0]
+        if row.get("error_message") == "not enough memory":
+            row = failed(name, NO_MEMORY)
+        return content["context"], row
+
+
+def escape(name):
+    return "".join(f"\\{each}" if each in "[].+*?(){}|^$\\" else each for each in name)
+
+
+def failed(name, message):
+    return {"name": name, "error_occurred": True, "error_message": message}
+
+
+class Results:
+    """The rows of one family, kept in its file."""
+
+    def __init__(self, path, resume):
+        self.path = path
+        kept = resume and path.exists()
+        self.content = json.loads(path.read_text()) if kept else {"context": {}, "benchmarks": []}
+
+    def find(self, name):
+        return next((row for row in self.content["benchmarks"] if row["name"] == name), None)
+
+    def add(self, context, row):
+        self.content["context"].update(context)
+        self.content["benchmarks"].append(row)
+        self.path.write_text(json.dumps(self.content, indent=1))
+
+
+def climb(runner, program, names, results):
+    """Measures one kernel and input, until a size is too large."""
+    for name in names:
+        row = results.find(name)
+        if row is None:
+            print(name.split("/iterations")[0], file=sys.stderr, flush=True)
+            context, row = runner.measure(program, name,
+                                          results.content["context"].get("copy_GB_per_s"))
+            results.add(context, row)
+        if row.get("error_occurred"):
+            return
+
+
+def column_of(row):
+    return min(range(len(COLUMNS)), key=lambda i: abs(log(COLUMNS[i][0] / row.size)))
+
+
+def series_line(kernel, source, group):
+    """How the figures of one kernel and input grow."""
+    measured = good(group)
+    cells = [""] * len(COLUMNS)
+    for row in measured:
+        each = 1e6 * row.figure("median_ms") / row.figure("elements")
+        cells[column_of(row)] = number_text(each)
+    for row in group:
+        if row.error:
+            cells[column_of(row)] = row.error if row.error in LIMITS else "**failed**"
+    last = measured[-1]
+    return [f"`{kernel}`", source, last.words.get("unit", "element"), *cells,
+            number_text(last.figure("B_per_element")), size_text(int(last.figure("elements"))),
+            time_text(last.figure("median_ms")),
+            number_text(1e-3 * last.figure("process_MB"))]
+
+
+def scaling_table(rows):
+    lines = []
+    for (_, kernel, source), group in grouped(row for row in rows if not row.threads).items():
+        if own_rows(group):
+            lines.append(series_line(kernel, source, group))
+    heads = ["kernel", "input", "element", *(f"ns at {text}" for _, text in COLUMNS),
+             "peak B", "largest", "its time", "process GB"]
+    return table(heads, lines)
+
+
+def report(raw, output, docs):
+    context, rows = read_folder(raw)
+    if not good(rows):
+        raise NotRows(f"{raw}: no rows; does any name fit the arguments?")
+    facts = facts_text(describe(context, rows))
+    text = scaling_table(rows)
+    (output / "scaling.md").write_text(f"# Scaling\n\n{facts}\n\n{text}\n")
+    if docs:
+        paste(docs / "scaling.md", "machine", facts)
+        paste(docs / "scaling.md", "scaling", text)
+    return [row for row in rows if row.error and row.error not in LIMITS]
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("programs", type=Path)
+    parser.add_argument("output", type=Path)
+    parser.add_argument("--resume", action="store_true")
+    parser.add_argument("--docs", type=Path)
+    parser.add_argument("--memory", type=float, default=16)
+    parser.add_argument("--seconds", type=float, default=300)
+    arguments, more = parser.parse_known_args()
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # subprocess ends the program with us
+    runner = Runner(int(arguments.memory * 1e9), arguments.seconds, more)
+    raw = arguments.output / "raw"
+    raw.mkdir(parents=True, exist_ok=True)
+    for path in raw.glob("*.json") if not arguments.resume else []:
+        path.unlink()
+    try:
+        for family in CHOSEN:
+            program = arguments.programs / f"bench_{family}"
+            results = Results(raw / f"{family}.json", arguments.resume)
+            for names in runner.names(program, family).values():
+                climb(runner, program, names, results)
+        unexpected = report(raw, arguments.output, arguments.docs)
+    except (NotRows, OSError) as error:
+        print(f"scaling.py: {error}", file=sys.stderr)
+        return 2
+    for row in unexpected:
+        print(f"scaling.py: {row.name}: {row.error}", file=sys.stderr)
+    return 1 if unexpected else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
