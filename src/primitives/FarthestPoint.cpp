@@ -1,13 +1,19 @@
 #include "primitives/FarthestPoint.h"
 
-#include "host/Float4.h"
 #include "host/ParallelLoop.h"
-#include "host/Prefetch.h"
+#include "primitives/LargestDistance.h"
 
 #include <algorithm>
+#include <atomic>
+#include <cmath>
 
 // Distances are computed point by point and compared with > alone, so the result depends neither on
 // how the points are cut into blocks nor on how many of them are computed at once.
+//
+// Most stretches of points need no distance in double: float rules them out. With c the centre, c' the
+// same rounded to float, and f the squared distance of a point to c' in float, every difference, square
+// and sum is off by a factor of 1 + 2^-24 at most. So the point is no farther from c than
+// sqrt(f) (1 + 2^-22) + |c - c'|, but for squares that are too small for a float.
 
 namespace Tessary {
 namespace {
@@ -19,96 +25,49 @@ constexpr std::size_t kBlock = 8192;
 // How far the largest distance is followed before its point is looked for, within the nearest cache.
 constexpr std::size_t kStretch = 512;
 
-// How many points ahead memory is asked for. Left to itself the machine reads 120 MB in 14 ms for
-// the distances in double; so in 5 ms. A quarter of it is too short.
-constexpr std::size_t kAhead = 512;
+// How many stretches of a block in a row float may fail to rule out before it is not asked any more:
+// close to the end all points on a sphere are equally far in float.
+constexpr int kMostInVain = 2;
 
-#if TESSARY_SSE2
+// One look at all points, from several threads.
+class Pass {
+public:
+    Pass(const Vector3d& center, double atLeast)
+        : m_center(center),
+          m_rounded{static_cast<float>(center.x), static_cast<float>(center.y),
+                    static_cast<float>(center.z)},
+          m_roundedBy(std::sqrt(squaredLength(center - widened(m_rounded)))),
+          m_largest(atLeast)
+    {}
 
-struct Center2 {
-    __m128d x, y, z;
+    const Vector3d& center() const { return m_center; }
 
-    // Squared distances of the two points in the lower lanes.
-    __m128d squaredDistance(__m128 px, __m128 py, __m128 pz) const
+    // Whether none of these points is as far as the farthest one so far. NaN rules nothing out.
+    bool rulesOut(const float3* p, std::size_t count) const
     {
-        const __m128d dx = _mm_sub_pd(_mm_cvtps_pd(px), x);
-        const __m128d dy = _mm_sub_pd(_mm_cvtps_pd(py), y);
-        const __m128d dz = _mm_sub_pd(_mm_cvtps_pd(pz), z);
-        return _mm_add_pd(_mm_add_pd(_mm_mul_pd(dx, dx), _mm_mul_pd(dy, dy)), _mm_mul_pd(dz, dz));
+        const double f = largestDistance(p, count, m_rounded);
+        const double most = (std::sqrt(f) + m_roundedBy) * (1 + 0x1p-22) + kTooSmall;
+        return most * most < m_largest.load(std::memory_order_relaxed);
     }
+
+    void note(double squaredDistance)
+    {
+        double largest = m_largest.load(std::memory_order_relaxed);
+        while (
+            largest < squaredDistance &&
+            !m_largest.compare_exchange_weak(largest, squaredDistance, std::memory_order_relaxed)) {
+        }
+    }
+
+private:
+    // More than the root of what squares lose that are too small for a float.
+    static constexpr double kTooSmall = 0x1p-60;
+
+    Vector3d m_center;
+    float3 m_rounded;
+    double m_roundedBy;
+    std::atomic<double> m_largest;
 };
-
-double largestDistance(const float3* p, std::size_t count, const Ball& ball)
-{
-    const Vector3d& c = ball.center;
-    const Center2 center = {_mm_set1_pd(c.x), _mm_set1_pd(c.y), _mm_set1_pd(c.z)};
-    __m128d low = _mm_set1_pd(ball.squaredRadius);
-    __m128d high = low;
-    std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        TESSARY_PREFETCH(p + i + kAhead);
-        const FourPoints four(p + i);
-        // A distance that is NaN leaves the second operand.
-        low = _mm_max_pd(center.squaredDistance(four.x, four.y, four.z), low);
-        high = _mm_max_pd(
-            center.squaredDistance(_mm_movehl_ps(four.x, four.x), _mm_movehl_ps(four.y, four.y),
-                                   _mm_movehl_ps(four.z, four.z)),
-            high);
-    }
-    double lanes[2];
-    _mm_storeu_pd(lanes, _mm_max_pd(low, high));
-    double largest = std::max(lanes[0], lanes[1]);
-    for (; i < count; ++i)
-        largest = std::max(largest, ball.squaredDistance(widened(p[i])));
-    return largest;
-}
-
-float largestFloat(const float3* p, std::size_t count, const float3& c)
-{
-    const __m128 cx = _mm_set1_ps(c.x), cy = _mm_set1_ps(c.y), cz = _mm_set1_ps(c.z);
-    __m128 most = _mm_setzero_ps();
-    std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        TESSARY_PREFETCH(p + i + kAhead);
-        const FourPoints four(p + i);
-        const __m128 dx = _mm_sub_ps(four.x, cx);
-        const __m128 dy = _mm_sub_ps(four.y, cy);
-        const __m128 dz = _mm_sub_ps(four.z, cz);
-        const __m128 d =
-            _mm_add_ps(_mm_add_ps(_mm_mul_ps(dx, dx), _mm_mul_ps(dy, dy)), _mm_mul_ps(dz, dz));
-        most = _mm_max_ps(d, most);
-    }
-    float lanes[4];
-    _mm_storeu_ps(lanes, most);
-    float largest = std::max(std::max(lanes[0], lanes[1]), std::max(lanes[2], lanes[3]));
-    for (; i < count; ++i) {
-        const float dx = p[i].x - c.x, dy = p[i].y - c.y, dz = p[i].z - c.z;
-        largest = std::max(largest, (dx * dx + dy * dy) + dz * dz);
-    }
-    return largest;
-}
-
-#else
-
-double largestDistance(const float3* p, std::size_t count, const Ball& ball)
-{
-    double largest = ball.squaredRadius;
-    for (std::size_t i = 0; i < count; ++i)
-        largest = std::max(largest, ball.squaredDistance(widened(p[i])));
-    return largest;
-}
-
-float largestFloat(const float3* p, std::size_t count, const float3& c)
-{
-    float largest = 0.0f;
-    for (std::size_t i = 0; i < count; ++i) {
-        const float dx = p[i].x - c.x, dy = p[i].y - c.y, dz = p[i].z - c.z;
-        largest = std::max(largest, (dx * dx + dy * dy) + dz * dz);
-    }
-    return largest;
-}
-
-#endif
 
 // The first of the points at exactly this distance.
 std::size_t firstAt(const float3* p, std::size_t count, const Ball& ball)
@@ -121,19 +80,27 @@ std::size_t firstAt(const float3* p, std::size_t count, const Ball& ball)
                                     p);
 }
 
-FarthestPoint::Found farthestOf(const float3* p, std::size_t begin, std::size_t end,
-                                const Vector3d& center, double atLeast)
+FarthestPoint::Found farthestOf(const float3* p, std::size_t begin, std::size_t end, Pass& pass,
+                                double atLeast)
 {
     FarthestPoint::Found found = {FarthestPoint::kNone, atLeast};
+    int inVain = 0;
     for (std::size_t i = begin; i < end; i += kStretch) {
         const std::size_t count = std::min(kStretch, end - i);
-        const double d = largestDistance(p + i, count, {center, found.squaredDistance});
-        if (d > found.squaredDistance)
+        if (inVain < kMostInVain && pass.rulesOut(p + i, count)) {
+            inVain = 0;
+            continue;
+        }
+        ++inVain;
+        const double d = largestDistance(p + i, count, {pass.center(), found.squaredDistance});
+        if (d > found.squaredDistance) {
             found = {i, d};
+            pass.note(d);
+        }
     }
     if (found.index != FarthestPoint::kNone)
         found.index += firstAt(p + found.index, std::min(kStretch, end - found.index),
-                               {center, found.squaredDistance});
+                               {pass.center(), found.squaredDistance});
     return found;
 }
 
@@ -151,9 +118,10 @@ std::size_t FarthestPoint::blockBegin(std::size_t block) const
 FarthestPoint::Found FarthestPoint::from(const Vector3d& center, double atLeast)
 {
     const auto blocks = static_cast<uint>(m_found.size());
+    Pass pass(center, atLeast);
     parallelForEach(blocks, LoopContext::Isolated, [&](uint block) {
         m_found[block] = farthestOf(m_points.data(), blockBegin(block),
-                                    blockBegin(std::size_t{block} + 1), center, atLeast);
+                                    blockBegin(std::size_t{block} + 1), pass, atLeast);
     });
     Found farthest = {kNone, atLeast};
     for (const Found& found : m_found)
@@ -168,7 +136,8 @@ float FarthestPoint::largestFloatDistance(const float3& center)
     parallelForEach(blocks, LoopContext::Isolated, [&](uint block) {
         const std::size_t begin = blockBegin(block);
         const std::size_t end = blockBegin(std::size_t{block} + 1);
-        m_found[block].squaredDistance = largestFloat(m_points.data() + begin, end - begin, center);
+        m_found[block].squaredDistance =
+            largestDistance(m_points.data() + begin, end - begin, center);
     });
     float largest = 0.0f;
     for (const Found& found : m_found)

@@ -209,27 +209,6 @@ TEST(BoundingSphere, LargeSetsHaveTheRadiusOfTheirShapeAtAnyThreadCount)
     expectEncloses(line, 10000, 0);
 }
 
-// Two points are equally far from the first one, so close to each other that the ball through one of
-// them stands for both: its centre tells which.
-TEST(BoundingSphere, OfEquallyFarPointsTheFirstCountsWhereverTheyStand)
-{
-    const float3 far[] = {{-1, 0x1p-22f, 0}, {-1, 0x1p-23f, 0x1p-23f}};
-    const float3 centers[] = {{.5f, 0x1p-22f, 0x1p-24f}, {.5f, 0x1.8p-23f, 0x1p-23f}};
-    const uint count = 100000;  // several pieces of a parallel pass
-    for (const uint at : {2u, 3u, 511u, 512u, 8191u, 8192u, 60001u, count - 2})
-        for (const uint next : {at + 1, count - 1})
-            for (const int first : {0, 1}) {
-                SCOPED_TRACE(testing::Message() << at << ' ' << next << ' ' << first);
-                Array<float3> points(count, {0, 0x1p-23f, -0x1p-23f});
-                points[0] = {2, 0x1p-22f, 0x1p-23f};
-                points[at] = far[first];
-                points[next] = far[1 - first];
-                atSeveralThreadCounts([&](int) {
-                    EXPECT_EQ(computeBoundingSphere(points).getCenter(), centers[first]);
-                });
-            }
-}
-
 // A point counts as spanning a direction where its part in it is at least 2^-46 of the squared
 // radius: more would keep points out of a ball that needs them, less would let rounding errors in.
 TEST(BoundingSphere, PointsThatSpanTooLittleAreLeftOut)

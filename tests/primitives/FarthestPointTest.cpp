@@ -1,0 +1,102 @@
+#include "primitives/FarthestPoint.h"
+
+#include "support/Threads.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+using namespace Tessary;
+
+namespace {
+
+FarthestPoint::Found reference(const Array<float3>& points, const Vector3d& center, double atLeast)
+{
+    FarthestPoint::Found found = {FarthestPoint::kNone, atLeast};
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const double d = squaredLength(widened(points[i]) - center);
+        if (d > found.squaredDistance)
+            found = {i, d};
+    }
+    return found;
+}
+
+struct Random {
+    std::mt19937 bits;
+    double unit() { return bits() * 0x1p-31 - 1; }  // [-1, 1)
+};
+
+// Points of a set in which float can hardly tell who is farthest from `center`.
+struct Set {
+    Array<float3> points;
+    Vector3d center;
+};
+
+// On a sphere but for `thickness`, around a centre that is `offset` away from the origin.
+Set nearlyOnASphere(Random& random, double radius, double thickness, double offset)
+{
+    Set set;
+    set.center = {offset * random.unit(), offset * random.unit(), offset * random.unit()};
+    for (uint i = 30000 + random.bits() % 5000; i > 0; --i) {
+        Vector3d v = {random.unit(), random.unit(), random.unit()};
+        const double r = radius * (1 + thickness * random.unit()) / std::sqrt(squaredLength(v));
+        set.points.push_back({static_cast<float>(set.center.x + r * v.x),
+                              static_cast<float>(set.center.y + r * v.y),
+                              static_cast<float>(set.center.z + r * v.z)});
+    }
+    return set;
+}
+
+void expectReference(const Set& set)
+{
+    FarthestPoint farthest(set.points);
+    const double largest = reference(set.points, set.center, 0).squaredDistance;
+    for (const double atLeast : {0.0, largest * (1 - 1e-9), largest, 2 * largest}) {
+        const auto found = farthest.from(set.center, atLeast);
+        const auto expected = reference(set.points, set.center, atLeast);
+        EXPECT_EQ(found.index, expected.index) << atLeast;
+        EXPECT_EQ(found.squaredDistance, expected.squaredDistance) << atLeast;
+    }
+}
+
+TEST(FarthestPoint, IsThatOfAPlainLoopHoweverCloseOthersCome)
+{
+    Random random{};
+    for (int i = 0; i < 100; ++i) {
+        const double radius = std::pow(10.0, 24 * random.unit());
+        const double thickness = std::pow(10.0, -8 * (i % 2));
+        const double offset = i % 3 == 0 ? 0 : radius * std::pow(10.0, 3 + 2 * random.unit());
+        SCOPED_TRACE(testing::Message() << radius << ' ' << thickness << ' ' << offset);
+        expectReference(nearlyOnASphere(random, radius, thickness, offset));
+    }
+}
+
+TEST(FarthestPoint, OfEquallyFarOnesIsTheFirstAtAnyThreadCount)
+{
+    Random random{};
+    for (int i = 0; i < 20; ++i) {
+        Set set = {Array<float3>(100000), {0.5, 0, 0}};
+        for (int n = 1 + i % 4; n > 0; --n)
+            set.points[random.bits() % set.points.size()] = {i % 3 == 0 ? 1.5f : -1.0f, 1, 1};
+        TestSupport::atSeveralThreadCounts([&](int) { expectReference(set); });
+    }
+}
+
+TEST(FarthestPoint, IsNoneThatIsNotANumber)
+{
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float kInf = std::numeric_limits<float>::infinity();
+    Random random{};
+    for (const float odd : {kNan, kInf, -kInf, 3e38f}) {
+        Set set = nearlyOnASphere(random, 1, 0.1, 0);
+        for (uint n = 0; n < 3; ++n)
+            set.points[random.bits() % set.points.size()].y = odd;
+        expectReference(set);
+        set.center = {odd, 0, 0};
+        expectReference(set);
+    }
+}
+
+}  // namespace
