@@ -40,37 +40,28 @@ double measureCopyBandwidth()
     return 2.0 * kBytes / quantileOf(seconds, 0.5);
 }
 
-// The first run of a contender in a row: warms the caches up, tells the time for planning, and leaves
-// the output to be hashed.
-struct FirstRun {
+// A run from released memory on. The first one of a contender in a row warms the caches up, too, and
+// tells the time for planning.
+struct ColdRun {
     double seconds = 0;
+    PeakMemory peak;
     std::optional<std::uint64_t> hash;
 
-    explicit FirstRun(const Contender& contender)
+    explicit ColdRun(const Contender& contender)
     {
-        if (contender.prepare)
-            contender.prepare();
-        seconds = secondsOf(contender.run);
+        if (contender.release)
+            contender.release();
+        peak = peakMemoryOf([&] {
+            if (contender.prepare)
+                contender.prepare();
+            seconds = secondsOf(contender.run);
+        });
         if (contender.hash)
             hash = contender.hash();
         if (contender.clear)
             contender.clear();
     }
 };
-
-PeakMemory peakOf(const Contender& contender)
-{
-    if (contender.release)
-        contender.release();
-    const PeakMemory peak = peakMemoryOf([&] {
-        if (contender.prepare)
-            contender.prepare();
-        contender.run();
-    });
-    if (contender.clear)
-        contender.clear();
-    return peak;
-}
 
 // An odd number, so that the median is one of them.
 std::size_t samplesFor(double secondsPerSample)
@@ -107,10 +98,9 @@ void reportWork(benchmark::State& state, const Work& work, double seconds)
         state.counters["x_copy"] = seconds / (bytes / copyBandwidth());
 }
 
-void reportPeak(benchmark::State& state, const Contender& kernel, std::uint64_t elements)
+void reportPeak(benchmark::State& state, const PeakMemory& peak, std::uint64_t elements)
 {
     constexpr std::uint64_t kFewest = 50000;  // of which the system's pages do not drown the figure
-    const PeakMemory peak = peakOf(kernel);
     state.counters["peak_MB"] = megabytes(peak.ofWork);
     state.counters["process_MB"] = megabytes(peak.ofProcess);
     if (elements >= kFewest)
@@ -118,7 +108,7 @@ void reportPeak(benchmark::State& state, const Contender& kernel, std::uint64_t 
             static_cast<double>(peak.ofWork) / static_cast<double>(elements);
 }
 
-std::string labelOf(const Work& work, const Other* other, const FirstRun& first)
+std::string labelOf(const Work& work, const Other* other, const ColdRun& first)
 {
     std::string label = "unit=" + work.unit;
     if (first.hash)
@@ -156,11 +146,11 @@ void Row::measureBeside(const Work& work, const Contender& kernel, const Other* 
     std::optional<tbb::global_control> limit;
     if (m_name.threads > 0)
         limit.emplace(tbb::global_control::max_allowed_parallelism, m_name.threads);
-    const FirstRun first(kernel);
+    const ColdRun first(kernel);
     m_state.SetLabel(labelOf(work, other, first));
     if (first.hash && !checkHash(m_name, *first.hash))
         return fail("the output's hash " + hexOf(*first.hash) + " is not the recorded one");
-    std::optional<FirstRun> othersFirst;
+    std::optional<ColdRun> othersFirst;
     if (other != nullptr)
         othersFirst.emplace(other->contender);
     if (othersFirst && othersFirst->hash && othersFirst->hash != first.hash)
@@ -187,12 +177,14 @@ void Row::measureBeside(const Work& work, const Contender& kernel, const Other* 
     m_state.counters["samples"] = static_cast<double>(samples);
     m_state.counters["threads"] = m_name.threads > 0 ? m_name.threads : allThreads();
     reportWork(m_state, work, median);
-    reportPeak(m_state, kernel, work.elements);
+    // The first run's memory includes what the scheduler takes once, of which millions of elements
+    // hide all.
+    reportPeak(m_state, ours.isSlow() ? first.peak : ColdRun(kernel).peak, work.elements);
     if (!others)
         return;
     reportTimes(m_state, *others, "other_", "other_ms");
     if (inTurn)
-        m_state.counters["other_peak_MB"] = megabytes(peakOf(other->contender).ofWork);
+        m_state.counters["other_peak_MB"] = megabytes(ColdRun(other->contender).peak.ofWork);
     m_state.counters["ratio"] = median / others->quantile(0.5);
 }
 
