@@ -37,7 +37,7 @@ CHOSEN = {
 }
 USUAL = ["--alone", "--min-size=100000", "--max-size=1000000000", "--row-seconds=0.3"]
 COLUMNS = [(100000, "10⁵"), (1000000, "10⁶"), (8000000, "8·10⁶"), (30000000, "3·10⁷"),
-           (100000000, "10⁸"), (200000000, "2·10⁸"), (400000000, "4·10⁸"), (1000000000, "10⁹")]
+           (100000000, "10⁸")]
 NO_MEMORY = "needs more memory"
 NO_TIME = "takes longer"
 LIMITS = (NO_MEMORY, NO_TIME)
@@ -128,25 +128,29 @@ def climb(runner, program, names, results):
             return
 
 
-def column_of(row):
-    return min(range(len(COLUMNS)), key=lambda i: abs(log(COLUMNS[i][0] / row.size)))
+def nanoseconds(row):
+    return number_text(1e6 * row.figure("median_ms") / row.figure("elements"))
+
+
+def near(size, rows):
+    """The row of that size, or of the nearest one within a factor of 1.6."""
+    row = min(rows, key=lambda row: abs(log(row.size / size)))
+    return row if abs(log(row.size / size)) < log(1.6) else None
 
 
 def series_line(kernel, source, group):
     """How the figures of one kernel and input grow."""
     measured = good(group)
-    cells = [""] * len(COLUMNS)
-    for row in measured:
-        each = 1e6 * row.figure("median_ms") / row.figure("elements")
-        cells[column_of(row)] = number_text(each)
-    for row in group:
-        if row.error:
-            cells[column_of(row)] = row.error if row.error in LIMITS else "**failed**"
+    columns = [near(size, measured) for size, _ in COLUMNS]
     last = measured[-1]
-    return [f"`{kernel}`", source, last.words.get("unit", "element"), *cells,
-            number_text(last.figure("B_per_element")), size_text(int(last.figure("elements"))),
-            time_text(last.figure("median_ms")),
-            number_text(1e-3 * last.figure("process_MB"))]
+    end = next((row for row in group if row.error), None)
+    return [f"`{kernel}`", source, last.words.get("unit", "element"),
+            *(nanoseconds(row) if row else "" for row in columns), nanoseconds(last),
+            size_text(int(last.figure("elements"))), time_text(last.figure("median_ms")),
+            number_text(last.figure("B_per_element")),
+            number_text(1e-3 * last.figure("process_MB")),
+            f"{size_text(end.size)} {end.error if end.error in LIMITS else '**failed**'}"
+            if end else ""]
 
 
 def scaling_table(rows):
@@ -155,7 +159,7 @@ def scaling_table(rows):
         if own_rows(group):
             lines.append(series_line(kernel, source, group))
     heads = ["kernel", "input", "element", *(f"ns at {text}" for _, text in COLUMNS),
-             "peak B", "largest", "its time", "process GB"]
+             "at the largest", "largest", "its time", "peak B", "process GB", "beyond"]
     return table(heads, lines)
 
 

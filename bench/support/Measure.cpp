@@ -63,6 +63,11 @@ struct ColdRun {
     }
 };
 
+// Seconds up to which a run is repeated often, and up to which a second one is made, into memory
+// that the first has warmed up.
+constexpr double kLongestRepeated = 2;
+constexpr double kLongestWarm = 10;
+
 // An odd number, so that the median is one of them.
 std::size_t samplesFor(double secondsPerSample)
 {
@@ -156,13 +161,14 @@ void Row::measureBeside(const Work& work, const Contender& kernel, const Other* 
     if (othersFirst && othersFirst->hash && othersFirst->hash != first.hash)
         return fail("the output differs from that of " + other->name);
 
-    Timings ours(kernel, first.seconds);
+    const bool isLong = first.seconds > kLongestRepeated;
+    Timings ours(kernel, first.seconds, kLongestWarm);
     std::optional<Timings> others;
     if (other != nullptr)
-        others.emplace(other->contender, othersFirst->seconds);
+        others.emplace(other->contender, othersFirst->seconds, kLongestRepeated);
     const bool inTurn = others && !others->isSlow();
     const std::size_t samples =
-        ours.isSlow() ? 1 : samplesFor(first.seconds + (inTurn ? othersFirst->seconds : 0));
+        isLong ? 1 : samplesFor(first.seconds + (inTurn ? othersFirst->seconds : 0));
     for (auto _ : m_state) {
         while (ours.count() < samples) {
             if (inTurn)
@@ -179,7 +185,7 @@ void Row::measureBeside(const Work& work, const Contender& kernel, const Other* 
     reportWork(m_state, work, median);
     // The first run's memory includes what the scheduler takes once, of which millions of elements
     // hide all.
-    reportPeak(m_state, ours.isSlow() ? first.peak : ColdRun(kernel).peak, work.elements);
+    reportPeak(m_state, isLong ? first.peak : ColdRun(kernel).peak, work.elements);
     if (!others)
         return;
     reportTimes(m_state, *others, "other_", "other_ms");

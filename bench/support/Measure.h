@@ -67,7 +67,8 @@ public:
     ///   process_MB                   peak memory of the whole process meanwhile, with the inputs
     ///   threads
     /// and the hash, which must be the recorded one of this kernel, input and size, whatever the
-    /// number of threads. What takes more than two seconds is timed once.
+    /// number of threads. What takes more than two seconds is timed once, what
+    /// takes more than ten without a run before.
     void measure(const Work& work, const Contender& kernel);
 
     /// The same beside another way, both in turn, with
@@ -95,8 +96,9 @@ private:
 };
 
 /// The sizes of most inputs. --max-size leaves the last ones out, where it is not raised.
-constexpr std::uint32_t kSizes[] = {1,        10,        1000,      100000,    1000000,   8000000,
-                                    30000000, 100000000, 200000000, 400000000, 1000000000};
+constexpr std::uint32_t kSizes[] = {1,         10,        1000,      100000,    1000000,
+                                    8000000,   30000000,  100000000, 200000000, 300000000,
+                                    400000000, 600000000, 1000000000};
 
 /// Adds a row to the program. `fill` calls Row::measure or Row::compare; inputs are best made inside
 /// it, as rows may be filtered out. Rows run in the order in which they are added.

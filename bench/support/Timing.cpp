@@ -7,7 +7,6 @@
 namespace Bench {
 namespace {
 
-constexpr double kLongestRepeated = 2.0;
 constexpr double kShortestSample = 20e-6;  // a look at the clock costs about 25e-9
 
 std::size_t runsPerSample(const Contender& contender, double first)
@@ -19,10 +18,10 @@ std::size_t runsPerSample(const Contender& contender, double first)
 
 }  // namespace
 
-Timings::Timings(const Contender& contender, double first)
+Timings::Timings(const Contender& contender, double first, double longest)
     : m_contender(contender),
       m_runsPerSample(runsPerSample(contender, first)),
-      m_isSlow(first > kLongestRepeated)
+      m_isSlow(first > longest)
 {
     if (m_isSlow)
         m_seconds.push_back(first);

@@ -9,8 +9,9 @@ namespace Bench {
 /// Repeated timings of one contender, in seconds a run.
 class Timings {
 public:
-    /// `first` is the time of a run that was made already, from which repetitions are planned.
-    Timings(const Contender& contender, double first);
+    /// `first` is the time of a run that was made already, from which repetitions are planned. Above
+    /// `longest` seconds, it is the only one.
+    Timings(const Contender& contender, double first, double longest);
 
     /// Whether the run made already is all that there is time for: it is the one sample then.
     bool isSlow() const { return m_isSlow; }
