@@ -9,7 +9,6 @@ program ended wrongly, 2 if nothing could be compared.
 """
 
 import argparse
-import re
 import subprocess
 import sys
 import tempfile
@@ -17,7 +16,7 @@ from pathlib import Path
 from statistics import median
 
 from pages import number_text, table, time_text
-from rows import NotRows, parse_name, read_file
+from rows import NotRows, parse_name, pattern_of, read_file
 
 # Few and short, as every row runs in both builds and in every round.
 USUAL = ["--copy=0", "--alone", "--row-seconds=0.05", "--least-samples=1", "--min-size=1000",
@@ -57,20 +56,14 @@ class Build:
             return {row.name: row for row in rows}, ended.returncode == 0
 
 
-def pattern_of(source, size):
-    """Matches the rows of one input; a regular expression of ECMAScript."""
-    escaped = re.sub(r"([][.+*?(){}|^$\\])", r"\\\1", source)
-    return f"/{escaped}/{size}/iterations"
-
-
-def measure_in_turn(builds, name, source, size, rounds):
+def measure_in_turn(builds, name, pattern, rounds):
     """For each build the rows of every round, by name; and whether all went well."""
     found = [{}, {}]
     well = True
     for number in range(rounds):
         order = (0, 1) if number % 2 == 0 else (1, 0)  # neither is always the first
         for which in order:
-            rows, ended_well = builds[which].measure(name, pattern_of(source, size))
+            rows, ended_well = builds[which].measure(name, pattern)
             well = well and ended_well
             for row_name, row in rows.items():
                 found[which].setdefault(row_name, []).append(row)
@@ -109,9 +102,12 @@ def line_of(name, base, change):
 
 
 def groups_of(names):
-    """The inputs of these rows, in order."""
-    parts = [parse_name(name) for name in names]
-    return list(dict.fromkeys((part["input"], part["size"]) for part in parts))
+    """The rows by input and size, in order."""
+    groups = {}
+    for name in names:
+        parts = parse_name(name)
+        groups.setdefault((parts["input"], parts["size"]), []).append(name)
+    return groups
 
 
 class Comparison:
@@ -132,12 +128,12 @@ class Comparison:
         both = [row for row in change if row in base]
         for only, word in ((set(change) - set(base), "new"), (set(base) - set(change), "gone")):
             self.remarks += [f"{word}: {row.split('/iterations')[0]}" for row in sorted(only)]
-        for source, size in groups_of(both):
-            self.add_input(name, source, size)
+        for (source, size), rows in groups_of(both).items():
+            print(f"{name}: {source}, {size}", file=sys.stderr)
+            self.add_rows(name, pattern_of(rows))
 
-    def add_input(self, name, source, size):
-        print(f"{name}: {source}, {size}", file=sys.stderr)
-        (base, change), well = measure_in_turn(self.builds, name, source, size, self.rounds)
+    def add_rows(self, name, pattern):
+        (base, change), well = measure_in_turn(self.builds, name, pattern, self.rounds)
         self.well = self.well and well
         for row_name in change:
             if row_name in base:

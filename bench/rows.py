@@ -58,6 +58,12 @@ def parse_name(name):
     }
 
 
+def pattern_of(names):
+    """Matches these rows alone; a regular expression of ECMAScript."""
+    escaped = [re.sub(r"([][.+*?(){}|^$\\])", r"\\\1", name) for name in names]
+    return f"^({'|'.join(escaped)})$"
+
+
 def parse_row(family, benchmark):
     words = benchmark.get("label", "")
     row = Row(family, **parse_name(benchmark["name"]))

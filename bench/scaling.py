@@ -22,7 +22,7 @@ from pathlib import Path
 
 from machine import describe, facts_text
 from pages import number_text, paste, size_text, table, time_text
-from rows import NotRows, good, grouped, own_rows, parse_name, read_folder
+from rows import NotRows, good, grouped, own_rows, parse_name, pattern_of, read_folder
 
 # What is measured; the rest is done element by element, without memory of its own.
 CHOSEN = {
@@ -73,7 +73,7 @@ class Runner:
         """The context and the row as the program writes it, with an error where it did not."""
         with tempfile.NamedTemporaryFile(suffix=".json") as output:
             try:
-                ended = self.call(program, f"--benchmark_filter=^{escape(name)}$",
+                ended = self.call(program, f"--benchmark_filter={pattern_of([name])}",
                                   f"--benchmark_out={output.name}", "--benchmark_out_format=json",
                                   *([f"--copy={copy}"] if copy else []))
             except subprocess.TimeoutExpired:
@@ -88,10 +88,6 @@ class Runner:
         if row.get("error_message") == "not enough memory":
             row = failed(name, NO_MEMORY)
         return content["context"], row
-
-
-def escape(name):
-    return "".join(f"\\{each}" if each in "[].+*?(){}|^$\\" else each for each in name)
 
 
 def failed(name, message):
