@@ -2,6 +2,7 @@
 
 #include "support/Inputs.h"
 #include "support/Measure.h"
+#include "tests/support/LiteralSweeps.h"
 
 #include <Tessary/Solver.h>
 
@@ -56,46 +57,6 @@ Solver problem(Pairs pairs, uint contacts)
     return s;
 }
 
-void sweepInMemory(Multicollider& s, bool& converged)
-{
-    const uint N = s.colliderCount();
-    for (uint g = 0; g < N; ++g)
-        for (uint c = s.contactOffsets[g]; c < s.contactOffsets[g + 1]; ++c) {
-            const float3 n = s.contactDirections[c].direction;
-            for (uint j = 0; j + 1 < N; ++j) {
-                const uint o = j < g ? j : j + 1;
-                const std::size_t k = std::size_t{c} * (N - 1) + j;
-                const float lambda = s.pairLambdas[k];
-                const float wg = s.inverseMasses[g], wo = s.inverseMasses[o];
-                float3 &G = s.displacements[g], &O = s.displacements[o];
-                const float3 A = {(wg * n.x) * lambda + G.x, (wg * n.y) * lambda + G.y,
-                                  (wg * n.z) * lambda + G.z};
-                const float3 B = {O.x - (wo * n.x) * lambda, O.y - (wo * n.y) * lambda,
-                                  O.z - (wo * n.z) * lambda};
-                const float d = ((A.y - B.y) * n.y + (A.x - B.x) * n.x) + (A.z - B.z) * n.z;
-                float m = std::copysign(1.0f, lambda) * d;
-                m = 0 >= m ? 0 : m * s.pairScales[k];
-                const float next = std::copysign(m, lambda);
-                G = {A.x - (wg * n.x) * next, A.y - (wg * n.y) * next, A.z - (wg * n.z) * next};
-                O = {(wo * n.x) * next + B.x, (wo * n.y) * next + B.y, (wo * n.z) * next + B.z};
-                converged = converged && s.tolerance >= std::fabs(lambda - next);
-                s.pairLambdas[k] = next;
-            }
-        }
-}
-
-void solveInMemory(Multicollider& s)
-{
-    for (uint iteration = 0; iteration < s.maxIterations; ++iteration) {
-        bool converged = true;
-        sweepInMemory(s, converged);
-        if (converged)
-            return;
-    }
-    for (float3& D : s.displacements)
-        D = s.fallbackDisplacement;
-}
-
 std::uint64_t hashOfResult(const Multicollider& s)
 {
     return hashOf(s.pairLambdas, hashOf(s.displacements));
@@ -119,7 +80,7 @@ void measure(Row& row, Pairs pairs)
     row.compare(
         {pairCount, "pair", 12 * pairCount * start.maxIterations, "10 sweeps, 64 colliders"},
         sweeps(ours, start, [](Solver& s) { s.solveInternal(); }),
-        {"plain loop", sweeps(plain, start, [](Solver& s) { solveInMemory(s); }),
+        {"plain loop", sweeps(plain, start, [](Solver& s) { LiteralSweeps::solve(s); }),
          "keeps nothing in registers"});
     const auto pushing = std::count_if(ours.pairLambdas.begin(), ours.pairLambdas.end(),
                                        [](float lambda) { return lambda != 0; });

@@ -1,3 +1,5 @@
+#include "support/LiteralSweeps.h"
+
 #include <Tessary/Solver.h>
 #include <gtest/gtest.h>
 
@@ -20,42 +22,6 @@ class Bare : public Multicollider {
 public:
     using Multicollider::solveInternal;
 };
-
-// One projection after the other, everything in memory.
-void referenceSolve(Multicollider& s)
-{
-    const uint N = s.colliderCount();
-    for (uint it = 0; N >= 2 && it < s.maxIterations; ++it) {
-        bool converged = true;
-        for (uint g = 0; g < N; ++g)
-            for (uint c = s.contactOffsets[g]; c < s.contactOffsets[g + 1]; ++c)
-                for (uint j = 0; j + 1 < N; ++j) {
-                    const uint o = j < g ? j : j + 1;
-                    const std::size_t k = std::size_t{c} * (N - 1) + j;
-                    const float3 n = s.contactDirections[c].direction;
-                    const float lambda = s.pairLambdas[k];
-                    const float wg = s.inverseMasses[g], wo = s.inverseMasses[o];
-                    float3 &G = s.displacements[g], &O = s.displacements[o];
-                    const float3 A = {(wg * n.x) * lambda + G.x, (wg * n.y) * lambda + G.y,
-                                      (wg * n.z) * lambda + G.z};
-                    const float3 B = {O.x - (wo * n.x) * lambda, O.y - (wo * n.y) * lambda,
-                                      O.z - (wo * n.z) * lambda};
-                    const float d = ((A.y - B.y) * n.y + (A.x - B.x) * n.x) + (A.z - B.z) * n.z;
-                    float m = std::copysign(1.0f, lambda) * d;
-                    m = 0 >= m ? 0 : m * s.pairScales[k];
-                    const float next = std::copysign(m, lambda);
-                    G = {A.x - (wg * n.x) * next, A.y - (wg * n.y) * next, A.z - (wg * n.z) * next};
-                    O = {(wo * n.x) * next + B.x, (wo * n.y) * next + B.y, (wo * n.z) * next + B.z};
-                    converged = converged && s.tolerance >= std::fabs(lambda - next);
-                    s.pairLambdas[k] = next;
-                }
-        if (converged)
-            return;
-    }
-    for (float3& D : s.displacements)
-        if (N >= 2)
-            D = s.fallbackDisplacement;
-}
 
 // The same bits; of numbers that are none, any.
 bool isSame(const float* a, const float* b, std::size_t count)
@@ -138,7 +104,7 @@ TEST(Multicollider, SweepsEqualTheReferenceToTheBit)
         Bare ours = randomProblem(seed);
         Multicollider reference = ours;
         ours.solveInternal();
-        referenceSolve(reference);
+        LiteralSweeps::solve(reference);
         expectSame(ours, reference);
         if (!ours.pairLambdas.empty() && ours.displacements[0].x != 7)
             ++converged;
