@@ -6,6 +6,7 @@
 #include <Tessary/Primitives.h>
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -29,6 +30,8 @@ ExitCode sphere(const std::string& path, Session& session)
     const Tessary::Sphere found = Tessary::computeBoundingSphere(points);
     if (points.empty())
         session.warn("there are no points, so the sphere is the origin");
+    if (!std::isfinite(found.getRadius()))
+        session.warn("the square of the radius is too large for a float; scale the mesh down");
 
     const Json center = vectorOf(found.getCenter());
     const double radius = briefly(found.getRadius());

@@ -22,6 +22,9 @@ TEST(SphereVerb, TellsCenterAndRadiusToPeopleAndPrograms)
     EXPECT_EQ(facts["center"], json({1, 2, 6}));
     EXPECT_EQ(facts["radius"], 3);
     EXPECT_EQ(facts["warnings"], json::array());
+
+    const std::string huge = folder.file("huge.obj", "v 1e30 0 0\nv 0 0 0\nv 1 0 0\nf 1 2 3\n");
+    EXPECT_NE(run({"sphere", huge}).err.find("scale the mesh down"), std::string::npos);
 }
 
 }  // namespace
