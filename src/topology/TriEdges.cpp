@@ -1,50 +1,28 @@
 #include <Tessary/Topology.h>
 
-#include "host/Arrays.h"
 #include "host/MeshLayout.h"
 #include "host/ParallelLoop.h"
+#include "topology/BlockSorter.h"
 
 #include <algorithm>
 #include <atomic>
 #include <iostream>
+#include <numeric>
+#include <optional>
 #include <utility>
 #include <vector>
 
-// Half-edges are filed in one bucket per larger point, by a counting sort in which each piece of the
-// mesh has counters of its own, and each bucket is sorted by smaller point and corner. Buckets are
-// then paired up on their own: equal edges always share one.
+// Half-edges are filed by larger point in two steps: first by block of points, then, block by block,
+// by point, so that neither step writes to more places than a core's cache holds. Each point's are
+// sorted, and neighbours are paired up. Where triangles follow each other in the order of their
+// points, the first step files by point at once.
+//
+// All this happens in the edge table and one more array of half its largest size. Where each half-edge
+// has a partner, the table is done with that; otherwise it is moved apart to let in what marks the
+// others.
 
 namespace Tessary {
 namespace {
-
-using Key = std::uint64_t;
-
-// A half-edge within its bucket: smaller point, corner, direction, ordered as one number. The corner
-// makes every key different, so that no order is left open.
-class HalfEdgeKeys {
-public:
-    explicit HalfEdgeKeys(const uint* faceVertex, std::size_t cornerCount)
-        : m_faceVertex(faceVertex), m_directionBits(cornerCount <= (std::size_t{1} << 31) ? 1 : 0)
-    {}
-
-    Key make(uint smaller, uint corner, bool isDescending) const
-    {
-        const Key direction = m_directionBits & (isDescending ? 1u : 0u);
-        return Key{smaller} << 32 | Key{corner} << m_directionBits | direction;
-    }
-    uint corner(Key key) const { return static_cast<uint>(key) >> m_directionBits; }
-    static uint smaller(Key key) { return static_cast<uint>(key >> 32); }
-
-    // Whether the half-edge starts at its larger point.
-    bool isDescending(Key key) const
-    {
-        return m_directionBits ? (key & 1) != 0 : m_faceVertex[corner(key)] != smaller(key);
-    }
-
-private:
-    const uint* m_faceVertex;
-    uint m_directionBits;  // a mesh of more than 2^31 corners has no bit to spare
-};
 
 struct Range {
     std::size_t begin;
@@ -57,188 +35,203 @@ Range pieceOf(std::size_t size, uint i, uint pieces)
     return {size * i / pieces, size * (i + 1) / pieces};
 }
 
-// Calls `file(larger, smaller, corner, isDescending)` for each half-edge of the triangles in `range`.
-template <class File>
-void forEachHalfEdge(const uint* faceVertex, Range range, const File& file)
-{
-    for (std::size_t t = range.begin; t < range.end; ++t) {
-        const uint* const point = faceVertex + 3 * t;
-        const uint corner = static_cast<uint>(3 * t);
-        for (uint k = 0; k < 3; ++k) {
-            const uint start = point[k];
-            const uint end = point[k == 2 ? 0 : k + 1];
-            file(std::max(start, end), std::min(start, end), corner + k, start > end);
-        }
-    }
-}
-
 class EdgeTable {
 public:
-    EdgeTable(const Array<uint>& triFaceVertex, std::size_t pointCount)
+    EdgeTable(const Array<uint>& triFaceVertex, std::size_t pointCount, Array<uint>& triEdges)
         : m_faceVertex(triFaceVertex.data()),
           m_triangleCount(triFaceVertex.size() / 3),
           m_pointCount(pointCount),
-          m_pieces(static_cast<uint>(std::min<std::size_t>(
-              std::min(loopConcurrency(), kMostPieces), 1 + m_triangleCount / kTrianglesPerPiece))),
-          m_blocks(m_pieces == 1 ? 1 : kBlocksPerPiece * m_pieces),
-          m_keyOf(m_faceVertex, 3 * m_triangleCount),
-          m_cursors(m_pieces * pointCount),
-          m_keys(3 * m_triangleCount),
-          m_firstOfBlock(std::size_t{m_blocks} + 1)
+          m_keyOf(m_faceVertex, 3 * m_triangleCount, pointCount),
+          m_binBits(isFiledByPoint() ? 0 : kBlockBits),
+          m_pieces(static_cast<uint>(
+              std::min<std::size_t>(m_binBits > 0 ? kMostPieces : std::min(loopConcurrency(), 8u),
+                                    1 + m_triangleCount / kTrianglesPerPiece))),
+          m_binCount(((pointCount - 1) >> m_binBits) + 1),
+          m_blockCount(static_cast<uint>((pointCount - 1) >> kBlockBits) + 1),
+          m_cursors(m_pieces * m_binCount),
+          m_upper(3 * m_triangleCount),
+          m_blockBegin(std::size_t{m_blockCount} + 1),
+          m_singleCount(m_blockCount),
+          m_triEdges(triEdges)
     {}
 
-    // Files, sorts and counts; false where neighbours run the same way.
+    // False where neighbours run the same way.
     bool build()
     {
+        makeRoom();
         count();
         turnCountsIntoStarts();
         file();
-        return sortAndCount();
-    }
-
-    void emit(Array<uint>& triEdges)
-    {
-        resizeForOverwriting(triEdges, 2 * m_firstOfBlock[m_blocks]);
-        parallelForEach(m_blocks, LoopContext::Isolated, [&](uint block) {
-            uint* out = triEdges.data() + 2 * m_firstOfBlock[block];
-            forEachBucket(block, [&](Key* begin, Key* end) {
-                forEachEdge(begin, end, [&](Key first, const Key* second) {
-                    *out++ = m_keyOf.corner(first);
-                    *out++ = second ? m_keyOf.corner(*second) : kNone;
-                });
-            });
-        });
+        if (!sortBlocks())
+            return false;
+        moveApart();
+        return true;
     }
 
 private:
-    // Counters cost 4 bytes per point and piece, so their number is bounded.
-    static constexpr uint kMostPieces = 8;
+    static constexpr uint kBlockBits = 12;  // a block's half-edges take some 200 kB
+    static constexpr uint kMostPieces = 16;
     static constexpr std::size_t kTrianglesPerPiece = 8192;
-    static constexpr uint kBlocksPerPiece = 16;
 
-    uint* cursorsOf(uint piece) { return m_cursors.data() + piece * m_pointCount; }
+    // Whether half-edges that are filed one after another go to places that the cache still holds, or
+    // keys lack the bits for a second step.
+    bool isFiledByPoint() const
+    {
+        constexpr std::size_t kSmallMesh = 16384;
+        constexpr std::size_t kSamples = 512;
+        if (m_triangleCount < kSmallMesh || m_keyOf.placeBits() < kBlockBits)
+            return true;
+        std::size_t farCount = 0;
+        for (std::size_t i = 0; i < kSamples; ++i) {
+            const uint* const point = m_faceVertex + 3 * (m_triangleCount * i / kSamples);
+            const Ends neighbours(point[0], point[3]);
+            farCount += neighbours.larger - neighbours.smaller > 16384;
+        }
+        return farCount < kSamples / 8;
+    }
+
+    uint* cursorsOf(uint piece) { return m_cursors.data() + piece * m_binCount; }
+
+    Range pointsOf(uint block) const
+    {
+        const std::size_t begin = std::size_t{block} << kBlockBits;
+        return {begin, std::min(begin + (std::size_t{1} << kBlockBits), m_pointCount)};
+    }
+
+    Range binsOf(uint block) const
+    {
+        const Range points = pointsOf(block);
+        return {points.begin >> m_binBits, ((points.end - 1) >> m_binBits) + 1};
+    }
+
+    Filed filedIn(Range range)
+    {
+        return {m_triEdges.data() + range.begin, m_upper.data() + range.begin,
+                range.end - range.begin};
+    }
+
+    // For the corners, and for what marks those of a short boundary.
+    void makeRoom()
+    {
+        const std::size_t cornerCount = 3 * m_triangleCount;
+        if (m_triEdges.size() < cornerCount)
+            m_triEdges.resize(0);
+        m_triEdges.resize(std::max(m_triEdges.size(), cornerCount + cornerCount / 32));
+    }
+
+    // Calls `visit(bin, ends, corner)` for each half-edge of a piece of the triangles.
+    template <class Visit>
+    void forEachHalfEdge(uint piece, const Visit& visit) const
+    {
+        const Range triangles = pieceOf(m_triangleCount, piece, m_pieces);
+        const uint bits = m_binBits;
+        for (std::size_t t = triangles.begin; t < triangles.end; ++t) {
+            const uint* const point = m_faceVertex + 3 * t;
+            for (uint k = 0; k < 3; ++k) {
+                const Ends ends(point[k], point[k == 2 ? 0 : k + 1]);
+                visit(ends.larger >> bits, ends, static_cast<uint>(3 * t) + k);
+            }
+        }
+    }
 
     void count()
     {
         parallelForEach(m_pieces, LoopContext::Isolated, [this](uint piece) {
             uint* const counts = cursorsOf(piece);
-            forEachHalfEdge(m_faceVertex, pieceOf(m_triangleCount, piece, m_pieces),
-                            [counts](uint larger, uint, uint, bool) { ++counts[larger]; });
+            forEachHalfEdge(piece, [counts](uint bin, Ends, uint) { ++counts[bin]; });
         });
     }
 
-    // Point by point, and for each point piece by piece.
+    // Bin by bin, and for each bin piece by piece.
     void turnCountsIntoStarts()
     {
-        std::vector<uint> start(std::size_t{m_blocks} + 1);
-        parallelForEach(m_blocks, LoopContext::Isolated,
-                        [&](uint block) { start[block + 1] = sumOfBlock(block); });
-        for (uint block = 0; block < m_blocks; ++block)
-            start[block + 1] += start[block];
-        parallelForEach(m_blocks, LoopContext::Isolated, [&](uint block) {
-            uint sum = start[block];
-            const Range points = pieceOf(m_pointCount, block, m_blocks);
-            for (std::size_t point = points.begin; point < points.end; ++point)
-                for (uint piece = 0; piece < m_pieces; ++piece)
-                    sum += std::exchange(cursorsOf(piece)[point], sum);
+        parallelForEach(m_blockCount, LoopContext::Isolated, [this](uint block) {
+            uint sum = 0;
+            for (uint piece = 0; piece < m_pieces; ++piece)
+                for (std::size_t bin = binsOf(block).begin; bin < binsOf(block).end; ++bin)
+                    sum += cursorsOf(piece)[bin];
+            m_blockBegin[block + 1] = sum;
         });
-    }
-
-    uint sumOfBlock(uint block)
-    {
-        const Range points = pieceOf(m_pointCount, block, m_blocks);
-        uint sum = 0;
-        for (uint piece = 0; piece < m_pieces; ++piece)
-            for (std::size_t point = points.begin; point < points.end; ++point)
-                sum += cursorsOf(piece)[point];
-        return sum;
+        std::partial_sum(m_blockBegin.begin(), m_blockBegin.end(), m_blockBegin.begin());
+        parallelForEach(m_blockCount, LoopContext::Isolated, [this](uint block) {
+            uint sum = m_blockBegin[block];
+            for (std::size_t bin = binsOf(block).begin; bin < binsOf(block).end; ++bin)
+                for (uint piece = 0; piece < m_pieces; ++piece)
+                    sum += std::exchange(cursorsOf(piece)[bin], sum);
+        });
     }
 
     void file()
     {
         parallelForEach(m_pieces, LoopContext::Isolated, [this](uint piece) {
             uint* const cursors = cursorsOf(piece);
-            forEachHalfEdge(m_faceVertex, pieceOf(m_triangleCount, piece, m_pieces),
-                            [=](uint larger, uint smaller, uint corner, bool isDescending) {
-                                m_keys[cursors[larger]++] =
-                                    m_keyOf.make(smaller, corner, isDescending);
-                            });
+            const Filed filed = filedIn({0, 3 * m_triangleCount});
+            const HalfEdgeKeys keyOf = m_keyOf;
+            forEachHalfEdge(piece, [=](uint bin, Ends ends, uint corner) {
+                filed.set(cursors[bin]++, keyOf.make(ends, corner));
+            });
         });
     }
 
-    bool sortAndCount()
+    bool sortBlocks()
     {
         std::atomic<bool> succeeded{true};
-        parallelForEach(m_blocks, LoopContext::Isolated, [&](uint block) {
-            std::size_t count = 0;
-            forEachBucket(block, [&](Key* begin, Key* end) {
-                sort(begin, end);
-                if (!forEachEdge(begin, end, [&count](Key, const Key*) { ++count; }))
+        parallelLoop(0, m_blockCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
+            BlockSorter sorter(m_keyOf);
+            for (uint block = begin; block < end; ++block)
+                if (!sortBlock(block, sorter))
                     succeeded.store(false, std::memory_order_relaxed);
-            });
-            m_firstOfBlock[block + 1] = count;
         });
-        for (uint block = 0; block < m_blocks; ++block)
-            m_firstOfBlock[block + 1] += m_firstOfBlock[block];
         return succeeded;
     }
 
-    // Buckets hold a handful of keys, almost in order; one point may still have thousands.
-    static void sort(Key* begin, Key* end)
+    bool sortBlock(uint block, BlockSorter& sorter)
     {
-        if (end - begin > 24) {
-            std::sort(begin, end);
-            return;
-        }
-        for (Key* next = begin + (begin != end); next < end; ++next) {
-            const Key key = *next;
-            Key* hole = next;
-            for (; hole > begin && hole[-1] > key; --hole)
-                *hole = hole[-1];
-            *hole = key;
-        }
+        const Range range{m_blockBegin[block], m_blockBegin[block + 1]};
+        const Range points = pointsOf(block);
+        const Filed filed = filedIn(range);
+        // The last piece's cursors have reached the ends of the bins.
+        if (m_binBits > 0)
+            sorter.fillBuckets(filed, std::size_t{1} << kBlockBits);
+        else
+            sorter.takeBuckets(filed, range.begin, cursorsOf(m_pieces - 1) + points.begin,
+                               points.end - points.begin);
+        const std::optional<uint> singleCount = sorter.sortInto(filed);
+        m_singleCount[block] = singleCount.value_or(0);
+        return singleCount.has_value();
     }
 
-    // The last piece's cursors have reached the ends of the buckets.
-    template <class Visit>
-    void forEachBucket(uint block, const Visit& visit)
+    // Lets in kNone after every half-edge that has no partner.
+    void moveApart()
     {
-        const uint* const bucketEnd = m_cursors.data() + (m_pieces - 1) * m_pointCount;
-        const Range points = pieceOf(m_pointCount, block, m_blocks);
-        Key* const keys = m_keys.data();
-        std::size_t begin = points.begin > 0 ? bucketEnd[points.begin - 1] : 0;
-        for (std::size_t point = points.begin; point < points.end; ++point) {
-            const std::size_t end = bucketEnd[point];
-            visit(keys + begin, keys + end);
-            begin = end;
+        std::size_t room =
+            std::accumulate(m_singleCount.begin(), m_singleCount.end(), std::size_t{0});
+        m_triEdges.resize(3 * m_triangleCount + room);
+        uint* end = m_triEdges.data() + 3 * m_triangleCount;
+        for (uint block = m_blockCount; room > 0; --block) {
+            const Filed sorted = filedIn({m_blockBegin[block - 1], m_blockBegin[block]});
+            for (uint i = m_singleCount[block - 1]; i > 0; --i, --room) {
+                uint* const afterSingle = sorted.lower + sorted.upper[i - 1] + 1;
+                std::move_backward(afterSingle, end, end + room);
+                afterSingle[room - 1] = kNone;
+                end = afterSingle;
+            }
         }
-    }
-
-    // Pairs neighbours of one edge that run opposite ways; false at the first two that run one way.
-    // Required: only neighbours are compared, so a half-edge after a pair starts anew.
-    template <class Visit>
-    bool forEachEdge(const Key* key, const Key* end, const Visit& visit) const
-    {
-        while (key < end) {
-            const bool hasPartner =
-                key + 1 < end && HalfEdgeKeys::smaller(key[0]) == HalfEdgeKeys::smaller(key[1]);
-            if (hasPartner && m_keyOf.isDescending(key[0]) == m_keyOf.isDescending(key[1]))
-                return false;
-            visit(key[0], hasPartner ? key + 1 : nullptr);
-            key += hasPartner ? 2 : 1;
-        }
-        return true;
     }
 
     const uint* m_faceVertex;
     std::size_t m_triangleCount;
     std::size_t m_pointCount;
-    uint m_pieces;  // of the triangles, each with counters of its own
-    uint m_blocks;  // of the points
     HalfEdgeKeys m_keyOf;
+    uint m_binBits;  // a bin has 2^m_binBits points
+    uint m_pieces;   // of the triangles, each with a cursor for every bin
+    std::size_t m_binCount;
+    uint m_blockCount;
     Array<uint> m_cursors;
-    Array<Key> m_keys;
-    std::vector<std::size_t> m_firstOfBlock;
+    Array<uint> m_upper;
+    std::vector<uint> m_blockBegin;
+    std::vector<uint> m_singleCount;
+    Array<uint>& m_triEdges;
 };
 
 // The points by rank, for a mesh that names few points of a wide range.
@@ -270,24 +263,20 @@ std::size_t pointCountOf(const Array<uint>& faceVertex)
     return *std::max_element(count.begin(), count.end());
 }
 
-bool buildEdges(const Array<uint>& triFaceVertex, std::size_t pointCount, Array<uint>& triEdges)
-{
-    EdgeTable table(triFaceVertex, pointCount);
-    if (!table.build())
-        return false;
-    table.emit(triEdges);
-    return true;
-}
-
 }  // namespace
 
 void computeTriEdges(const Array<uint>& triFaceVertex, Array<uint>& triEdges)
 {
+    if (triFaceVertex.size() < 3) {
+        triEdges.resize(0);
+        return;
+    }
     const std::size_t pointCount = pointCountOf(triFaceVertex);
     // Counters for points that no triangle names may cost at most as much as the mesh.
-    const bool succeeded = pointCount <= 4 * triFaceVertex.size() + 1024
-                               ? buildEdges(triFaceVertex, pointCount, triEdges)
-                               : buildEdges(ranksOf(triFaceVertex), triFaceVertex.size(), triEdges);
+    const bool succeeded =
+        pointCount <= 4 * triFaceVertex.size() + 1024
+            ? EdgeTable(triFaceVertex, pointCount, triEdges).build()
+            : EdgeTable(ranksOf(triFaceVertex), triFaceVertex.size(), triEdges).build();
     if (!succeeded) {
         std::cerr << "Non manifold or inconsistently oriented mesh detected\n"
                   << "Edge computation canceled\n";

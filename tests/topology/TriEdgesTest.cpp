@@ -105,11 +105,18 @@ TEST(TriEdges, EqualTheLiteralRulesAndListEveryCornerOnceAtAnyThreadCount)
     Array<uint> farApart = large.faceVertex;
     for (uint& point : farApart)
         point = 4294967295u - 40 * point % 4294967291u;
-    for (const Array<uint>& faceVertex : {large.faceVertex, farApart}) {
+    // Points in no order at all: 7919 has no factor in common with their number, 2^19.
+    Array<uint> scattered = large.faceVertex;
+    for (uint& point : scattered)
+        point = 7919 * point % 524288;
+    for (const Array<uint>& faceVertex : {large.faceVertex, farApart, scattered}) {
         const Edges expected = literalEdges(faceVertex);
         ASSERT_FALSE(expected.pairs.empty());
         atSeveralThreadCounts([&](int threads) {
             EXPECT_TRUE(edgesOf(faceVertex).pairs == expected.pairs) << threads << " threads";
         });
     }
+    for (uint corner = 300000; corner < 300003; ++corner)
+        scattered.push_back(scattered[corner]);
+    EXPECT_EQ(edgesOf(scattered).messages, kGaveUp);
 }
