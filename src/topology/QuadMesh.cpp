@@ -5,6 +5,7 @@
 #include "host/Prefetch.h"
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 #include <vector>
 
@@ -149,10 +150,71 @@ uint numberInnerPoints(const Array<uint>& triFaceVertex, const Array<bool>& isCr
 }
 
 template <class Crease>
+bool hasCrease(const Array<Crease>& creases)
+{
+    std::atomic<bool> any{false};
+    parallelLoop(0, static_cast<uint>(creases.size()), 1, LoopContext::Isolated,
+                 [&](uint begin, uint end) {
+                     bool found = false;
+                     for (uint corner = begin; corner < end; ++corner)
+                         found |= isCrease(creases[corner]);
+                     if (found)
+                         any.store(true, std::memory_order_relaxed);
+                 });
+    return any;
+}
+
+// Whether the table names all corners of the triangles, each of which it names at most once.
+bool namesEveryCorner(const Array<uint>& triEdges, std::size_t triangleCount)
+{
+    std::atomic<std::size_t> named{0};
+    parallelLoop(0, static_cast<uint>(triEdges.size() / 2), 1, LoopContext::Isolated,
+                 [&](uint begin, uint end) {
+                     std::size_t count = end - begin;
+                     for (uint e = begin; e < end; ++e)
+                         count += triEdges[std::size_t{2} * e + 1] != kNone ? 1 : 0;
+                     named.fetch_add(count, std::memory_order_relaxed);
+                 });
+    return named == 3 * triangleCount;
+}
+
+// The quads where every edge has one point. The table lists edges by point, so their corners may lie
+// anywhere: each is written to once, and what else its point is for follows triangle by triangle.
+uint smoothQuadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdges, uint firstIndex,
+                    Array<uint>& quadFaceVertex)
+{
+    uint* const quads = quadFaceVertex.data();
+    const auto edgeCount = static_cast<uint>(triEdges.size() / 2);
+    parallelLoop(0, edgeCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
+        constexpr std::size_t kAhead = 64;  // entries
+        for (std::size_t i = std::size_t{2} * begin; i < std::size_t{2} * end; ++i) {
+            if (i + kAhead < triEdges.size() && triEdges[i + kAhead] != kNone)
+                TESSARY_PREFETCH(quads + std::size_t{4} * triEdges[i + kAhead] + 1);
+            if (triEdges[i] != kNone)
+                quads[std::size_t{4} * triEdges[i] + 1] = firstIndex + static_cast<uint>(i / 2);
+        }
+    });
+    const auto triangleCount = static_cast<uint>(triFaceVertex.size() / 3);
+    const uint firstInner = firstIndex + edgeCount;
+    parallelForEach(triangleCount, LoopContext::Isolated, [&](uint t) {
+        uint* const quad = quads + std::size_t{12} * t;
+        const uint edgePoint[3] = {quad[1], quad[5], quad[9]};
+        for (std::size_t k = 0; k < 3; ++k) {
+            quad[4 * k] = triFaceVertex[std::size_t{3} * t + k];
+            quad[4 * k + 2] = firstInner + t;
+            quad[4 * k + 3] = edgePoint[(k + 2) % 3];
+        }
+    });
+    return firstInner + triangleCount;
+}
+
+template <class Crease>
 uint quadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdges,
               const Array<Crease>& creases, uint firstIndex, Array<uint>& quadFaceVertex)
 {
     quadFaceVertex.resize(4 * triFaceVertex.size());
+    if (!hasCrease(creases) && namesEveryCorner(triEdges, triFaceVertex.size() / 3))
+        return smoothQuadMesh(triFaceVertex, triEdges, firstIndex, quadFaceVertex);
     Array<bool> isCreased(triFaceVertex.size());
     const uint next =
         numberEdgePoints(triFaceVertex, triEdges, creases, firstIndex, isCreased, quadFaceVertex);

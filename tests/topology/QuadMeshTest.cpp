@@ -128,24 +128,25 @@ TEST(QuadMesh, EqualsTheLiteralRulesWithFlagsAndWeightsAtAnyThreadCount)
 {
     std::vector<NamedTriangles> meshes = triangleMeshes();
     meshes.push_back(fan(60000, 7));  // several blocks of edges and of triangles
-    for (const NamedTriangles& mesh : meshes) {
-        SCOPED_TRACE(mesh.name);
-        const Array<uint> edges = edgesOf(mesh.faceVertex);
-        std::mt19937 random(5);
-        Array<bool> flags(mesh.faceVertex.size());
-        Array<float> weights(mesh.faceVertex.size(), kLargest);
-        for (std::size_t c = 0; c < flags.size(); ++c)
-            if (random() % 4 == 0)
-                flags[c] = true, weights[c] = 1.5f;
-        const Quads expected = literalQuads(mesh.faceVertex, edges, flags, mesh.pointCount);
-        const auto expectEqual = [&](const Quads& quads) {
-            EXPECT_EQ(quads.next, expected.next);
-            EXPECT_TRUE(quads.corners == expected.corners);
-        };
-        expectEqual(quadsOf(mesh.faceVertex, edges, weights, mesh.pointCount));
-        atSeveralThreadCounts(
-            [&](int) { expectEqual(quadsOf(mesh.faceVertex, edges, flags, mesh.pointCount)); });
-    }
+    for (const NamedTriangles& mesh : meshes)
+        for (const bool hasCreases : {true, false}) {
+            SCOPED_TRACE(mesh.name);
+            const Array<uint> edges = edgesOf(mesh.faceVertex);
+            std::mt19937 random(5);
+            Array<bool> flags(mesh.faceVertex.size());
+            Array<float> weights(mesh.faceVertex.size(), kLargest);
+            for (std::size_t c = 0; c < flags.size(); ++c)
+                if (hasCreases && random() % 4 == 0)
+                    flags[c] = true, weights[c] = 1.5f;
+            const Quads expected = literalQuads(mesh.faceVertex, edges, flags, mesh.pointCount);
+            const auto expectEqual = [&](const Quads& quads) {
+                EXPECT_EQ(quads.next, expected.next);
+                EXPECT_TRUE(quads.corners == expected.corners);
+            };
+            expectEqual(quadsOf(mesh.faceVertex, edges, weights, mesh.pointCount));
+            atSeveralThreadCounts(
+                [&](int) { expectEqual(quadsOf(mesh.faceVertex, edges, flags, mesh.pointCount)); });
+        }
 }
 
 TEST(QuadMesh, APartnerThatDoesNotRunOppositeIsNumberedButItsCreaseDoesNotCount)
