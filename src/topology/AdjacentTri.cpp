@@ -40,6 +40,8 @@ struct Mesh {
     }
     bool isLong(uint point) const { return listSize(point) > kLongList; }
 
+    uint pointOf(uint corner) const { return corner < cornerCount ? faceVertex[corner] : kNone; }
+
     // Whether `corner` is followed by `point`. The last triangle may be incomplete.
     bool isFollowedBy(uint corner, uint point) const
     {
@@ -83,41 +85,61 @@ uint findInStartList(const Mesh& mesh, Edge edge)
     return found;
 }
 
-bool hasLongList(const Mesh& mesh)
+struct Lists {
+    bool anyIsLong;
+    bool areInOrder;  // each begins where the one before it ends, or behind
+};
+
+Lists lookAtLists(const Mesh& mesh)
 {
-    bool any = false;
-    for (std::size_t point = 0; point < mesh.pointCount; ++point)
-        any |= mesh.isLong(static_cast<uint>(point));
-    return any;
+    std::atomic<bool> anyIsLong{false};
+    std::atomic<bool> areInOrder{true};
+    parallelLoop(0, static_cast<uint>(mesh.pointCount), 1, LoopContext::Isolated,
+                 [&](uint begin, uint end) {
+                     bool isLong = false;
+                     bool isInOrder = true;
+                     for (uint point = begin; point < end; ++point) {
+                         isLong |= mesh.isLong(point);
+                         isInOrder &= mesh.dualOffset[point] <= mesh.dualOffset[point + 1];
+                     }
+                     if (isLong)
+                         anyIsLong.store(true, std::memory_order_relaxed);
+                     if (!isInOrder)
+                         areInOrder.store(false, std::memory_order_relaxed);
+                 });
+    return {anyIsLong, areInOrder};
 }
 
-// Whether the slots [slot, end) list corners of the points that they belong to, in ascending order
-// for each point.
+// Whether the slots [slot, end) hold corners of the points whose lists they are in, in ascending order
+// for each point, given lists in order that are all of the dual.
 bool areListsOf(const Mesh& mesh, uint slot, uint end)
 {
-    const uint* const last = mesh.dualOffset + mesh.pointCount + 1;
-    const uint* offset = std::upper_bound(mesh.dualOffset, last, slot);
+    uint lastPoint = kNone;
+    uint lastCorner = 0;
+    if (slot > 0)
+        lastPoint = mesh.pointOf(lastCorner = mesh.dualCorners[slot - 1]);
     bool all = true;
-    while (slot < end && all) {
-        const uint point = static_cast<uint>(offset - mesh.dualOffset) - 1;
-        const uint listEnd = std::min(*offset++, end);
-        // Above every corner of the list, so far: none at its start.
-        uint least = slot > mesh.dualOffset[point] ? mesh.dualCorners[slot - 1] + 1 : 0;
-        for (; slot < listEnd; ++slot) {
-            const uint corner = mesh.dualCorners[slot];
-            all &= corner >= least && corner < mesh.cornerCount && mesh.faceVertex[corner] == point;
-            least = corner + 1;
-        }
+    for (; slot < end; ++slot) {
+        const uint corner = mesh.dualCorners[slot];
+        const uint point = mesh.pointOf(corner);
+        if (point >= mesh.pointCount)
+            return false;
+        // The corners of a point follow each other from the beginning of its list on, so none is
+        // there twice, so none is missing.
+        const bool isFirst = slot == mesh.dualOffset[point];
+        const bool isNext = point == lastPoint && corner > lastCorner;
+        all &= (isFirst || isNext) && slot < mesh.dualOffset[point + 1];
+        lastPoint = point;
+        lastCorner = corner;
     }
     return all;
 }
 
 // Whether the dual is that of the mesh: as many entries as corners, each once and in its own list.
-bool isDualOfMesh(const Mesh& mesh)
+bool isDualOfMesh(const Mesh& mesh, const Lists& lists)
 {
     if (mesh.dualSize < mesh.cornerCount || mesh.dualOffset[0] != 0 ||
-        mesh.dualOffset[mesh.pointCount] != mesh.cornerCount ||
-        !std::is_sorted(mesh.dualOffset, mesh.dualOffset + mesh.pointCount + 1))
+        mesh.dualOffset[mesh.pointCount] != mesh.cornerCount || !lists.areInOrder)
         return false;
     std::atomic<bool> all{true};
     parallelLoop(0, static_cast<uint>(mesh.cornerCount), 1, LoopContext::Isolated,
@@ -222,9 +244,9 @@ void forEachHalfEdge(const Mesh& mesh, uint* adjacentTri, const Find& find)
     });
 }
 
-void findAroundLongLists(const Mesh& mesh, uint* adjacentTri)
+void findAroundLongLists(const Mesh& mesh, const Lists& lists, uint* adjacentTri)
 {
-    const bool isDual = isDualOfMesh(mesh);
+    const bool isDual = isDualOfMesh(mesh, lists);
     const auto isFromStart = [&](Edge edge) { return isDual && !mesh.isLong(edge.start); };
     std::atomic<bool> needsOrder{false};
     forEachHalfEdge(mesh, adjacentTri, [&](Edge edge) {
@@ -237,13 +259,13 @@ void findAroundLongLists(const Mesh& mesh, uint* adjacentTri)
     });
     if (!needsOrder)
         return;
-    const OrderedLists lists(mesh);
+    const OrderedLists ordered(mesh);
     const uint triangleCount = static_cast<uint>(mesh.cornerCount / 3);
     parallelForEach(triangleCount, LoopContext::Isolated, [&](uint t) {
         for (uint corner = 3 * t; corner < 3 * t + 3; ++corner) {
             const Edge edge{t, mesh.faceVertex[corner], mesh.faceVertex[nextCorner(corner, t)]};
             if (mesh.isLong(edge.end) && !isFromStart(edge))
-                adjacentTri[corner] = lists.find(edge);
+                adjacentTri[corner] = ordered.find(edge);
         }
     });
 }
@@ -258,8 +280,9 @@ void populateAdjacentTri(const Array<uint>& triFaceVertex, const Array<uint>& du
         return;
     const Mesh mesh{triFaceVertex.data(),      triFaceVertex.size(),  dualFaceOffset.data(),
                     dualFaceOffset.size() - 1, dualFaceVertex.data(), dualFaceVertex.size()};
-    if (hasLongList(mesh))
-        findAroundLongLists(mesh, adjacentTri.data());
+    const Lists lists = lookAtLists(mesh);
+    if (lists.anyIsLong)
+        findAroundLongLists(mesh, lists, adjacentTri.data());
     else
         forEachHalfEdge(mesh, adjacentTri.data(),
                         [&mesh](Edge edge) { return findInEndList(mesh, edge); });
