@@ -33,6 +33,11 @@ constexpr double kFarthest = 1 << 30;
 struct CellBox {
     std::int64_t first[3];
     std::int64_t last[3];
+
+    std::uint64_t length(int axis) const
+    {
+        return static_cast<std::uint64_t>(last[axis] - first[axis] + 1);
+    }
 };
 
 class Voxelizer {
@@ -53,12 +58,12 @@ public:
     Array<Cell> cells()
     {
         const std::size_t triangles = m_corners.size() / 3;
-        std::vector<std::uint64_t> layers(triangles + 1);
+        std::vector<std::uint64_t> rows(triangles + 1);
         for (std::size_t t = 0; t < triangles; ++t) {
             const CellBox box = boxOfTriangle(t);
-            layers[t + 1] = layers[t] + static_cast<std::uint64_t>(box.last[0] - box.first[0] + 1);
+            rows[t + 1] = rows[t] + box.length(0) * box.length(1);
         }
-        std::vector<std::uint64_t> found = visit(layers);
+        std::vector<std::uint64_t> found = visit(rows);
         tbb::parallel_sort(found.begin(), found.end());
         found.erase(std::unique(found.begin(), found.end()), found.end());
         Array<Cell> cells(found.size());
@@ -108,20 +113,21 @@ private:
 
     CellBox boxOfTriangle(std::size_t t) const { return boxOf(bounds(3 * t, 3 * t + 3)); }
 
-    // Layer x of the cells around each triangle is a piece of work, so that a few large triangles
-    // occupy every thread as well as many small ones. layers[t] counts those before triangle t.
-    std::vector<std::uint64_t> visit(const std::vector<std::uint64_t>& layers) const
+    // The rows along z of the cells around each triangle are the work, so that a few large triangles
+    // occupy every thread, and leave off when told to, as well as many small ones. rows[t] counts
+    // those before triangle t.
+    std::vector<std::uint64_t> visit(const std::vector<std::uint64_t>& rows) const
     {
         constexpr std::uint64_t kPiece = 128, kRound = 512 * kPiece;
         std::vector<std::uint64_t> found;
         std::vector<std::vector<std::uint64_t>> parts;
-        for (std::uint64_t begin = 0; begin < layers.back(); begin += kRound) {
+        for (std::uint64_t begin = 0; begin < rows.back(); begin += kRound) {
             throwIfCancelled();
-            const std::uint64_t end = std::min(begin + kRound, layers.back());
+            const std::uint64_t end = std::min(begin + kRound, rows.back());
             parts.assign((end - begin + kPiece - 1) / kPiece, {});
             tbb::parallel_for(std::size_t{0}, parts.size(), [&](std::size_t i) {
                 const std::uint64_t first = begin + i * kPiece;
-                visitLayers(layers, first, std::min(first + kPiece, end), parts[i]);
+                visitRows(rows, first, std::min(first + kPiece, end), parts[i]);
             });
             for (const std::vector<std::uint64_t>& part : parts)
                 found.insert(found.end(), part.begin(), part.end());
@@ -129,30 +135,30 @@ private:
         return found;
     }
 
-    void visitLayers(const std::vector<std::uint64_t>& layers, std::uint64_t begin,
-                     std::uint64_t end, std::vector<std::uint64_t>& found) const
+    void visitRows(const std::vector<std::uint64_t>& rows, std::uint64_t begin, std::uint64_t end,
+                   std::vector<std::uint64_t>& found) const
     {
-        auto t = static_cast<std::size_t>(std::upper_bound(layers.begin(), layers.end(), begin) -
-                                          layers.begin() - 1);
-        for (std::uint64_t layer = begin; layer < end; ++t) {
+        auto t = static_cast<std::size_t>(std::upper_bound(rows.begin(), rows.end(), begin) -
+                                          rows.begin() - 1);
+        for (std::uint64_t row = begin; row < end; ++t) {
             const CellBox box = boxOfTriangle(t);
-            for (; layer < std::min(end, layers[t + 1]); ++layer)
-                visitLayer(t, box, box.first[0] + static_cast<std::int64_t>(layer - layers[t]),
-                           found);
+            for (; row < std::min(end, rows[t + 1]); ++row)
+                visitRow(t, box, row - rows[t], found);
         }
     }
 
-    void visitLayer(std::size_t t, const CellBox& box, std::int64_t x,
-                    std::vector<std::uint64_t>& found) const
+    void visitRow(std::size_t t, const CellBox& box, std::uint64_t row,
+                  std::vector<std::uint64_t>& found) const
     {
         const float3 &a = point(3 * t), &b = point(3 * t + 1), &c = point(3 * t + 2);
         const float3 half = {m_halfSize, m_halfSize, m_halfSize};
-        for (std::int64_t y = box.first[1]; y <= box.last[1]; ++y)
-            for (std::int64_t z = box.first[2]; z <= box.last[2]; ++z) {
-                const float3 center = {middle(x), middle(y), middle(z)};
-                if (Tessary::intersect_triangle_with_axis_aligned_box(a, b, c, center, half))
-                    found.push_back(keyOf(x, y, z));
-            }
+        const std::int64_t x = box.first[0] + static_cast<std::int64_t>(row / box.length(1));
+        const std::int64_t y = box.first[1] + static_cast<std::int64_t>(row % box.length(1));
+        for (std::int64_t z = box.first[2]; z <= box.last[2]; ++z) {
+            const float3 center = {middle(x), middle(y), middle(z)};
+            if (Tessary::intersect_triangle_with_axis_aligned_box(a, b, c, center, half))
+                found.push_back(keyOf(x, y, z));
+        }
     }
 
     float middle(std::int64_t i) const

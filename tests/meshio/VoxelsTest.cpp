@@ -1,9 +1,12 @@
 #include "support/MeshBuilding.h"
 #include "support/Threads.h"
 
+#include <Pelon/Job.h>
 #include <meshio/Voxels.h>
 
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 using namespace TestSupport;
@@ -84,6 +87,21 @@ TEST(Voxels, RefuseGridsThatAreTooLongOrTooFar)
         Geometry::makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {0, 3}, {0, 1, 2});
     EXPECT_THROW(touchedCells(*mesh, 1e-7), std::invalid_argument);
     EXPECT_THROW(touchedCells(*mesh, 1e-300), std::invalid_argument);
+}
+
+// A single face with minutes of work.
+TEST(Voxels, LeaveOffSoonWhereTheJobIsCancelled)
+{
+    const MutablePtr<Object> mesh =
+        Geometry::makeMesh({{0, 0, 0}, {8000, 0, 0}, {0, 8000, 400}}, {0, 3}, {0, 1, 2});
+    Pelon::Job job;
+    const Pelon::JobScope scope(job);
+    std::thread owner([&job] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        job.cancel();
+    });
+    EXPECT_THROW(touchedCells(*mesh, 1), std::runtime_error);
+    owner.join();
 }
 
 TEST(Voxels, CubesAreClosedAndTurnedOutwards)
