@@ -32,6 +32,8 @@ private:
 /// (px - cx)^2 + (py - cy)^2 + (pz - cz)^2 in float, so every point passes that test against the
 /// rounded centre.
 ///
+/// method E. Welzl, "Smallest enclosing disks (balls and ellipsoids)", 1991, with the pivots and the
+///        numerics of B. Gaertner, "Fast and robust smallest enclosing balls", 1999
 /// in     points  any number, in any order, repeated or not. Of none, the sphere is a point at the
 ///                origin
 /// result the same bits for any thread count. Of equally far points a pass takes the one of lowest
@@ -49,6 +51,7 @@ TESSARY_API Sphere computeBoundingSphere(const Pelon::Array<Korvane::Math::float
 /// products of the box's axes with the triangle's edges. All arithmetic is in float, without
 /// tolerance, so that rounding may decide about triangles that just touch.
 ///
+/// method T. Akenine-Moller, "Fast 3D triangle-box overlap testing", 2001
 /// in     a, b, c      the triangle's points; their order may matter to the last bit
 /// in     boxCenter    the middle of the box
 /// in     boxHalfSize  half of its extent along x, y and z, not negative; zero makes it a point
