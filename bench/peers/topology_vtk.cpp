@@ -105,12 +105,14 @@ std::unique_ptr<Neighbours> vtkNeighbours(vtkPolyData& mesh)
     auto found = std::make_unique<Neighbours>();
     found->across = Array<uint>(static_cast<std::size_t>(3 * mesh.GetNumberOfCells()));
     vtkSMPThreadLocalObject<vtkIdList> lists;
+    vtkSMPThreadLocalObject<vtkIdList> corners;
     vtkSMPTools::For(0, mesh.GetNumberOfCells(), [&](vtkIdType begin, vtkIdType end) {
         vtkIdList* const list = lists.Local();
+        vtkIdList* const ofCell = corners.Local();
         for (vtkIdType t = begin; t < end; ++t) {
-            vtkIdType count;
-            const vtkIdType* points;
-            mesh.GetCellPoints(t, count, points);
+            // With a list of its own: without one, threads share one.
+            mesh.GetCellPoints(t, ofCell);
+            const vtkIdType* const points = ofCell->GetPointer(0);
             const vtkIdType corner[] = {points[0], points[1], points[2], points[0]};
             for (int k = 0; k < 3; ++k) {
                 mesh.GetCellEdgeNeighbors(t, corner[k], corner[k + 1], list);
