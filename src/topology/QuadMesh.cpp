@@ -178,29 +178,47 @@ bool namesEveryCorner(const Array<uint>& triEdges, std::size_t triangleCount)
     return named == 3 * triangleCount;
 }
 
+// Calls `visit(t)` for every triangle, in parallel, in rounds that end where an array of three entries
+// for each triangle, which fills the last quarter of one of twelve, would be written to before it is
+// read.
+template <class Visit>
+void forEachTriangleBeforeItsTwelve(uint triangleCount, const Visit& visit)
+{
+    for (uint begin = 0; begin < triangleCount;) {
+        const uint left = triangleCount - begin;
+        const uint round = std::max(left - left / 4 - (left % 4 > 0 ? 1 : 0), 1u);
+        parallelForEach(round, LoopContext::Isolated, [=](uint i) { visit(begin + i); });
+        begin += round;
+    }
+}
+
 // The quads where every edge has one point. The table lists edges by point, so their corners may lie
-// anywhere: each is written to once, and what else its point is for follows triangle by triangle.
+// anywhere. The points are first put side by side, by corner, where little memory is written to out of
+// order: in the last quarter of the quads, which is needed last.
 uint smoothQuadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdges, uint firstIndex,
                     Array<uint>& quadFaceVertex)
 {
-    uint* const quads = quadFaceVertex.data();
     const auto edgeCount = static_cast<uint>(triEdges.size() / 2);
+    const auto triangleCount = static_cast<uint>(triFaceVertex.size() / 3);
+    uint* const quads = quadFaceVertex.data();
+    uint* const edgePoints = quads + std::size_t{9} * triangleCount;
     parallelLoop(0, edgeCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
         constexpr std::size_t kAhead = 64;  // entries
         for (std::size_t i = std::size_t{2} * begin; i < std::size_t{2} * end; ++i) {
             if (i + kAhead < triEdges.size() && triEdges[i + kAhead] != kNone)
-                TESSARY_PREFETCH(quads + std::size_t{4} * triEdges[i + kAhead] + 1);
+                TESSARY_PREFETCH(edgePoints + triEdges[i + kAhead]);
             if (triEdges[i] != kNone)
-                quads[std::size_t{4} * triEdges[i] + 1] = firstIndex + static_cast<uint>(i / 2);
+                edgePoints[triEdges[i]] = firstIndex + static_cast<uint>(i / 2);
         }
     });
-    const auto triangleCount = static_cast<uint>(triFaceVertex.size() / 3);
     const uint firstInner = firstIndex + edgeCount;
-    parallelForEach(triangleCount, LoopContext::Isolated, [&](uint t) {
+    forEachTriangleBeforeItsTwelve(triangleCount, [=, &triFaceVertex](uint t) {
+        const uint* const from = edgePoints + std::size_t{3} * t;
+        const uint edgePoint[3] = {from[0], from[1], from[2]};
         uint* const quad = quads + std::size_t{12} * t;
-        const uint edgePoint[3] = {quad[1], quad[5], quad[9]};
         for (std::size_t k = 0; k < 3; ++k) {
             quad[4 * k] = triFaceVertex[std::size_t{3} * t + k];
+            quad[4 * k + 1] = edgePoint[k];
             quad[4 * k + 2] = firstInner + t;
             quad[4 * k + 3] = edgePoint[(k + 2) % 3];
         }
