@@ -15,7 +15,7 @@ namespace Bench {
 inline void addSphereRows(const char* peer, void (*fill)(Row&, const Array<Korvane::Math::float3>&))
 {
     for (const Points kind : kPointSets)
-        for (const std::size_t count : {std::size_t{100000}, std::size_t{1000000}})
+        for (const std::size_t count : {100000u, 1000000u, 8000000u})
             addRow({"computeBoundingSphere", nameOf(kind), count, 0, peer},
                    [=](Row& row) { fill(row, makePoints(kind, count)); });
 }

@@ -16,6 +16,9 @@ struct EdgeFinder {
     /// Converts the input, and returns what makes the mesh of that.
     std::function<std::function<std::unique_ptr<Mesh>()>(const Triangles&)> prepare;
     std::size_t (*edgeCount)(const Mesh&);
+
+    /// Whether a fan is done in a few seconds too: some walk around a point for every triangle there.
+    bool isFastOnFans = false;
 };
 
 template <class Mesh>
@@ -36,7 +39,7 @@ void fillEdgeRow(Row& row, const EdgeFinder<Mesh>& peer, const Triangles& in)
     row.expectNear("number of edges", static_cast<double>(ours), static_cast<double>(others));
 }
 
-/// Adds computeTriEdges beside the peer on tori. Numbers of edges are compared.
+/// Adds computeTriEdges beside the peer on tori and a fan. Numbers of edges are compared.
 template <class Mesh>
 void addEdgeRows(const EdgeFinder<Mesh>& peer)
 {
@@ -47,6 +50,9 @@ void addEdgeRows(const EdgeFinder<Mesh>& peer)
                         order == PointOrder::Natural ? "torus natural" : "torus random", size, 0,
                         peer.name},
                        [=](Row& row) { fillEdgeRow(row, peer, triangleTorus(size, order)); });
+    if (peer.isFastOnFans)
+        addRow({"computeTriEdges", "fan", 200000, 0, peer.name},
+               [=](Row& row) { fillEdgeRow(row, peer, triangleFan(200000)); });
 }
 
 /// Makes a mesh that has add_vertex and add_face, with room reserved for a closed one.

@@ -14,7 +14,7 @@ void addRows()
          [](const Triangles& in) {
              return [&in] { return meshByAddFace<Mesh, Mesh::Point, Mesh::VertexHandle>(in); };
          },
-         [](const Mesh& mesh) { return mesh.n_edges(); }});
+         [](const Mesh& mesh) { return mesh.n_edges(); }, true});
 }
 
 const RowsOfLibrary rows(addRows);

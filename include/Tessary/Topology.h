@@ -110,8 +110,9 @@ TESSARY_API void addDual(Korvane::Object& geometry, const Pelon::String& pointCo
 /// out    quadFaceVertex  resized to 4 entries per corner; entries that the edge table does not
 ///                        reach keep their resized value
 /// result the next unused point index
-/// cost   O(n) time, 1 byte of scratch per corner; parallel, never polls for cancellation. Not
-///        checked: that the table names every corner at most once
+/// cost   O(n) time, 1 byte of scratch per corner where an edge is creased or a corner is not in the
+///        table; parallel, never polls for cancellation. Not checked: that the table names every
+///        corner at most once
 TESSARY_API uint computeQuadMesh(const Pelon::Array<uint>& triFaceVertex,
                                  const Pelon::Array<uint>& triEdges,
                                  const Pelon::Array<float>& creaseWeights, uint firstIndex,
