@@ -5,6 +5,7 @@
 #include <Tessary/Topology.h>
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <random>
 
 using namespace TestSupport;
 
@@ -82,14 +83,43 @@ TEST(AdjacentTri, KeepsTheEntriesOfAnIncompleteLastTriangle)
     EXPECT_TRUE(adjacentTri({"", 1, {}}, dualOf({"", 1, {}}), {3}).empty());
 }
 
+// Few points for many triangles: all lists are long, most points follow twice and more, and some
+// triangles have an edge to themselves. Points that are far apart are found in another way.
+TEST(AdjacentTri, EqualsTheSearchWhereEdgesHaveManyTriangles)
+{
+    for (const uint spread : {1u, 50u})
+        for (std::uint32_t seed = 0; seed < 20; ++seed) {
+            SCOPED_TRACE(std::to_string(spread) + " between points, soup " + std::to_string(seed));
+            std::mt19937 random(seed);
+            NamedTriangles mesh{"", 20 * spread, Array<uint>(2000 + seed)};
+            for (uint& point : mesh.faceVertex)
+                point = random() % 20 * spread;
+            const Dual dual = dualOf(mesh);
+            EXPECT_EQ(adjacentTri(mesh, dual), literalAdjacentTri(mesh, dual));
+        }
+}
+
 // Walked corner by corner, either would take 10^10 steps and more.
 TEST(AdjacentTri, PointsWithManyCornersCostNoMoreThanOthers)
 {
-    const NamedTriangles wheel = fan(300000, 0);
-    EXPECT_EQ(adjacentTri(wheel, dualOf(wheel))[3 * 1000], 999u);
-    const NamedTriangles pages = book(300000, 0);  // one direction: no neighbour anywhere
+    const uint triangles = 300000;
+    Array<uint> expected;
+    for (uint t = 0; t < triangles; ++t)
+        for (const uint adjacent :
+             {t == 0 ? kNone : t - 1, kNone, t + 1 < triangles ? t + 1 : kNone})
+            expected.push_back(adjacent);
+    const NamedTriangles wheel = fan(triangles, 0);
+    NamedTriangles spread{"", 4 * wheel.pointCount, wheel.faceVertex};
+    for (uint& point : spread.faceVertex)
+        point *= 4;
+    for (const NamedTriangles& mesh : {wheel, spread}) {
+        const Dual dual = dualOf(mesh);
+        atSeveralThreadCounts([&](int) { EXPECT_TRUE(adjacentTri(mesh, dual) == expected); });
+    }
+
+    const NamedTriangles pages = book(triangles, 0);  // one direction: no neighbour anywhere
     const Array<uint> adjacent = adjacentTri(pages, dualOf(pages));
-    EXPECT_EQ(std::count(adjacent.begin(), adjacent.end(), kNone), 900000);
+    EXPECT_EQ(std::count(adjacent.begin(), adjacent.end(), kNone), 3 * triangles);
 }
 
 // The second build's offsets reach beyond its corners.

@@ -1,0 +1,145 @@
+#include "topology/LongLists.h"
+
+#include "host/ParallelLoop.h"
+
+#include <mutex>
+
+namespace Tessary {
+namespace {
+
+// Calls `visitPiece(begin, end)` for pieces of a point's list.
+template <class VisitPiece>
+void forPiecesOfList(const TriangleDual& dual, uint point, const VisitPiece& visitPiece)
+{
+    constexpr uint kSlotsPerPiece = 8192;
+    parallelLoop(dual.offset[point], dual.offset[std::size_t{point} + 1], kSlotsPerPiece,
+                 LoopContext::Isolated, visitPiece);
+}
+
+// Calls `visit(triangle, after)` for the slots [begin, end) with the point after each corner.
+template <class Visit>
+void forEachFollowing(const TriangleDual& dual, uint begin, uint end, const Visit& visit)
+{
+    for (uint slot = begin; slot < end; ++slot) {
+        const uint corner = dual.corners[slot];
+        const uint after = dual.pointAfter(corner);
+        if (after != kNone)
+            visit(corner / 3, after);
+    }
+}
+
+template <class Visit>
+void forEachFollowing(const TriangleDual& dual, uint point, const Visit& visit)
+{
+    forEachFollowing(dual, dual.offset[point], dual.offset[std::size_t{point} + 1], visit);
+}
+
+// How many corners of a list are followed by a point, and the range of those points.
+struct Following {
+    std::size_t count = 0;
+    uint least = kNone;
+    uint greatest = 0;
+
+    std::size_t rangeSize() const { return std::size_t{greatest} - least + 1; }
+
+    void add(const Following& other)
+    {
+        count += other.count;
+        least = std::min(least, other.least);
+        greatest = std::max(greatest, other.greatest);
+    }
+};
+
+Following pointsFollowing(const TriangleDual& dual, uint point)
+{
+    Following all;
+    std::mutex mutex;
+    forPiecesOfList(dual, point, [&](uint begin, uint end) {
+        Following piece;
+        forEachFollowing(dual, begin, end, [&piece](uint, uint after) {
+            piece.add({1, after, after});
+        });
+        const std::lock_guard<std::mutex> lock(mutex);
+        all.add(piece);
+    });
+    return all;
+}
+
+std::vector<uint> pointsWithLongLists(const TriangleDual& dual)
+{
+    std::vector<uint> points;
+    std::mutex mutex;
+    parallelLoop(0, static_cast<uint>(dual.pointCount), 1, LoopContext::Isolated,
+                 [&](uint begin, uint end) {
+                     std::vector<uint> piece;
+                     for (uint point = begin; point < end; ++point)
+                         if (LongLists::isLong(dual, point))
+                             piece.push_back(point);
+                     if (piece.empty())
+                         return;
+                     const std::lock_guard<std::mutex> lock(mutex);
+                     points.insert(points.end(), piece.begin(), piece.end());
+                 });
+    std::sort(points.begin(), points.end());
+    return points;
+}
+
+}  // namespace
+
+ListIndex::ListIndex(const TriangleDual& dual, uint point)
+{
+    const Following following = pointsFollowing(dual, point);
+    if (following.count == 0)
+        return;
+    m_least = following.least;
+    const bool isNearlyRange = following.rangeSize() <= 2 * following.count;
+    if (!isNearlyRange)
+        collectPoints(dual, point);
+    m_first = Entries(isNearlyRange ? following.rangeSize() : m_points.size());
+    // Where no point follows twice, as in a manifold mesh, there is no order to keep.
+    if (fillInAnyOrder(dual, point) < following.count)
+        fillInOrder(dual, point);
+}
+
+void ListIndex::collectPoints(const TriangleDual& dual, uint point)
+{
+    m_points.reserve(dual.listSize(point));
+    forEachFollowing(dual, point, [this](uint, uint after) { m_points.push_back(after); });
+    std::sort(m_points.begin(), m_points.end());
+    m_points.erase(std::unique(m_points.begin(), m_points.end()), m_points.end());
+}
+
+// Returns how many entries are filled.
+std::size_t ListIndex::fillInAnyOrder(const TriangleDual& dual, uint point)
+{
+    forPiecesOfList(dual, point, [&](uint begin, uint end) {
+        forEachFollowing(dual, begin, end, [this](uint triangle, uint after) {
+            m_first[entryOf(after)].set(triangle);
+        });
+    });
+    return static_cast<std::size_t>(std::count_if(
+        m_first.begin(), m_first.end(), [](const Entry& entry) { return !entry.isFree(); }));
+}
+
+void ListIndex::fillInOrder(const TriangleDual& dual, uint point)
+{
+    for (Entry& entry : m_first)
+        entry.set(kNone);
+    m_other = Entries(m_first.size());
+    forEachFollowing(dual, point, [this](uint triangle, uint after) {
+        const std::size_t entry = entryOf(after);
+        if (m_first[entry].isFree())
+            m_first[entry].set(triangle);
+        else if (m_other[entry].isFree() && triangle != m_first[entry].triangle())
+            m_other[entry].set(triangle);
+    });
+}
+
+LongLists::LongLists(const TriangleDual& dual)
+    : m_points(pointsWithLongLists(dual)), m_indices(m_points.size())
+{
+    parallelForEach(static_cast<uint>(m_points.size()), LoopContext::Isolated,
+                    [&](uint i) { m_indices[i] = ListIndex(dual, m_points[i]); });
+}
+
+}  // namespace Tessary
