@@ -155,10 +155,10 @@ bool hasCrease(const Array<Crease>& creases)
     std::atomic<bool> any{false};
     parallelLoop(0, static_cast<uint>(creases.size()), 1, LoopContext::Isolated,
                  [&](uint begin, uint end) {
-                     bool found = false;
-                     for (uint corner = begin; corner < end; ++corner)
-                         found |= isCrease(creases[corner]);
-                     if (found)
+                     uint found = 0;  // no bool: compilers vectorise this one
+                     for (std::size_t corner = begin; corner < end; ++corner)
+                         found |= isCrease(creases[corner]) ? 1u : 0u;
+                     if (found != 0)
                          any.store(true, std::memory_order_relaxed);
                  });
     return any;
