@@ -6,6 +6,7 @@
 #include "topology/LongLists.h"
 
 #include <algorithm>
+#include <atomic>
 #include <vector>
 
 // The triangle across a half-edge from point a to point b is the first, in the order of b's list of
@@ -15,11 +16,27 @@
 namespace Tessary {
 namespace {
 
+// Looks at every list: offsets that wrapped around may reach far in the middle and end low.
+bool allListsEndWithin(std::size_t cornerCount, const Array<uint>& dualOffset)
+{
+    std::atomic<bool> all{true};
+    const uint* const end = dualOffset.data() + 1;
+    parallelLoop(0, static_cast<uint>(dualOffset.size() - 1), 1, LoopContext::Isolated,
+                 [&](uint first, uint last) {
+                     uint largest = 0;
+                     for (uint point = first; point < last; ++point)
+                         largest = std::max(largest, end[point]);
+                     if (largest > cornerCount)
+                         all.store(false, std::memory_order_relaxed);
+                 });
+    return all;
+}
+
 // The offsets cut to the corners that there are, for a dual that was built more than once; none for
 // any other.
 std::vector<uint> offsetsInside(const Array<uint>& dualOffset, std::size_t dualSize)
 {
-    if (dualOffset[dualOffset.size() - 1] <= dualSize)
+    if (allListsEndWithin(dualSize, dualOffset))
         return {};
     std::vector<uint> inside(dualOffset.begin(), dualOffset.end());
     for (uint& offset : inside)

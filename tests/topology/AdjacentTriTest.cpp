@@ -5,6 +5,7 @@
 #include <Tessary/Topology.h>
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <numeric>
 #include <random>
 
 using namespace TestSupport;
@@ -122,14 +123,21 @@ TEST(AdjacentTri, PointsWithManyCornersCostNoMoreThanOthers)
     EXPECT_EQ(std::count(adjacent.begin(), adjacent.end(), kNone), 3 * triangles);
 }
 
-// The second build's offsets reach beyond its corners.
+// The second build's offsets reach beyond its corners; with many points they wrap around and the last
+// one lies inside again.
 TEST(AdjacentTri, ADualThatWasBuiltTwiceIsNeverReadPastItsEnd)
 {
-    const NamedTriangles mesh = fan(200, 0);
-    Dual dual = dualOf(mesh);
-    Tessary::constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
-    EXPECT_GT(dual.offset[mesh.pointCount], dual.corners.size());
-    EXPECT_EQ(adjacentTri(mesh, dual), literalAdjacentTri(mesh, dual));
+    NamedTriangles mesh = fan(3000, 0);
+    const Array<uint> once = dualOf(mesh).offset;
+    const auto sum = std::accumulate(once.begin(), once.end(), std::uint64_t{0});
+    for (const std::uint64_t more :
+         {std::uint64_t{0}, (0x100000000u - sum) / mesh.faceVertex.size()}) {
+        mesh.pointCount += static_cast<uint>(more);
+        Dual dual = dualOf(mesh);
+        Tessary::constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
+        EXPECT_EQ(dual.offset[mesh.pointCount] > dual.corners.size(), more == 0);
+        EXPECT_EQ(adjacentTri(mesh, dual), literalAdjacentTri(mesh, dual));
+    }
 }
 
 TEST(AddAdjacentTri, StoresThePropertyBuildsAMissingDualAndUsesAnExistingOne)
