@@ -1,5 +1,6 @@
 #include "host/ParallelLoop.h"
 
+#include "support/Cancellation.h"
 #include "support/Threads.h"
 
 #include <gtest/gtest.h>
@@ -29,16 +30,14 @@ TEST(ParallelLoop, CoversTheRangeOnceAtAnyThreadCount)
 
 TEST(ParallelLoop, ARangeWithinItsGrainRunsInOnePieceOnTheCallerAndIsNeverPolled)
 {
-    Pelon::Job job;
-    job.cancel();
-    const Pelon::JobScope scope(job);
     std::vector<std::pair<uint, uint>> pieces;
     std::thread::id thread;
     const auto note = [&](uint begin, uint end) {
         pieces.emplace_back(begin, end);
         thread = std::this_thread::get_id();
     };
-    parallelLoop(5, 105, 100, LoopContext::Bound, note);
+    EXPECT_FALSE(TestSupport::endsWhenCancelled(
+        [&] { parallelLoop(5, 105, 100, LoopContext::Bound, note); }));
     EXPECT_EQ(pieces, (std::vector<std::pair<uint, uint>>{{5, 105}}));
     EXPECT_EQ(thread, std::this_thread::get_id());
 
@@ -48,21 +47,13 @@ TEST(ParallelLoop, ARangeWithinItsGrainRunsInOnePieceOnTheCallerAndIsNeverPolled
 
 TEST(ParallelLoop, OnlyABoundLoopReportsCancellationAndOnlyOnceItIsOver)
 {
-    Pelon::Job job;
-    const Pelon::JobScope scope(job);
     std::atomic<uint> count{0};
     const auto countUp = [&count](uint begin, uint end) { count += end - begin; };
-    EXPECT_NO_THROW(parallelLoop(0, 2, 1, LoopContext::Bound, countUp));
-
-    job.cancel();
-    EXPECT_NO_THROW(parallelLoop(0, 1000, 1, LoopContext::Isolated, countUp));
-    try {
-        parallelLoop(0, 1000, 1, LoopContext::Bound, countUp);
-        FAIL() << "the loop did not report the cancelled job";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), KOR::exceptionMessage.c_str());
-    }
-    EXPECT_EQ(count, 2002u);
+    const auto loop = [&](LoopContext context) { parallelLoop(0, 1000, 1, context, countUp); };
+    EXPECT_NO_THROW(loop(LoopContext::Bound));
+    EXPECT_FALSE(TestSupport::endsWhenCancelled([&] { loop(LoopContext::Isolated); }));
+    EXPECT_TRUE(TestSupport::endsWhenCancelled([&] { loop(LoopContext::Bound); }));
+    EXPECT_EQ(count, 3000u);
 }
 
 TEST(ParallelLoop, AnExceptionOfTheBodyReachesTheCaller)

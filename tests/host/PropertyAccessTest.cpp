@@ -12,7 +12,6 @@ using TestSupport::allocationsLeft;
 using TestSupport::entryOf;
 using TestSupport::kNone;
 using TestSupport::meshOf;
-using TestSupport::shared;
 
 TEST(GetDataArray, IsEmptyForWhateverIsNotAnArrayOfThatType)
 {
@@ -35,8 +34,7 @@ TEST(AddDataArray, MakesAPropertyWithEveryEntry)
     EXPECT_EQ(entryOf<uint>(*geometry, "p", Geometry::sDefault), kNone);
     EXPECT_EQ(entryOf<String>(*geometry, "p", Geometry::sTarget), "comp");
     EXPECT_TRUE(entryOf<Ptr<Array<String>>>(*geometry, "p", Geometry::sDependsOn)->empty());
-    using Mode = Geometry::Common::DataInterpolationMode;
-    EXPECT_EQ(static_cast<int>(entryOf<Mode>(*geometry, "p", Geometry::sInterp)), 1);
+    EXPECT_EQ(static_cast<int>(entryOf<TestSupport::Mode>(*geometry, "p", Geometry::sInterp)), 1);
 }
 
 TEST(AddDataArray, ChangesAnUnsharedPropertyInPlaceAndCopiesASharedOne)

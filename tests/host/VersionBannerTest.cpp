@@ -42,23 +42,19 @@ TEST(VersionBanner, IsOneLineOnRequest)
     }
 }
 
-TEST(VersionBanner, IsNotThereOtherwise)
+TEST(VersionBanner, IsNotThereOtherwiseNorWhereStandardErrorIsClosed)
 {
-    for (const char* value : {"", "0", "yes", "true", "''", "-0", "x1"}) {
-        const std::string variable = *value ? std::string("VORTIKA_DUMP_VERSION_INFO=") : "";
-        const Loaded loaded = load(variable + value);
-        EXPECT_EQ(loaded.status, 0) << value;
-        EXPECT_EQ(loaded.standardError, "") << value;
-    }
-}
-
-TEST(VersionBanner, IsNotThereWhereStandardErrorIsClosed)
-{
-    for (const char* variable : {"", "VORTIKA_DUMP_VERSION_INFO=1"}) {
-        const Loaded loaded = load(variable, "closed");
-        EXPECT_EQ(loaded.status, 0) << variable;
-        EXPECT_EQ(loaded.standardError, "") << variable;
-    }
+    const auto expectNone = [](const std::string& environment, const std::string& arguments) {
+        const Loaded loaded = load(environment, arguments);
+        EXPECT_EQ(loaded.status, 0) << environment << arguments;
+        EXPECT_EQ(loaded.standardError, "") << environment << arguments;
+    };
+    const std::string variable = "VORTIKA_DUMP_VERSION_INFO=";
+    for (const char* value : {"0", "yes", "true", "''", "-0", "x1"})
+        expectNone(variable + value, "");
+    expectNone("", "");
+    expectNone("", "closed");
+    expectNone(variable + "1", "closed");
 }
 
 }  // namespace

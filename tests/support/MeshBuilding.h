@@ -45,6 +45,7 @@ using Pelon::Ptr;
 using Pelon::String;
 using Tessary::uint;
 namespace Geometry = Korvane::Geometry;
+using Mode = Geometry::Common::DataInterpolationMode;
 
 inline constexpr uint kNone = 0xFFFFFFFF;
 
@@ -54,30 +55,45 @@ Ptr<Array<T>> shared(std::initializer_list<T> values)
     return makeMutable<Array<T>>(values);
 }
 
-/// A mesh of `pointCount` points at (i, 0, 0) with these faces.
-inline MutablePtr<Object> meshOf(uint pointCount,
-                                 std::initializer_list<std::initializer_list<uint>> faces)
-{
-    Array<float3> points;
-    for (uint i = 0; i < pointCount; ++i)
-        points.push_back({static_cast<float>(i), 0.0f, 0.0f});
-    Array<uint> faceOffset{0};
-    Array<uint> faceVertex;
-    for (const auto& face : faces) {
-        for (const uint point : face)
-            faceVertex.push_back(point);
-        faceOffset.push_back(static_cast<uint>(faceVertex.size()));
-    }
-    return Geometry::makeMesh(std::move(points), std::move(faceOffset), std::move(faceVertex));
-}
-
 struct PolygonMesh {
     uint pointCount = 0;
     Array<uint> faceOffset{0};
     Array<uint> faceVertex;
 
     uint faceCount() const { return static_cast<uint>(faceOffset.size() - 1); }
+
+    template <class Points>
+    void addFace(const Points& points)
+    {
+        for (const uint point : points)
+            faceVertex.push_back(point);
+        faceOffset.push_back(static_cast<uint>(faceVertex.size()));
+    }
 };
+
+using Faces = std::initializer_list<std::initializer_list<uint>>;
+
+inline PolygonMesh polygonsOf(uint pointCount, Faces faces)
+{
+    PolygonMesh mesh;
+    mesh.pointCount = pointCount;
+    for (const auto& face : faces)
+        mesh.addFace(face);
+    return mesh;
+}
+
+/// An object of these polygons, with points at (i, 0, 0).
+inline MutablePtr<Object> meshOf(const PolygonMesh& mesh)
+{
+    Array<float3> points(mesh.pointCount);
+    for (uint i = 0; i < mesh.pointCount; ++i)
+        points[i].x = static_cast<float>(i);
+    return Geometry::makeMesh(std::move(points), mesh.faceOffset, mesh.faceVertex);
+}
+inline MutablePtr<Object> meshOf(uint pointCount, Faces faces)
+{
+    return meshOf(polygonsOf(pointCount, faces));
+}
 
 /// Polygons of 3 to `largest` corners over random points; nothing about it is a manifold.
 inline PolygonMesh randomPolygons(std::uint32_t seed, uint faceCount, uint largest = 8)
@@ -86,10 +102,10 @@ inline PolygonMesh randomPolygons(std::uint32_t seed, uint faceCount, uint large
     PolygonMesh mesh;
     mesh.pointCount = faceCount + 4;
     for (uint f = 0; f < faceCount; ++f) {
-        const uint corners = 3 + random() % (largest - 2);
-        for (uint k = 0; k < corners; ++k)
-            mesh.faceVertex.push_back(random() % mesh.pointCount);
-        mesh.faceOffset.push_back(static_cast<uint>(mesh.faceVertex.size()));
+        Array<uint> face(3 + random() % (largest - 2));
+        for (uint& point : face)
+            point = random() % mesh.pointCount;
+        mesh.addFace(face);
     }
     return mesh;
 }
@@ -99,6 +115,13 @@ template <class T>
 Ptr<Array<T>> dataOf(const Object& geometry, const String& name)
 {
     return Geometry::dataArray<T>(geometry, name);
+}
+
+/// The index array of range property `name`; a null pointer where there is none.
+inline Ptr<Array<uint>> rangeOf(const Object& geometry, const String& name)
+{
+    const Ptr<Object> property = Geometry::getRangeGeoProperty(geometry, name);
+    return property ? Geometry::getRangeGeoPropIndices(*property) : nullptr;
 }
 
 /// Entry `entry` of property `name`, as T.

@@ -15,6 +15,39 @@ struct NamedTriangles {
     Array<uint> faceVertex;
 };
 
+struct Dual {
+    Array<uint> offset;
+    Array<uint> corners;
+    bool operator==(const Dual& o) const { return offset == o.offset && corners == o.corners; }
+};
+
+/// As the library wants the arrays of a dual before it fills them.
+inline Dual preparedDual(uint pointCount, std::size_t cornerCount)
+{
+    return {Array<uint>(std::size_t{pointCount} + 1), Array<uint>(cornerCount, kNone)};
+}
+
+inline Dual dualOf(const NamedTriangles& mesh)
+{
+    Dual dual = preparedDual(mesh.pointCount, mesh.faceVertex.size());
+    Tessary::constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
+    return dual;
+}
+
+struct TriEdges {
+    Array<uint> pairs;
+    std::string messages;
+};
+
+inline TriEdges triEdgesOf(const Array<uint>& faceVertex)
+{
+    TriEdges edges{{7, 7, 7}, {}};  // what the table held before must not matter
+    testing::internal::CaptureStderr();
+    Tessary::computeTriEdges(faceVertex, edges.pairs);
+    edges.messages = testing::internal::GetCapturedStderr();
+    return edges;
+}
+
 /// Triangles over few points, so that edges are shared by any number of them in any direction, with
 /// repeated points, isolated points and an incomplete last triangle.
 inline NamedTriangles randomSoup(std::uint32_t seed)
@@ -28,25 +61,46 @@ inline NamedTriangles randomSoup(std::uint32_t seed)
     return mesh;
 }
 
-/// A grid of triangles with holes and a random numbering of its points: manifold by construction.
-inline NamedTriangles randomPatch(std::uint32_t seed)
+/// Polygons over a grid with holes, of three, four and six corners; manifold by construction, with
+/// random names for its points.
+inline PolygonMesh randomPolygonPatch(std::uint32_t seed)
 {
     std::mt19937 random(seed);
-    const uint side = 2 + random() % 12;
-    NamedTriangles mesh{"patch " + std::to_string(seed), side * side, {}};
+    const uint side = 3 + random() % 8;
+    PolygonMesh mesh;
+    mesh.pointCount = side * side;
+    for (uint y = 0; y + 1 < side; ++y)
+        for (uint x = 0; x + 1 < side; ++x) {
+            const uint a = y * side + x, b = a + side;
+            const uint kind = random() % 5;
+            if (kind == 0) {
+                mesh.addFace(Array<uint>{a, a + 1, b + 1});
+                mesh.addFace(Array<uint>{a, b + 1, b});
+            } else if (kind == 1 && x + 2 < side) {
+                mesh.addFace(Array<uint>{a, a + 1, a + 2, b + 2, b + 1, b});
+                ++x;
+            } else if (kind > 1) {
+                mesh.addFace(Array<uint>{b + 1, b, a, a + 1});
+            }
+        }
     std::vector<uint> name(mesh.pointCount);
     for (uint p = 0; p < mesh.pointCount; ++p) {
         name[p] = p;
         std::swap(name[p], name[random() % (p + 1)]);
     }
-    for (uint y = 0; y + 1 < side; ++y)
-        for (uint x = 0; x + 1 < side; ++x) {
-            const uint a = y * side + x;
-            if (random() % 6 == 0)
-                continue;
-            for (const uint p : {a, a + 1, a + side + 1, a, a + side + 1, a + side})
-                mesh.faceVertex.push_back(name[p]);
-        }
+    for (uint& point : mesh.faceVertex)
+        point = name[point];
+    return mesh;
+}
+
+/// The same as triangles.
+inline NamedTriangles randomPatch(std::uint32_t seed)
+{
+    const PolygonMesh polygons = randomPolygonPatch(seed);
+    NamedTriangles mesh{"patch " + std::to_string(seed), polygons.pointCount, {}};
+    Array<uint> offset;
+    Tessary::computeTriangulation(polygons.faceOffset, polygons.faceVertex, offset,
+                                  mesh.faceVertex);
     return mesh;
 }
 

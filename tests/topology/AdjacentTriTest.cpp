@@ -12,19 +12,6 @@ using namespace TestSupport;
 
 namespace {
 
-struct Dual {
-    Array<uint> offset;
-    Array<uint> corners;
-};
-
-Dual dualOf(const NamedTriangles& mesh)
-{
-    Dual dual{Array<uint>(std::size_t{mesh.pointCount} + 1),
-              Array<uint>(mesh.faceVertex.size(), kNone)};
-    Tessary::constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
-    return dual;
-}
-
 Array<uint> adjacentTri(const NamedTriangles& mesh, const Dual& dual, Array<uint> old = {})
 {
     Tessary::populateAdjacentTri(mesh.faceVertex, dual.offset, dual.corners, old);

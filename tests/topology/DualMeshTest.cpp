@@ -1,4 +1,4 @@
-#include "support/MeshBuilding.h"
+#include "support/TriangleMeshes.h"
 
 #include <Tessary/Topology.h>
 #include <gtest/gtest.h>
@@ -10,17 +10,6 @@ using Tessary::addDual;
 using Tessary::constructDualMesh;
 
 namespace {
-
-struct Dual {
-    Array<uint> offset;
-    Array<uint> corners;
-    bool operator==(const Dual& o) const { return offset == o.offset && corners == o.corners; }
-};
-
-Dual prepared(uint pointCount, std::size_t cornerCount)
-{
-    return {Array<uint>(std::size_t{pointCount} + 1), Array<uint>(cornerCount, kNone)};
-}
 
 // Every corner into the first free slot of its point's range, searched from the start.
 void literalDual(const Array<uint>& faceVertex, Dual& dual)
@@ -40,17 +29,6 @@ void literalDual(const Array<uint>& faceVertex, Dual& dual)
     }
 }
 
-// A fan: every triangle uses point 0.
-Array<uint> fanOfTriangles(uint triangles)
-{
-    Array<uint> faceVertex(std::size_t{3} * triangles);
-    for (uint t = 0; t < triangles; ++t) {
-        faceVertex[3 * t + 1] = t + 1;
-        faceVertex[3 * t + 2] = t + 2;
-    }
-    return faceVertex;
-}
-
 }  // namespace
 
 //  2---3     triangles 0 1 2 and 2 1 3
@@ -58,14 +36,10 @@ Array<uint> fanOfTriangles(uint triangles)
 //  0---1
 TEST(DualMesh, ListsTheCornersOfEachPointInOrder)
 {
-    Dual dual = prepared(4, 6);
-    constructDualMesh({0, 1, 2, 2, 1, 3}, dual.offset, dual.corners);
+    const Dual dual = dualOf({"", 4, {0, 1, 2, 2, 1, 3}});
     EXPECT_EQ(dual.offset, (Array<uint>{0, 1, 3, 5, 6}));
     EXPECT_EQ(dual.corners, (Array<uint>{0, 1, 4, 2, 3, 5}));
-
-    Dual none = prepared(2, 0);
-    constructDualMesh({}, none.offset, none.corners);
-    EXPECT_TRUE(none == prepared(2, 0));
+    EXPECT_TRUE(dualOf({"", 2, {}}) == preparedDual(2, 0));
 }
 
 TEST(DualMesh, EqualsTheLiteralSearchForEveryEntryState)
@@ -74,33 +48,21 @@ TEST(DualMesh, EqualsTheLiteralSearchForEveryEntryState)
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         const PolygonMesh mesh = randomPolygons(seed, 1 + random() % 20);
-        Dual dual = prepared(mesh.pointCount, mesh.faceVertex.size());
-        switch (seed % 5) {
-            case 0:
-                break;
-            case 1:
-                dual.corners[random() % dual.corners.size()] = 3;
-                break;
-            case 2:
-                dual.corners.resize(dual.corners.size() / 2);
-                break;
-            case 3:
-                dual.offset[random() % dual.offset.size()] = random() % 9;
-                break;
-            case 4:
-                dual.offset[random() % dual.offset.size()] = 0u - random() % 30;
-                break;
-        }
+        Dual dual = preparedDual(mesh.pointCount, mesh.faceVertex.size());
+        uint& anyOffset = dual.offset[random() % dual.offset.size()];
+        if (seed % 5 == 1)
+            dual.corners[random() % dual.corners.size()] = 3;
+        else if (seed % 5 == 2)
+            dual.corners.resize(dual.corners.size() / 2);
+        else if (seed % 5 > 2)
+            anyOffset = seed % 5 == 3 ? random() % 9 : 0u - random() % 30;
         Dual expected = dual;
-        literalDual(mesh.faceVertex, expected);
-        constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
-        EXPECT_EQ(dual.offset, expected.offset);
-        EXPECT_EQ(dual.corners, expected.corners);
-
-        Dual again = expected;  // a second build over the first
-        literalDual(mesh.faceVertex, again);
-        constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
-        EXPECT_TRUE(dual == again);
+        for (const char* build : {"first", "over the first"}) {
+            literalDual(mesh.faceVertex, expected);
+            constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
+            EXPECT_EQ(dual.offset, expected.offset) << build;
+            EXPECT_EQ(dual.corners, expected.corners) << build;
+        }
     }
 }
 
@@ -108,13 +70,12 @@ TEST(DualMesh, EqualsTheLiteralSearchForEveryEntryState)
 TEST(DualMesh, OneFanOfAMillionTrianglesTakesNoLongerThanAGrid)
 {
     const uint triangles = 1000000;
-    const Array<uint> faceVertex = fanOfTriangles(triangles);
-    Dual dual = prepared(triangles + 2, faceVertex.size());
-    constructDualMesh(faceVertex, dual.offset, dual.corners);
+    const NamedTriangles mesh = fan(triangles, 0);
+    Dual dual = dualOf(mesh);
     EXPECT_EQ(dual.offset[1], triangles);
     EXPECT_EQ(dual.corners[triangles - 1], 3 * (triangles - 1));
 
-    constructDualMesh(faceVertex, dual.offset, dual.corners);
+    constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
     EXPECT_EQ(dual.offset[1], 2 * triangles);
 }
 

@@ -1,4 +1,4 @@
-#include "support/MeshBuilding.h"
+#include "support/TriangleMeshes.h"
 
 #include <Tessary/HalfEdge.h>
 #include <Tessary/Topology.h>
@@ -25,25 +25,16 @@ namespace {
 
 const HalfEdge kNoEdge{kNone, kNone};
 
-struct TriangleMesh {
-    Array<uint> faceVertex;
-    Array<uint> dualOffset;
-    Array<uint> dualCorners;
-
-    TriangleMesh(uint pointCount, Array<uint> corners)
-        : faceVertex(std::move(corners)),
-          dualOffset(std::size_t{pointCount} + 1),
-          dualCorners(faceVertex.size(), kNone)
-    {
-        Tessary::constructDualMesh(faceVertex, dualOffset, dualCorners);
-    }
-
-    HalfEdge across(uint corner) const
-    {
-        return Tessary::findAdjacentHalfEdge(faceVertex, dualOffset, dualCorners,
-                                             {corner, corner / 3});
-    }
-};
+// The neighbours of all half-edges of a mesh.
+Array<HalfEdge> neighboursIn(const NamedTriangles& mesh)
+{
+    const Dual dual = dualOf(mesh);
+    Array<HalfEdge> found;
+    for (uint c = 0; c < mesh.faceVertex.size(); ++c)
+        found.push_back(
+            Tessary::findAdjacentHalfEdge(mesh.faceVertex, dual.offset, dual.corners, {c, c / 3}));
+    return found;
+}
 
 }  // namespace
 
@@ -59,9 +50,8 @@ TEST(HalfEdge, ConvertsBetweenAPolygonAndItsFan)
         EXPECT_EQ(Tessary::polyEdgeToTriEdge(offsets, polygon[i]), triangle[i]);
         EXPECT_EQ(Tessary::triEdgeToPolyEdge(offsets, triangle[i]), polygon[i]);
     }
-    EXPECT_EQ(Tessary::triEdgeToPolyEdge(offsets, {2, 0}), (HalfEdge{kNone, 0}));  // the diagonal
-    EXPECT_EQ(Tessary::triEdgeToPolyEdge(offsets, {3, 1}),
-              (HalfEdge{kNone, 0}));  // from both sides
+    for (const HalfEdge diagonal : {HalfEdge{2, 0}, HalfEdge{3, 1}})
+        EXPECT_EQ(Tessary::triEdgeToPolyEdge(offsets, diagonal), (HalfEdge{kNone, 0}));
 }
 
 TEST(HalfEdge, ConvertsThereAndBackOnRandomPolygonsAndRunsAlongTheSamePoints)
@@ -95,32 +85,25 @@ TEST(HalfEdge, FacesWithoutTrianglesArePassedOverAndTrianglesPastTheEndMapToTheL
 
 TEST(FindAdjacentHalfEdge, FindsTheOppositeHalfEdgeAndNothingOnTheBoundary)
 {
-    const TriangleMesh mesh(5, {0, 1, 2, 2, 1, 3});
-    EXPECT_EQ(mesh.across(1), (HalfEdge{3, 1}));
-    EXPECT_EQ(mesh.across(3), (HalfEdge{1, 0}));
-    for (const uint boundary : {0, 2, 4, 5})
-        EXPECT_EQ(mesh.across(boundary), kNoEdge) << boundary;
+    EXPECT_EQ(neighboursIn({"", 5, {0, 1, 2, 2, 1, 3}}),
+              (Array<HalfEdge>{kNoEdge, {3, 1}, kNoEdge, {1, 0}, kNoEdge, kNoEdge}));
 }
 
 TEST(FindAdjacentHalfEdge, TakesTheFirstOfSeveralAndNeverTheSameWayOrTheSameTriangle)
 {
     // Edge 0-1: once this way, again this way, then twice the other way.
-    const TriangleMesh book(6, {0, 1, 2, 0, 1, 3, 1, 0, 4, 1, 0, 5});
-    EXPECT_EQ(book.across(0), (HalfEdge{6, 2}));
-    EXPECT_EQ(book.across(3), (HalfEdge{6, 2}));
-    EXPECT_EQ(book.across(9), (HalfEdge{0, 0}));
+    const Array<HalfEdge> pages = neighboursIn(book(4, 0b1100));
+    EXPECT_EQ(pages[0], (HalfEdge{6, 2}));
+    EXPECT_EQ(pages[3], (HalfEdge{6, 2}));
+    EXPECT_EQ(pages[9], (HalfEdge{0, 0}));
 
-    // The degenerate triangle 0 1 0 holds both directions of its own edge.
-    const TriangleMesh degenerate(2, {0, 1, 0});
-    for (uint corner = 0; corner < 3; ++corner)
-        EXPECT_EQ(degenerate.across(corner), kNoEdge);
+    // This triangle holds both directions of its own edge.
+    EXPECT_EQ(neighboursIn({"", 2, {0, 1, 0}}), (Array<HalfEdge>(3, kNoEdge)));
 }
 
 TEST(FindAdjacentHalfEdge, AnIncompleteLastTriangleIsNeverReadPastTheArray)
 {
     // Corner 4 has no next corner; the dual lists it for point 0 all the same.
-    const TriangleMesh mesh(3, {0, 1, 2, 1, 0});
-    EXPECT_EQ(mesh.across(2), kNoEdge);
-    EXPECT_EQ(mesh.across(3), (HalfEdge{0, 0}));
-    EXPECT_EQ(mesh.across(4), kNoEdge);
+    EXPECT_EQ(neighboursIn({"", 3, {0, 1, 2, 1, 0}}),
+              (Array<HalfEdge>{{3, 1}, kNoEdge, kNoEdge, {0, 0}, kNoEdge}));
 }

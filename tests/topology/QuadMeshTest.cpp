@@ -6,22 +6,12 @@
 
 #include <cmath>
 #include <limits>
-#include <set>
 
 using namespace TestSupport;
 
 namespace {
 
 constexpr float kLargest = std::numeric_limits<float>::max();
-
-Array<uint> edgesOf(const Array<uint>& faceVertex)
-{
-    Array<uint> edges;
-    testing::internal::CaptureStderr();
-    Tessary::computeTriEdges(faceVertex, edges);
-    testing::internal::GetCapturedStderr();
-    return edges;
-}
 
 struct Quads {
     uint next = 0;
@@ -42,7 +32,11 @@ uint after(uint c)
     return c % 3 == 2 ? c - 2 : c + 1;
 }
 
-// Edge by edge, then triangle by triangle, by the table of cases.
+// Which of a triangle's inner points its corners take, by its creased edges: 1 for the first, 2, 4.
+constexpr uint kInner[8][3] = {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {1, 0, 1},
+                               {0, 0, 0}, {0, 1, 1}, {1, 1, 0}, {0, 1, 2}};
+
+// Edge by edge, then triangle by triangle.
 Quads literalQuads(const Array<uint>& fv, const Array<uint>& edges, const Array<bool>& crease,
                    uint next)
 {
@@ -69,19 +63,7 @@ Quads literalQuads(const Array<uint>& fv, const Array<uint>& edges, const Array<
         quads.corners[4 * after(o) + 3] = first;
     }
     for (std::size_t t = 0; t < fv.size() / 3; ++t) {
-        const bool m0 = mark[3 * t], m1 = mark[3 * t + 1], m2 = mark[3 * t + 2];
-        uint choice[3] = {0, 0, 0};
-        const auto choose = [&choice](uint a, uint b, uint c) {
-            choice[0] = a, choice[1] = b, choice[2] = c;
-        };
-        if (m0 && m1 && m2)
-            choose(0, 1, 2);
-        else if (m0 && m1)
-            choose(1, 0, 1);
-        else if (m0 && m2)
-            choose(0, 1, 1);
-        else if (m1 && m2)
-            choose(1, 1, 0);
+        const auto& choice = kInner[mark[3 * t] + 2 * mark[3 * t + 1] + 4 * mark[3 * t + 2]];
         for (uint k = 0; k < 3; ++k)
             quads.corners[4 * (3 * t + k) + 2] = next + choice[k];
         next += 1 + *std::max_element(choice, choice + 3);
@@ -92,36 +74,26 @@ Quads literalQuads(const Array<uint>& fv, const Array<uint>& edges, const Array<
 
 }  // namespace
 
-TEST(QuadMesh, ASingleTriangleBecomesThreeQuadsAroundItsInnerPoint)
+// Edges in the order of the table: 0-1 is point 3, 0-2 point 4, 1-2 point 5.
+TEST(QuadMesh, ATriangleBecomesThreeQuadsAndACreasedEdgeGetsAPointForEachEnd)
 {
-    // Edges in the order of the table: 0-1 is point 3, 0-2 point 4, 1-2 point 5.
-    const Quads quads = quadsOf(Array<uint>{0, 1, 2}, edgesOf({0, 1, 2}), Array<bool>(3), 3);
-    EXPECT_EQ(quads.next, 7u);
-    EXPECT_EQ(quads.corners, (Array<uint>{0, 3, 6, 4, 1, 5, 6, 3, 2, 4, 6, 5}));
-}
+    const auto quads = [](const auto& creases) {
+        return quadsOf(Array<uint>{0, 1, 2}, Array<uint>{0, kNone, 2, kNone, 1, kNone}, creases, 3);
+    };
+    const Quads smooth = quads(Array<bool>(3));
+    EXPECT_EQ(smooth.next, 7u);
+    EXPECT_EQ(smooth.corners, (Array<uint>{0, 3, 6, 4, 1, 5, 6, 3, 2, 4, 6, 5}));
+    EXPECT_EQ(quads(Array<bool>{true, false, false}).corners,
+              (Array<uint>{0, 3, 7, 5, 1, 6, 7, 4, 2, 5, 7, 6}));
+    const Quads creased = quads(Array<bool>(3, true));
+    EXPECT_EQ(creased.corners, (Array<uint>{0, 3, 9, 6, 1, 7, 10, 4, 2, 5, 11, 8}));
 
-TEST(QuadMesh, ACreasedEdgeGetsAPointForEachEnd)
-{
-    const Array<uint> triangle{0, 1, 2};
-    const Quads boundary = quadsOf(triangle, edgesOf(triangle), Array<bool>{true, false, false}, 3);
-    EXPECT_EQ(boundary.next, 8u);
-    EXPECT_EQ(boundary.corners[1], 3u);
-    EXPECT_EQ(boundary.corners[4 + 3], 4u);
-
-    const Quads all = quadsOf(triangle, edgesOf(triangle), Array<bool>(3, true), 3);
-    EXPECT_EQ(all.next, 12u);
-    EXPECT_EQ(std::set<uint>(all.corners.begin(), all.corners.end()).size(), 12u)
-        << "corners separated by creases share nothing";
-}
-
-TEST(QuadMesh, WeightsCreaseBelowTheLargestFiniteFloat)
-{
-    const Array<uint> triangle{0, 1, 2};
+    // Weights crease below the largest finite float.
     const float inf = std::numeric_limits<float>::infinity();
     for (const float weight : {kLargest, inf, std::nanf("")})
-        EXPECT_EQ(quadsOf(triangle, edgesOf(triangle), Array<float>(3, weight), 3).next, 7u);
+        EXPECT_EQ(quads(Array<float>(3, weight)).corners, smooth.corners) << weight;
     for (const float weight : {std::nextafter(kLargest, 0.f), 0.f, -inf})
-        EXPECT_EQ(quadsOf(triangle, edgesOf(triangle), Array<float>(3, weight), 3).next, 12u);
+        EXPECT_EQ(quads(Array<float>(3, weight)).corners, creased.corners) << weight;
 }
 
 TEST(QuadMesh, EqualsTheLiteralRulesWithFlagsAndWeightsAtAnyThreadCount)
@@ -131,7 +103,7 @@ TEST(QuadMesh, EqualsTheLiteralRulesWithFlagsAndWeightsAtAnyThreadCount)
     for (const NamedTriangles& mesh : meshes)
         for (const bool hasCreases : {true, false}) {
             SCOPED_TRACE(mesh.name);
-            const Array<uint> edges = edgesOf(mesh.faceVertex);
+            const Array<uint> edges = triEdgesOf(mesh.faceVertex).pairs;
             std::mt19937 random(5);
             Array<bool> flags(mesh.faceVertex.size());
             Array<float> weights(mesh.faceVertex.size(), kLargest);

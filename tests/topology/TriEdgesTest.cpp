@@ -11,25 +11,11 @@ using namespace TestSupport;
 
 namespace {
 
-struct Edges {
-    Array<uint> pairs;
-    std::string messages;
-};
-
 constexpr const char* kGaveUp =
     "Non manifold or inconsistently oriented mesh detected\nEdge computation canceled\n";
 
-Edges edgesOf(const Array<uint>& faceVertex, Array<uint> old = {7, 7, 7})
-{
-    Edges edges{std::move(old), {}};
-    testing::internal::CaptureStderr();
-    Tessary::computeTriEdges(faceVertex, edges.pairs);
-    edges.messages = testing::internal::GetCapturedStderr();
-    return edges;
-}
-
 // Records in corner order, a stable sort, one scan over neighbours.
-Edges literalEdges(const Array<uint>& fv)
+TriEdges literalEdges(const Array<uint>& fv)
 {
     const auto ends = [&fv](uint c) { return std::pair(fv[c], fv[c % 3 == 2 ? c - 2 : c + 1]); };
     const auto key = [&ends](uint c) {
@@ -40,19 +26,16 @@ Edges literalEdges(const Array<uint>& fv)
     std::iota(corners.begin(), corners.end(), 0u);
     std::stable_sort(corners.begin(), corners.end(),
                      [&key](uint a, uint b) { return key(a) < key(b); });
-    Edges edges;
+    TriEdges edges;
     for (std::size_t i = 0; i < corners.size();) {
-        edges.pairs.push_back(corners[i]);
         const auto [p, q] = ends(corners[i]);
-        if (i + 1 < corners.size() && ends(corners[i + 1]) == std::pair(p, q))
+        const bool hasNext = i + 1 < corners.size();
+        if (hasNext && ends(corners[i + 1]) == std::pair(p, q))
             return {{}, kGaveUp};
-        if (i + 1 < corners.size() && ends(corners[i + 1]) == std::pair(q, p)) {
-            edges.pairs.push_back(corners[i + 1]);
-            i += 2;
-        } else {
-            edges.pairs.push_back(kNone);
-            i += 1;
-        }
+        const bool isPair = hasNext && ends(corners[i + 1]) == std::pair(q, p);
+        edges.pairs.push_back(corners[i]);
+        edges.pairs.push_back(isPair ? corners[i + 1] : kNone);
+        i += isPair ? 2 : 1;
     }
     return edges;
 }
@@ -64,36 +47,36 @@ Edges literalEdges(const Array<uint>& fv)
 //  0---1
 TEST(TriEdges, TwoTrianglesOfOppositeOrientationShareOnePair)
 {
-    const Edges edges = edgesOf({0, 1, 2, 2, 1, 3});
+    const TriEdges edges = triEdgesOf({0, 1, 2, 2, 1, 3});
     EXPECT_EQ(edges.pairs, (Array<uint>{0, kNone, 2, kNone, 1, 3, 4, kNone, 5, kNone}));
     EXPECT_EQ(edges.messages, "");
 }
 
 TEST(TriEdges, GivesUpOnTwoHalfEdgesInOneDirectionButNotOnAThirdAfterAPair)
 {
-    const Edges sameWay = edgesOf({0, 1, 2, 0, 1, 3});
+    const TriEdges sameWay = triEdgesOf({0, 1, 2, 0, 1, 3});
     EXPECT_TRUE(sameWay.pairs.empty());
     EXPECT_EQ(sameWay.messages, kGaveUp);
 
-    const Edges third = edgesOf({0, 1, 2, 1, 0, 3, 0, 1, 4});
+    const TriEdges third = triEdgesOf({0, 1, 2, 1, 0, 3, 0, 1, 4});
     EXPECT_EQ(third.messages, "");
-    EXPECT_EQ(Array<uint>({third.pairs[0], third.pairs[1], third.pairs[2], third.pairs[3]}),
-              (Array<uint>{0, 3, 6, kNone}));
+    EXPECT_EQ(third.pairs, (Array<uint>{0, 3, 6, kNone, 2, kNone, 1, kNone, 4, kNone, 5, kNone, 8,
+                                        kNone, 7, kNone}));
 }
 
 TEST(TriEdges, FewerThanThreeCornersAndTrailingOnesYieldNothing)
 {
     for (const Array<uint>& corners : {Array<uint>{}, Array<uint>{4}, Array<uint>{4, 5}})
-        EXPECT_TRUE(edgesOf(corners).pairs.empty());
-    EXPECT_EQ(edgesOf({0, 1, 2, 0, 1}).pairs, edgesOf({0, 1, 2}).pairs);
+        EXPECT_TRUE(triEdgesOf(corners).pairs.empty());
+    EXPECT_EQ(triEdgesOf({0, 1, 2, 0, 1}).pairs, triEdgesOf({0, 1, 2}).pairs);
 }
 
 TEST(TriEdges, EqualTheLiteralRulesAndListEveryCornerOnceAtAnyThreadCount)
 {
     for (const NamedTriangles& mesh : triangleMeshes()) {
         SCOPED_TRACE(mesh.name);
-        const Edges expected = literalEdges(mesh.faceVertex);
-        const Edges edges = edgesOf(mesh.faceVertex);
+        const TriEdges expected = literalEdges(mesh.faceVertex);
+        const TriEdges edges = triEdgesOf(mesh.faceVertex);
         EXPECT_EQ(edges.pairs, expected.pairs);
         EXPECT_EQ(edges.messages, expected.messages);
     }
@@ -102,21 +85,20 @@ TEST(TriEdges, EqualTheLiteralRulesAndListEveryCornerOnceAtAnyThreadCount)
     for (uint seed = 0; large.faceVertex.size() < 600000; ++seed)
         for (const uint point : randomPatch(seed).faceVertex)
             large.faceVertex.push_back(100002 + seed * 169 + point);
-    Array<uint> farApart = large.faceVertex;
-    for (uint& point : farApart)
-        point = 4294967295u - 40 * point % 4294967291u;
-    // Points in no order at all: 7919 has no factor in common with their number, 2^19.
-    Array<uint> scattered = large.faceVertex;
-    for (uint& point : scattered)
-        point = 7919 * point % 524288;
+    Array<uint> farApart, scattered;
+    for (const uint point : large.faceVertex) {
+        farApart.push_back(4294967295u - 40 * point % 4294967291u);
+        // Points in no order at all: 7919 has no factor in common with their number, 2^19.
+        scattered.push_back(7919 * point % 524288);
+    }
     for (const Array<uint>& faceVertex : {large.faceVertex, farApart, scattered}) {
-        const Edges expected = literalEdges(faceVertex);
+        const TriEdges expected = literalEdges(faceVertex);
         ASSERT_FALSE(expected.pairs.empty());
         atSeveralThreadCounts([&](int threads) {
-            EXPECT_TRUE(edgesOf(faceVertex).pairs == expected.pairs) << threads << " threads";
+            EXPECT_TRUE(triEdgesOf(faceVertex).pairs == expected.pairs) << threads << " threads";
         });
     }
     for (uint corner = 300000; corner < 300003; ++corner)
         scattered.push_back(scattered[corner]);
-    EXPECT_EQ(edgesOf(scattered).messages, kGaveUp);
+    EXPECT_EQ(triEdgesOf(scattered).messages, kGaveUp);
 }

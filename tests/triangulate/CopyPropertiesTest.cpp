@@ -1,7 +1,6 @@
+#include "support/Cancellation.h"
 #include "support/MeshBuilding.h"
 
-#include <KOR/ExceptionMessage.h>
-#include <Pelon/Job.h>
 #include <Tessary/Triangulation.h>
 #include <gtest/gtest.h>
 #include <tbb/task_arena.h>
@@ -9,7 +8,6 @@
 #include <cmath>
 
 using namespace TestSupport;
-using Mode = Geometry::Common::DataInterpolationMode;
 
 namespace {
 
@@ -24,12 +22,6 @@ MutablePtr<Object> triangulated(const Object& source, const Array<String>& names
     MutablePtr<Object> target = Korvane::createObject();
     EXPECT_TRUE(Tessary::triangulatePolyMesh(source, names, *target));
     return target;
-}
-
-Ptr<Array<uint>> indicesOf(const Object& geometry, const String& range)
-{
-    const Ptr<Object> property = Geometry::getRangeGeoProperty(geometry, range);
-    return property ? Geometry::getRangeGeoPropIndices(*property) : nullptr;
 }
 
 }  // namespace
@@ -150,31 +142,28 @@ TEST(CopyProperties, IndexedPropertiesShareTheirValuesAndGetNewIndices)
         EXPECT_EQ(entryOf<String>(*target, c.name, Geometry::sTarget), range);
         EXPECT_EQ(entryOf<Mode>(*target, c.name, Geometry::sInterp), Mode::Linear);
         EXPECT_EQ(Geometry::getTargetComponent(*target, c.name), c.component);
-        ASSERT_TRUE(indicesOf(*target, range));
-        EXPECT_EQ(*indicesOf(*target, range), c.expected);
-        EXPECT_EQ(indicesOf(*target, range) == indices, c.component == Geometry::sPointComp);
+        ASSERT_TRUE(rangeOf(*target, range));
+        EXPECT_EQ(*rangeOf(*target, range), c.expected);
+        EXPECT_EQ(rangeOf(*target, range) == indices, c.component == Geometry::sPointComp);
     }
 }
 
-TEST(CopyProperties, AnIndexedPropertyOfAnotherTypeLeavesTheRangeOfOthersAlone)
+TEST(CopyProperties, OnlyIndexedPropertiesThatAreCarriedBringTheirRange)
 {
     const MutablePtr<Object> mesh = quadAndTriangle();
     Geometry::addRangeGeoProperty(*mesh, "range", Geometry::sFaceComp, shared<uint>({1, 0}));
     Geometry::addDataGeoProperty<int>(*mesh, "carried", "range", shared({4, 5}));
     Geometry::addDataGeoProperty<char>(*mesh, "not carried", "range", shared({'a', 'b'}));
-    const MutablePtr<Object> target = triangulated(*mesh, {"carried", "not carried"});
-    ASSERT_TRUE(indicesOf(*target, "range"));
-    EXPECT_EQ(*indicesOf(*target, "range"), (Array<uint>{1, 1, 0}));
+    MutablePtr<Object> target = triangulated(*mesh, {"carried", "not carried"});
+    ASSERT_TRUE(rangeOf(*target, "range"));
+    EXPECT_EQ(*rangeOf(*target, "range"), (Array<uint>{1, 1, 0}));
     EXPECT_FALSE(triangulated(*mesh, {"not carried"})->hasProperty("range"));
-}
 
-TEST(CopyProperties, ARangeOfAnotherComponentIsStoredEmptyAndAMissingOneSkipsTheName)
-{
-    const MutablePtr<Object> mesh = quadAndTriangle();
+    // A range of another component is stored empty; without a range the name is skipped.
     Geometry::addRangeGeoProperty(*mesh, "range", "curve", shared<uint>({0}));
     Geometry::addDataGeoProperty<int>(*mesh, "indexed", "range", shared({1}));
     Geometry::addDataGeoProperty<int>(*mesh, "dangling", "indexed", shared({1}));
-    const MutablePtr<Object> target = triangulated(*mesh, {"indexed", "dangling"});
+    target = triangulated(*mesh, {"indexed", "dangling"});
     EXPECT_EQ(*dataOf<int>(*target, "indexed"), (Array<int>{1}));
     ASSERT_TRUE(target->hasProperty("range"));
     EXPECT_FALSE(Geometry::getRangeGeoProperty(*target, "range"));
@@ -227,22 +216,16 @@ TEST(CopyProperties, ACancelledJobThrowsAndLeavesAWellFormedProperty)
     Geometry::addDataGeoProperty<int>(*mesh, "f", Geometry::sFaceComp, shared({1, 2}), 7);
     Geometry::addDataGeoProperty<int>(*mesh, "g", Geometry::sFaceComp, shared({1, 2}), 7);
     const MutablePtr<Object> target = triangulated(*mesh, {});
-    Pelon::Job job;
-    const Pelon::JobScope scope(job);
-    job.cancel();
-    try {
+    EXPECT_TRUE(endsWhenCancelled([&] {
         Tessary::copyPropertiesToTriangulatedMesh(*mesh, {"f", "g"}, *target);
-        FAIL() << "the cancelled job went unnoticed";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), KOR::exceptionMessage.c_str());
-    }
+    }));
     EXPECT_EQ(*dataOf<int>(*target, "f"), (Array<int>{1, 1, 2}));
     EXPECT_FALSE(target->hasProperty("g"));
 
     // One face is a range within its grain: it is not polled.
     const MutablePtr<Object> quad = meshOf(4, {{0, 1, 2, 3}});
     Geometry::addDataGeoProperty<int>(*quad, "f", Geometry::sFaceComp, shared({1}));
-    EXPECT_NO_THROW(triangulated(*quad, {"f"}));
+    EXPECT_FALSE(endsWhenCancelled([&] { triangulated(*quad, {"f"}); }));
 }
 
 TEST(CopyProperties, EqualThePolygonsCornersAtAnyThreadCount)
@@ -250,14 +233,16 @@ TEST(CopyProperties, EqualThePolygonsCornersAtAnyThreadCount)
     for (std::uint32_t seed = 0; seed < 30; ++seed) {
         SCOPED_TRACE(seed);
         const PolygonMesh polygons = randomPolygons(seed, 2 + seed * 20);
-        const MutablePtr<Object> mesh = Geometry::makeMesh(
-            Array<float3>(polygons.pointCount), polygons.faceOffset, polygons.faceVertex);
+        const MutablePtr<Object> mesh = meshOf(polygons);
         // The corner's own point as its value: the triangles' corners must agree with it.
         Geometry::addDataGeoProperty<uint>(*mesh, "c", Geometry::sFaceVertexComp,
                                            makeMutable<Array<uint>>(polygons.faceVertex));
-        Array<uint> faces;
-        for (uint f = 0; f < polygons.faceCount(); ++f)
+        Array<uint> faces, expected;  // expected: once for each triangle of the face
+        for (uint f = 0; f < polygons.faceCount(); ++f) {
             faces.push_back(f);
+            expected.resize(
+                expected.size() + polygons.faceOffset[f + 1] - polygons.faceOffset[f] - 2, f);
+        }
         Geometry::addDataGeoProperty<uint>(*mesh, "f", Geometry::sFaceComp,
                                            makeMutable<Array<uint>>(faces));
         MutablePtr<Object> target;
@@ -265,10 +250,6 @@ TEST(CopyProperties, EqualThePolygonsCornersAtAnyThreadCount)
             target = triangulated(*mesh, {"c", "f"});
         });
         EXPECT_EQ(*dataOf<uint>(*target, "c"), *dataOf<uint>(*target, Geometry::sFaceVertex));
-        Array<uint> expected;
-        for (uint f = 0; f < polygons.faceCount(); ++f)
-            expected.resize(
-                expected.size() + polygons.faceOffset[f + 1] - polygons.faceOffset[f] - 2, f);
         EXPECT_EQ(*dataOf<uint>(*target, "f"), expected);
     }
 }

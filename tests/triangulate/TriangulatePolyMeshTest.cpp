@@ -22,11 +22,15 @@ bool isEmptyMesh(const Object& mesh)
 //  3---2---5     a quad and a pentagon; point 6 is used by no face
 //  |   |   |
 //  0---1---4
-TEST(TriangulatePolyMesh, MakesATriangleMeshWithPositionsOfItsOwn)
+TEST(TriangulatePolyMesh, MakesATriangleMeshWithPositionsOfItsOwnAndTheNamedProperties)
 {
     const MutablePtr<Object> source = meshOf(7, {{0, 1, 2, 3}, {1, 4, 5, 2, 3}});
+    Geometry::addDataGeoProperty<int>(*source, "id", Geometry::sFaceComp, shared<int>({7, 8}));
+    Geometry::addDataGeoProperty<int>(*source, "left", Geometry::sFaceComp, shared<int>({8, 9}));
     const MutablePtr<Object> target = Korvane::createObject();
-    ASSERT_TRUE(triangulatePolyMesh(*source, {}, *target));
+    ASSERT_TRUE(triangulatePolyMesh(*source, {"id"}, *target));
+    EXPECT_EQ(*dataOf<int>(*target, "id"), (Array<int>{7, 7, 8, 8, 8}));
+    EXPECT_FALSE(target->hasProperty("left"));
 
     EXPECT_EQ(Geometry::getElementCount(*target, Geometry::sFaceComp), 5u);
     EXPECT_EQ(Geometry::getElementCount(*target, Geometry::sFaceVertexComp), 15u);
@@ -39,17 +43,6 @@ TEST(TriangulatePolyMesh, MakesATriangleMeshWithPositionsOfItsOwn)
     const auto copied = dataOf<float3>(*target, Geometry::sPointPosition);
     EXPECT_EQ(*copied, *points);
     EXPECT_NE(copied->data(), points->data());
-}
-
-TEST(TriangulatePolyMesh, CarriesTheNamedPropertiesOnly)
-{
-    const MutablePtr<Object> source = meshOf(4, {{0, 1, 2, 3}});
-    Geometry::addDataGeoProperty<int>(*source, "id", Geometry::sFaceComp, shared<int>({7}));
-    Geometry::addDataGeoProperty<int>(*source, "left", Geometry::sFaceComp, shared<int>({8}));
-    const MutablePtr<Object> target = Korvane::createObject();
-    ASSERT_TRUE(triangulatePolyMesh(*source, {"id"}, *target));
-    EXPECT_EQ(*dataOf<int>(*target, "id"), (Array<int>{7, 7}));
-    EXPECT_FALSE(target->hasProperty("left"));
 }
 
 TEST(TriangulatePolyMesh, WithoutFacesTheTargetIsAnEmptyMeshWithoutProperties)

@@ -52,30 +52,16 @@ void expectEqual(const Triangles& a, const Triangles& b)
 
 }  // namespace
 
-TEST(Triangulation, SplitsFacesAsFansFromTheirFirstCorner)
+TEST(Triangulation, SplitsFacesAsFansFromTheirFirstCornerUpToAFaceOfTwo)
 {
-    const Triangles out = triangulate({0, 3, 7, 12}, {7, 8, 9, 0, 1, 2, 3, 4, 5, 6, 5, 4});
-    EXPECT_TRUE(out.succeeded);
-    EXPECT_EQ(out.offsets, (Array<uint>{0, 3, 6, 9, 12, 15, 18}));
-    EXPECT_EQ(out.corners, (Array<uint>{7, 8, 9, 0, 1, 2, 0, 2, 3, 4, 5, 6, 4, 6, 5, 4, 5, 4}));
-}
-
-TEST(Triangulation, WithoutFacesBothOutputsAreEmptied)
-{
-    for (const Array<uint>& offsets : {Array<uint>{}, Array<uint>{0}}) {
-        const Triangles out = triangulate(offsets, {}, {false, {1, 2}, {3}});
-        EXPECT_TRUE(out.succeeded);
-        EXPECT_TRUE(out.offsets.empty());
-        EXPECT_TRUE(out.corners.empty());
-    }
-}
-
-TEST(Triangulation, AFailureLeavesTheTrianglesOfTheFacesBeforeAndNoClosingOffset)
-{
-    const Triangles out = triangulate({0, 3, 5, 8}, {4, 5, 6, 0, 1, 2, 3, 4}, {true, {9, 9}, {9}});
-    EXPECT_FALSE(out.succeeded);
-    EXPECT_EQ(out.offsets, (Array<uint>{0}));
-    EXPECT_EQ(out.corners, (Array<uint>{4, 5, 6}));
+    const Triangles old{false, {1, 2}, {3}};
+    expectEqual(
+        triangulate({0, 3, 7, 12}, {7, 8, 9, 0, 1, 2, 3, 4, 5, 6, 5, 4}, old),
+        {true, {0, 3, 6, 9, 12, 15, 18}, {7, 8, 9, 0, 1, 2, 0, 2, 3, 4, 5, 6, 4, 6, 5, 4, 5, 4}});
+    expectEqual(triangulate({}, {}, old), {true, {}, {}});
+    expectEqual(triangulate({0}, {}, old), {true, {}, {}});
+    // A failure leaves the triangles of the faces before, and no closing offset.
+    expectEqual(triangulate({0, 3, 5, 8}, {4, 5, 6, 0, 1, 2, 3, 4}, old), {false, {0}, {4, 5, 6}});
 }
 
 TEST(Triangulation, EqualsTheLiteralRulesForGoodAndBadOffsetsAndReusedOutputs)
