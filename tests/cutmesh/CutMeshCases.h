@@ -2,10 +2,9 @@
 
 // Cut meshes to try interpolation on, and the literal rules to compare it with.
 
-#include "support/MeshBuilding.h"
+#include "support/TriangleMeshes.h"
 
-#include <Tessary/Tessary.h>
-
+#include <array>
 #include <cstring>
 #include <functional>
 
@@ -14,7 +13,8 @@ namespace TestSupport {
 /// A polygon mesh with its fan triangles and a description of its cut points.
 struct CutCase {
     PolygonMesh polygons;
-    Array<uint> triFaceVertex, dualOffset, dualCorner;
+    Array<uint> triFaceVertex;
+    Dual dual;
     Array<float> triangleWeights, edgeWeights;
     Array<uint> ids, origins;
     MutablePtr<Object> source, triMesh, target;
@@ -42,21 +42,16 @@ inline CutCase cutCase(const PolygonMesh& polygons, float t = 0.5f,
     cut.edgeWeights = Array<float>(cut.triFaceVertex.size(), t);
     for (std::size_t c = 0; c < cut.triFaceVertex.size(); ++c)
         cut.triangleWeights.push_back(w[c % 3]);
-    for (uint i = 0; i < 4 * cut.triFaceVertex.size(); ++i) {
+    const uint entries = 4 * static_cast<uint>(cut.triFaceVertex.size());
+    for (uint i = 0; i < entries; ++i)
         cut.ids.push_back(i);
-        cut.origins.push_back(i);
-    }
-    const auto meshWith = [&](uint points, Array<uint> offset, Array<uint> corners) {
-        return Geometry::makeMesh(Array<float3>(points), std::move(offset), std::move(corners));
-    };
-    cut.source = meshWith(polygons.pointCount, polygons.faceOffset, polygons.faceVertex);
-    cut.triMesh = meshWith(polygons.pointCount, triFaceOffset, cut.triFaceVertex);
+    cut.origins = cut.ids;
+    cut.source = meshOf(polygons);
+    cut.triMesh = meshOf({polygons.pointCount, triFaceOffset, cut.triFaceVertex});
     Tessary::addDual(*cut.triMesh, Geometry::sPointComp, Geometry::sFaceVertex, "dual_component",
                      "dual_face_vertex", "dual_face_offset");
-    cut.dualOffset = *dataOf<uint>(*cut.triMesh, "dual_face_offset");
-    cut.dualCorner = *dataOf<uint>(*cut.triMesh, "dual_face_vertex");
-    const uint corners = static_cast<uint>(cut.origins.size());
-    cut.target = meshWith(corners, Array<uint>(corners / 4 + 1), Array<uint>(corners));
+    cut.dual = dualOf({"", polygons.pointCount, cut.triFaceVertex});
+    cut.target = meshOf({entries, Array<uint>(entries / 4 + 1), Array<uint>(entries)});
     return cut;
 }
 
@@ -67,114 +62,65 @@ inline void setPoints(CutCase& cut, Array<uint> ids, Array<uint> origins)
     cut.origins = std::move(origins);
 }
 
-/// Polygons over a grid with holes, of three, four and six corners; manifold, with random names for
-/// its points.
-inline PolygonMesh randomPolygonPatch(std::uint32_t seed)
-{
-    std::mt19937 random(seed);
-    const uint side = 3 + random() % 8;
-    PolygonMesh mesh;
-    mesh.pointCount = side * side;
-    std::vector<uint> name(mesh.pointCount);
-    for (uint p = 0; p < mesh.pointCount; ++p) {
-        name[p] = p;
-        std::swap(name[p], name[random() % (p + 1)]);
-    }
-    const auto add = [&](std::initializer_list<uint> points) {
-        for (const uint p : points)
-            mesh.faceVertex.push_back(name[p]);
-        mesh.faceOffset.push_back(static_cast<uint>(mesh.faceVertex.size()));
-    };
-    for (uint y = 0; y + 1 < side; ++y)
-        for (uint x = 0; x + 1 < side; ++x) {
-            const uint a = y * side + x, b = a + side;
-            const uint kind = random() % 5;
-            if (kind == 0) {
-                add({a, a + 1, b + 1});
-                add({a, b + 1, b});
-            } else if (kind == 1 && x + 2 < side) {
-                add({a, a + 1, a + 2, b + 2, b + 1, b});
-                ++x;
-            } else if (kind > 1) {
-                add({b + 1, b, a, a + 1});
-            }
-        }
-    return mesh;
-}
-
 /// The rules written down as they are said.
 namespace Literal {
 
-inline float mix(float t, float a, float b)
-{
-    return t * a + (1 - t) * b;
-}
-inline double mix(float t, double a, double b)
-{
-    return double(t) * a + (1 - double(t)) * b;
-}
-inline float sum(const float* w, float a, float b, float c)
-{
-    return (w[0] * a + w[1] * b) + w[2] * c;
-}
-inline double sum(const float* w, double a, double b, double c)
-{
-    return (double(w[0]) * a + double(w[1]) * b) + double(w[2]) * c;
-}
+// The numbers of which real types consist; void for types that are picked and not blended.
+template <class T>
+struct Scalar {
+    using type = std::conditional_t<std::is_floating_point_v<T>, T, void>;
+};
+template <template <class> class Vector, class T>
+struct Scalar<Vector<T>> : Scalar<T> {};
 
 template <class T>
-struct IsReal : std::bool_constant<std::is_floating_point_v<T>> {};
-template <class S>
-struct IsReal<Korvane::Math::Vector2<S>> : std::is_floating_point<S> {};
-template <class S>
-struct IsReal<Korvane::Math::Vector3<S>> : std::is_floating_point<S> {};
-template <class S>
-struct IsReal<Korvane::Math::Vector4<S>> : std::is_floating_point<S> {};
+using ScalarOf = typename Scalar<T>::type;
+template <class T>
+constexpr bool kIsReal = !std::is_void_v<ScalarOf<T>>;
+
+template <class T>
+auto scalarsOf(const T& value)
+{
+    std::array<ScalarOf<T>, sizeof(T) / sizeof(ScalarOf<T>)> scalars;
+    std::memcpy(&scalars, &value, sizeof(T));
+    return scalars;
+}
 
 // Real vectors are as many scalars in a row.
 template <class T, class F>
-T perScalar(const F& f, const T* const (&in)[3])
+T perScalar(const F& f, const T& a, const T& b, const T& c)
 {
-    using S = std::conditional_t<sizeof(T) % sizeof(double) == 0 &&
-                                     (std::is_same_v<T, double> ||
-                                      std::is_same_v<T, Korvane::Math::double2> ||
-                                      std::is_same_v<T, Korvane::Math::double3> ||
-                                      std::is_same_v<T, Korvane::Math::double4>),
-                                 double, float>;
-    constexpr std::size_t n = sizeof(T) / sizeof(S);
-    S v[3][n];
-    S out[n];
-    for (int k = 0; k < 3; ++k)
-        std::memcpy(v[k], in[k], sizeof(T));
-    for (std::size_t i = 0; i < n; ++i)
-        out[i] = f(v[0][i], v[1][i], v[2][i]);
+    auto x = scalarsOf(a);
+    const auto y = scalarsOf(b), z = scalarsOf(c);
+    for (std::size_t i = 0; i < x.size(); ++i)
+        x[i] = f(x[i], y[i], z[i]);
     T result;
-    std::memcpy(&result, out, sizeof(T));
+    std::memcpy(&result, &x, sizeof(T));
     return result;
 }
 
 template <class T>
-T onEdge(float t, const T& a, const T& b)
+T onEdge(float weight, const T& a, const T& b)
 {
-    if constexpr (IsReal<T>::value)
-        return perScalar<T>([t](auto x, auto y, auto) { return mix(t, x, y); }, {&a, &b, &b});
-    else
-        return t >= 0.5f ? a : b;
+    if constexpr (kIsReal<T>) {
+        const ScalarOf<T> t = weight;
+        return perScalar([t](auto x, auto y, auto) { return t * x + (1 - t) * y; }, a, b, b);
+    } else {
+        return weight >= 0.5f ? a : b;
+    }
 }
 
 template <class T>
 T inTriangle(const float* w, const T& a, const T& b, const T& c)
 {
-    if constexpr (IsReal<T>::value)
-        return perScalar<T>([w](auto x, auto y, auto z) { return sum(w, x, y, z); }, {&a, &b, &c});
-    else if (w[0] >= w[2] && w[0] >= w[1])
+    if constexpr (kIsReal<T>) {
+        const ScalarOf<T> s = w[0], t = w[1], u = w[2];
+        return perScalar([=](auto x, auto y, auto z) { return (s * x + t * y) + u * z; }, a, b, c);
+    } else if (w[0] >= w[2] && w[0] >= w[1]) {
         return a;
-    else if (w[0] >= w[2] && w[0] < w[1])
-        return b;
-    else if (w[0] < w[2] && w[1] >= w[2])
-        return b;
-    else
-        return c;
+    } else {
+        return (w[0] >= w[2] && w[0] < w[1]) || (w[0] < w[2] && w[1] >= w[2]) ? b : c;
+    }
 }
 
 template <class T>
@@ -218,8 +164,7 @@ template <class T>
 Array<T> faceValues(const CutCase& cut, const Array<T>& in)
 {
     Array<T> out;
-    forEachTriangle(cut,
-                    [&](uint f, uint, uint, uint, uint) { out.resize(out.size() + 3, in[f]); });
+    forEachTriangle(cut, [&](uint f, auto...) { out.resize(out.size() + 3, in[f]); });
     return out;
 }
 
@@ -242,16 +187,18 @@ template <class T>
 struct Indexed {
     Array<uint> indices;
     Array<T> values;
+
+    T at(uint element, const T& none) const
+    {
+        return indices[element] < values.size() ? values[indices[element]] : none;
+    }
 };
 
 template <class T>
 Indexed<T> indexedPoints(const CutCase& cut, const Indexed<T>& in, const T& none)
 {
     Indexed<T> out{{}, in.values};
-    const auto value = [&](uint c) {
-        const uint index = in.indices[cut.triFaceVertex[c]];
-        return index < in.values.size() ? in.values[index] : none;
-    };
+    const auto value = [&](uint c) { return in.at(cut.triFaceVertex[c], none); };
     for (uint i = 0; i < cut.ids.size(); ++i) {
         const uint code = cut.codeOf(i);
         if ((code & 3) == 0) {
@@ -275,8 +222,8 @@ Indexed<T> indexedCorners(const CutCase& cut, const Indexed<T>& in, const T& non
     };
     const auto polygonEdge = [&](uint x, uint f, const T& value) {
         const auto edge = Tessary::polyEdgeToTriEdge(offset, {x, f});
-        const auto other =
-            Tessary::findAdjacentHalfEdge(cut.triFaceVertex, cut.dualOffset, cut.dualCorner, edge);
+        const auto other = Tessary::findAdjacentHalfEdge(cut.triFaceVertex, cut.dual.offset,
+                                                         cut.dual.corners, edge);
         if (other.faceVertex != kNone &&
             Tessary::triEdgeToPolyEdge(offset, other).faceVertex != kNone &&
             out.indices[4 * other.faceVertex + 1] != kNone)
@@ -285,10 +232,7 @@ Indexed<T> indexedCorners(const CutCase& cut, const Indexed<T>& in, const T& non
     };
     forEachTriangle(cut, [&](uint f, uint j, uint x0, uint x1, uint x2) {
         const float* const t = &cut.edgeWeights[3 * j];
-        const auto at = [&](uint x) {
-            return in.indices[x] < in.values.size() ? in.values[in.indices[x]] : none;
-        };
-        const T f0 = at(x0), f1 = at(x1), f2 = at(x2);
+        const T f0 = in.at(x0, none), f1 = in.at(x1, none), f2 = in.at(x2, none);
         const bool first = x1 == x0 + 1, last = x2 + 1 == offset[f + 1];
         const uint e01 =
             first ? polygonEdge(x0, f, onEdge(t[0], f0, f1)) : out.indices[12 * (j - 1) + 3];

@@ -17,17 +17,11 @@ T randomValue(std::mt19937& random)
         return String(std::to_string(random() % 100));
     } else if constexpr (std::is_same_v<T, bool>) {
         return random() % 2 == 0;
-    } else if constexpr (Literal::IsReal<T>::value && alignof(T) == alignof(double)) {
-        double scalars[sizeof(T) / sizeof(double)];
-        for (double& s : scalars)
-            s = (double(random()) - 2e9) / 1e7;
-        T value;
-        std::memcpy(&value, scalars, sizeof(T));
-        return value;
     } else {
-        float scalars[(sizeof(T) + 3) / 4];
-        for (float& s : scalars)
-            s = (float(random()) - 2e9f) / 1e7f;
+        using S = std::conditional_t<Literal::kIsReal<T>, Literal::ScalarOf<T>, float>;
+        S scalars[(sizeof(T) + sizeof(S) - 1) / sizeof(S)];
+        for (S& s : scalars)
+            s = (S(random()) - S(2e9)) / S(1e7);
         T value;
         std::memcpy(&value, scalars, sizeof(T));
         return value;
@@ -83,23 +77,20 @@ private:
             EXPECT_EQ(*dataOf<T>(*m_cut.target, name), plain(m_cut, values));
         });
 
-        const std::string valueName = name + " indexed", range = name + " range";
+        const std::string valueName = name + " indexed";
         Literal::Indexed<T> in{{}, randomValues<T>(m_random, 5)};
         for (std::size_t i = 0; i < count; ++i)
             in.indices.push_back(m_random() % 7 == 0 ? kNone : m_random() % 5);
         const T none = randomValue<T>(m_random);
-        Geometry::addRangeGeoProperty(*m_cut.source, range, component,
-                                      makeMutable<Array<uint>>(in.indices));
-        Geometry::addDataGeoProperty<T>(*m_cut.source, valueName, range,
-                                        makeMutable<Array<T>>(in.values), none);
-        m_checks.push_back([this, valueName, range, in, none, indexed] {
+        addIndexed<T>(*m_cut.source, valueName, component, in.indices,
+                      makeMutable<Array<T>>(in.values), none);
+        m_checks.push_back([this, valueName, in, none, indexed] {
             SCOPED_TRACE(valueName);
             const Literal::Indexed<T> expected = indexed(m_cut, in, none);
             ASSERT_TRUE(dataOf<T>(*m_cut.target, valueName));
             EXPECT_EQ(*dataOf<T>(*m_cut.target, valueName), expected.values);
-            const auto property = Geometry::getRangeGeoProperty(*m_cut.target, range);
-            ASSERT_TRUE(property);
-            EXPECT_EQ(*Geometry::getRangeGeoPropIndices(*property), expected.indices);
+            ASSERT_TRUE(rangeOf(*m_cut.target, valueName + " range"));
+            EXPECT_EQ(*rangeOf(*m_cut.target, valueName + " range"), expected.indices);
         });
     }
 
@@ -165,13 +156,13 @@ TEST(CutMesh, EqualsTheLiteralRulesOnQuadMeshesWithAndWithoutCreases)
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         CutCase cut = cutCase(randomPolygonPatch(seed));
-        Array<uint> edges, quads;
-        Tessary::computeTriEdges(cut.triFaceVertex, edges);
+        Array<uint> quads;
         Array<bool> creases(cut.triFaceVertex.size());
         for (bool& crease : creases)
             crease = seed % 2 == 1 && random() % 4 == 0;
-        const uint points = Tessary::computeQuadMesh(cut.triFaceVertex, edges, creases,
-                                                     cut.polygons.pointCount, quads);
+        const uint points =
+            Tessary::computeQuadMesh(cut.triFaceVertex, triEdgesOf(cut.triFaceVertex).pairs,
+                                     creases, cut.polygons.pointCount, quads);
         Array<uint> ids, origins(points);
         for (uint entry = 0; entry < quads.size(); ++entry)
             origins[quads[entry]] = entry;
@@ -186,17 +177,13 @@ TEST(CutMesh, APointInEveryTriangleTakesNoQuadraticTime)
 {
     // One point in every triangle: a search that walks its list takes minutes here.
     constexpr uint kTriangles = 200000;
-    PolygonMesh fan;
-    fan.pointCount = kTriangles + 2;
-    for (uint t = 0; t < kTriangles; ++t) {
-        for (const uint p : {0u, t + 1, t + 2})
-            fan.faceVertex.push_back(p);
-        fan.faceOffset.push_back(3 * t + 3);
-    }
-    CutCase cut = cutCase(fan);
-    Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sFaceVertexComp,
-                                  makeMutable<Array<uint>>(fan.faceVertex.size()));
-    Geometry::addDataGeoProperty<int>(*cut.source, "p", "range", shared({3}));
+    PolygonMesh wheel;
+    wheel.pointCount = kTriangles + 2;
+    for (uint t = 0; t < kTriangles; ++t)
+        wheel.addFace(Array<uint>{0, t + 1, t + 2});
+    CutCase cut = cutCase(wheel);
+    addIndexed<int>(*cut.source, "p", Geometry::sFaceVertexComp,
+                    Array<uint>(wheel.faceVertex.size()), shared({3}));
     cut.interpolate();
     // Every inner edge is shared: 3 edges and a centre per triangle, less one per inner edge.
     EXPECT_EQ(dataOf<int>(*cut.target, "p")->size(), 1 + 4 * kTriangles - (kTriangles - 1));

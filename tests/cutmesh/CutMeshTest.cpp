@@ -1,33 +1,14 @@
 #include "cutmesh/CutMeshCases.h"
+#include "support/Cancellation.h"
 
-#include <KOR/ExceptionMessage.h>
-#include <Pelon/Job.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 using namespace TestSupport;
 using Korvane::Math::float2;
-using Mode = Geometry::Common::DataInterpolationMode;
 
 namespace {
-
-PolygonMesh polygonsOf(uint pointCount, std::initializer_list<std::initializer_list<uint>> faces)
-{
-    PolygonMesh mesh;
-    mesh.pointCount = pointCount;
-    for (const auto& face : faces) {
-        for (const uint point : face)
-            mesh.faceVertex.push_back(point);
-        mesh.faceOffset.push_back(static_cast<uint>(mesh.faceVertex.size()));
-    }
-    return mesh;
-}
-
-Array<uint> indicesOf(const Object& mesh, const String& range)
-{
-    return *Geometry::getRangeGeoPropIndices(*Geometry::getRangeGeoProperty(mesh, range));
-}
 
 // The values of a point property at codes 0 to 3 of corner 0 of one triangle.
 template <class T>
@@ -50,10 +31,11 @@ TEST(CutMesh, RealValuesAreBlendedAndOthersArePicked)
     EXPECT_EQ(aroundCornerZero<float>(1, w, {4, 8, 16}), (Array<float>{4, 4, 11, 16}));
     EXPECT_EQ(aroundCornerZero<String>(0.5f, w, {"a", "b", "c"}),
               (Array<String>{"a", "a", "c", "c"}));
-}
+    const float tenth = 0.1f;  // doubles are blended with weights widened first
+    EXPECT_EQ(aroundCornerZero<double>(tenth, w, {1, 3, 5})[1],
+              double{tenth} + (1 - double{tenth}) * 3);
 
-TEST(CutMesh, OfEquallyHeavyCornersTheFirstIsPicked)
-{
+    // Of equally heavy corners, the first is picked.
     const auto picked = [](float w0, float w1, float w2) {
         return aroundCornerZero<int>(0.5f, {w0, w1, w2}, {0, 1, 2})[2];
     };
@@ -63,13 +45,6 @@ TEST(CutMesh, OfEquallyHeavyCornersTheFirstIsPicked)
     EXPECT_EQ(picked(0.3f, 0.3f, 0.4f), 2);
     EXPECT_EQ(picked(std::nanf(""), 0.3f, 0.4f), 2);
     EXPECT_EQ(picked(0.4f, std::nanf(""), 0.3f), 2);
-}
-
-TEST(CutMesh, DoublesAreBlendedWithWeightsWidenedFirst)
-{
-    const float t = 0.1f;
-    EXPECT_EQ(aroundCornerZero<double>(t, {t, t, t}, {1, 3, 5})[1],
-              double{t} + (1 - double{t}) * 3);
 }
 
 //  3---2     one quad: triangles 0 1 2 and 0 2 3
@@ -83,9 +58,8 @@ TEST(CutMesh, ThePartsOfAQuadShareItsFaceValueAndAnIndexOnItsDiagonal)
     const auto uv = shared<float>({0, 10, 20, 30});
     Geometry::addDataGeoProperty<int>(*cut.source, "id", Geometry::sFaceComp, shared({7}));
     Geometry::addDataGeoProperty<float>(*cut.source, "plain", Geometry::sFaceVertexComp, uv);
-    Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sFaceVertexComp,
-                                  shared<uint>({0, 1, 2, 3}));
-    Geometry::addDataGeoProperty<float>(*cut.source, "indexed", "range", uv, 0, Mode::Constant);
+    addIndexed<float>(*cut.source, "p", Geometry::sFaceVertexComp, {0, 1, 2, 3}, uv, 0,
+                      Mode::Constant);
     cut.interpolate();
 
     EXPECT_EQ(*dataOf<int>(*cut.target, "id"), (Array<int>(6, 7)));
@@ -94,36 +68,33 @@ TEST(CutMesh, ThePartsOfAQuadShareItsFaceValueAndAnIndexOnItsDiagonal)
     EXPECT_EQ(plain[12 + 1], 10);
 
     // New values: edge 0-1, centre, diagonal, edge 1-2, then centre, edge 3-0, edge 2-3.
-    EXPECT_EQ(*dataOf<float>(*cut.target, "indexed"),
+    EXPECT_EQ(*dataOf<float>(*cut.target, "p"),
               (Array<float>{0, 10, 20, 30, 5, 12.5, 5, 15, 20, 15, 25}));
-    EXPECT_EQ(indicesOf(*cut.target, "range"), (Array<uint>{0, 4, 5, 6, 1, 7,  5, 4, 2, 6, 5, 7,  //
-                                                            0, 6, 8, 9, 2, 10, 8, 6, 3, 9, 8, 10}));
-    EXPECT_EQ(entryOf<Mode>(*cut.target, "indexed", Geometry::sInterp), Mode::Linear);
-    EXPECT_EQ(entryOf<String>(*cut.target, "indexed", Geometry::sTarget), "range");
+    EXPECT_EQ(*rangeOf(*cut.target, "p range"),
+              (Array<uint>{0, 4, 5, 6, 1, 7,  5, 4, 2, 6, 5, 7,  //
+                           0, 6, 8, 9, 2, 10, 8, 6, 3, 9, 8, 10}));
+    EXPECT_EQ(entryOf<Mode>(*cut.target, "p", Geometry::sInterp), Mode::Linear);
+    EXPECT_EQ(entryOf<String>(*cut.target, "p", Geometry::sTarget), "p range");
 }
 
 TEST(CutMesh, AnIndexSeamTakesTheValueOfTheTriangleThatCameFirst)
 {
     CutCase cut = cutCase(polygonsOf(4, {{0, 1, 2}, {2, 1, 3}}));
-    Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sFaceVertexComp,
-                                  shared<uint>({0, 1, 2, 3, 4, 5}));
-    Geometry::addDataGeoProperty<float>(*cut.source, "uv", "range",
-                                        shared<float>({0, 1, 2, 100, 101, 102}));
+    addIndexed<float>(*cut.source, "p", Geometry::sFaceVertexComp, {0, 1, 2, 3, 4, 5},
+                      shared<float>({0, 1, 2, 100, 101, 102}));
     cut.interpolate();
-    const Array<uint> indices = indicesOf(*cut.target, "range");
+    const Array<uint> indices = *rangeOf(*cut.target, "p range");
     EXPECT_EQ(indices[4 * 3 + 1], indices[4 * 1 + 1]);
-    EXPECT_EQ((*dataOf<float>(*cut.target, "uv"))[indices[4 * 3 + 1]], 1.5f);
+    EXPECT_EQ((*dataOf<float>(*cut.target, "p"))[indices[4 * 3 + 1]], 1.5f);
 }
 
 TEST(CutMesh, TheDiagonalOfAnotherPolygonIsNoNeighbour)
 {
     // The triangle's edge 0-2 lies on the diagonal of the quad, as corner 3 runs from 0 to 2.
     CutCase cut = cutCase(polygonsOf(5, {{0, 1, 2, 3}, {2, 0, 4}}));
-    Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sFaceVertexComp,
-                                  shared<uint>({0, 0, 0, 0, 0, 0, 0}));
-    Geometry::addDataGeoProperty<int>(*cut.source, "p", "range", shared({1}));
+    addIndexed<int>(*cut.source, "p", Geometry::sFaceVertexComp, Array<uint>(7), shared({1}));
     cut.interpolate();
-    const Array<uint> indices = indicesOf(*cut.target, "range");
+    const Array<uint> indices = *rangeOf(*cut.target, "p range");
     EXPECT_NE(indices[4 * 6 + 1], indices[4 * 3 + 1]);
     EXPECT_EQ(dataOf<int>(*cut.target, "p")->size(), 1u + 7 + 4);
 }
@@ -133,30 +104,27 @@ TEST(CutMesh, UncutPointsAreOnlyIndexedAgain)
     CutCase cut = cutCase(polygonsOf(3, {{0, 1, 2}}));
     setPoints(cut, {1, 0, 1}, {2 << 2, 1 << 2});
     const auto values = shared<String>({"x", "y"});
-    Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sPointComp,
-                                  shared<uint>({0, 1, kNone}));
-    Geometry::addDataGeoProperty<String>(*cut.source, "p", "range", values);
+    addIndexed<String>(*cut.source, "p", Geometry::sPointComp, {0, 1, kNone}, values);
     cut.interpolate();
     EXPECT_EQ(dataOf<String>(*cut.target, "p"), values) << "shared";
-    EXPECT_EQ(indicesOf(*cut.target, "range"), (Array<uint>{1, kNone, 1}));
+    EXPECT_EQ(*rangeOf(*cut.target, "p range"), (Array<uint>{1, kNone, 1}));
 }
 
 TEST(CutMesh, WhatCannotBeInterpolatedIsDeclaredWithItsDefault)
 {
     CutCase cut = cutCase(polygonsOf(3, {{0, 1, 2}}));
     Object& source = *cut.source;
-    const auto threeInts = shared({1, 2, 3});
+    const Ptr<Array<int>> threeInts = shared({1, 2, 3});
     const auto remove = [&](const char* name, const String& entry) {
         const auto property = makeMutable<Object>(*Geometry::getDataGeoProperty(source, name));
         property->setProperty(entry, Pelon::Any());
         source.setProperty(name, property);
     };
-    Geometry::addRangeGeoProperty(source, "range", Geometry::sPointComp, shared<uint>({0, 1, 2}));
-    Geometry::addRangeGeoProperty(source, "outer", "range", shared<uint>({0, 1, 2}));
     Geometry::addDataGeoProperty<int>(source, "off", Geometry::sFaceComp, shared({1}), 9,
                                       Mode::None);
-    Geometry::addDataGeoProperty<int>(source, "indexed off", "range", threeInts, 8, Mode::None);
-    Geometry::addDataGeoProperty<int>(source, "deep", "outer", threeInts, 7);
+    addIndexed<int>(*cut.source, "indexed off", Geometry::sPointComp, {0, 1, 2}, threeInts, 8,
+                    Mode::None);
+    addIndexed<int>(*cut.source, "deep", "indexed off range", {0, 1, 2}, threeInts, 7);
     Geometry::addDataGeoProperty<float>(source, "elsewhere", "curve", shared({1.f}), 6);
     Geometry::addDataGeoProperty<int>(source, "no default", Geometry::sFaceComp, shared({1}), 5);
     remove("no default", Geometry::sDefault);
@@ -175,25 +143,18 @@ TEST(CutMesh, WhatCannotBeInterpolatedIsDeclaredWithItsDefault)
     EXPECT_EQ(*dataOf<int>(target, "no default"), (Array<int>(3, 0)));
     EXPECT_EQ(*dataOf<int>(target, "no mode"), (Array<int>(3, 4)));
     EXPECT_FALSE(target.hasProperty("char"));
-    EXPECT_FALSE(target.hasProperty("range"));
+    EXPECT_FALSE(target.hasProperty("indexed off range"));
 }
 
 TEST(CutMesh, WithoutADualIndexedCornersAreDeclaredAndTheRestIsInterpolated)
 {
     CutCase cut = cutCase(polygonsOf(3, {{0, 1, 2}}));
     cut.triMesh->setProperty("dual_face_vertex", Pelon::Any());
-    for (const String& component : {Geometry::sPointComp, Geometry::sFaceVertexComp}) {
-        const std::string name(component.view());
-        Geometry::addRangeGeoProperty(*cut.source, name + " range", component,
-                                      shared<uint>({0, 0, 0}));
-        Geometry::addDataGeoProperty<int>(*cut.source, name + " p", name + " range", shared({4}),
-                                          9);
-    }
+    addIndexed<int>(*cut.source, "corner", Geometry::sFaceVertexComp, {0, 0, 0}, shared({4}), 9);
+    addIndexed<int>(*cut.source, "point", Geometry::sPointComp, {0, 0, 0}, shared({4}), 9);
     cut.interpolate();
-    EXPECT_EQ(*dataOf<int>(*cut.target, std::string(Geometry::sFaceVertexComp.view()) + " p"),
-              (Array<int>(12, 9)));
-    EXPECT_EQ(dataOf<int>(*cut.target, std::string(Geometry::sPointComp.view()) + " p")->size(),
-              1u + 9);
+    EXPECT_EQ(*dataOf<int>(*cut.target, "corner"), (Array<int>(12, 9)));
+    EXPECT_EQ(dataOf<int>(*cut.target, "point")->size(), 1u + 9);
 }
 
 TEST(CutMesh, PassesOverGeometryAndTakesRenderSettingsAsTheyAre)
@@ -245,22 +206,15 @@ TEST(CutMesh, ACancelledJobThrowsAtTheFirstDirectPropertyAndLeavesWellFormedOnes
 {
     for (const bool indexed : {false, true}) {
         CutCase cut = cutCase(polygonsOf(4, {{0, 1, 2}, {2, 1, 3}}));
+        const Ptr<Array<float>> values = makeMutable<Array<float>>(6, 2.f);
         if (indexed)
-            Geometry::addRangeGeoProperty(*cut.source, "range", Geometry::sFaceVertexComp,
-                                          makeMutable<Array<uint>>(6));
-        Geometry::addDataGeoProperty<float>(*cut.source, "f",
-                                            indexed ? String("range") : Geometry::sFaceVertexComp,
-                                            makeMutable<Array<float>>(6, 2.f), 7);
+            addIndexed<float>(*cut.source, "f", Geometry::sFaceVertexComp, Array<uint>(6), values,
+                              7);
+        else
+            Geometry::addDataGeoProperty<float>(*cut.source, "f", Geometry::sFaceVertexComp, values,
+                                                7);
         Geometry::addDataGeoProperty<int>(*cut.source, "g", Geometry::sFaceComp, shared({1, 2}));
-        Pelon::Job job;
-        const Pelon::JobScope scope(job);
-        job.cancel();
-        try {
-            cut.interpolate();
-            FAIL() << "the cancelled job went unnoticed";
-        } catch (const std::runtime_error& error) {
-            EXPECT_STREQ(error.what(), KOR::exceptionMessage.c_str());
-        }
+        EXPECT_TRUE(endsWhenCancelled([&] { cut.interpolate(); }));
         EXPECT_EQ(cut.target->hasProperty("g"), indexed);
         EXPECT_EQ(dataOf<float>(*cut.target, "f")->size(), indexed ? 6u + 7u : 24u);
     }

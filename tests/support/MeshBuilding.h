@@ -110,6 +110,17 @@ inline PolygonMesh randomPolygons(std::uint32_t seed, uint faceCount, uint large
     return mesh;
 }
 
+/// Adds the values of `name`, and "`name` range" through which elements of `component` address them.
+template <class T>
+void addIndexed(Object& mesh, const std::string& name, const String& component, Array<uint> indices,
+                Ptr<Array<T>> values, const T& defaultValue = {}, Mode mode = Mode::Linear)
+{
+    const String range = name + " range";
+    Geometry::addRangeGeoProperty(mesh, range, component,
+                                  makeMutable<Array<uint>>(std::move(indices)));
+    Geometry::addDataGeoProperty<T>(mesh, name, range, std::move(values), defaultValue, mode);
+}
+
 /// The data array of property `name`; a null pointer fails the test that looks at it.
 template <class T>
 Ptr<Array<T>> dataOf(const Object& geometry, const String& name)
