@@ -37,7 +37,8 @@ TESSARY_API void computeTriEdges(const Pelon::Array<uint>& triFaceVertex,
 ///                        none. Of several (a non-manifold edge) the first in the end point's dual
 ///                        list. Entries of an incomplete last triangle keep their resized value
 /// cost   O(n) time without scratch memory where no point has more than 64 corners, else at most
-///        O(n log n) and 16 bytes per corner of such points; parallel, never polls for cancellation
+///        O(n log n) and 18 bytes per corner of such points; 4 bytes per point where the offsets
+///        reach past the dual's corners; parallel, never polls for cancellation
 TESSARY_API void populateAdjacentTri(const Pelon::Array<uint>& triFaceVertex,
                                      const Pelon::Array<uint>& dualFaceOffset,
                                      const Pelon::Array<uint>& dualFaceVertex,
