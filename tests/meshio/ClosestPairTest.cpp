@@ -1,4 +1,5 @@
 #include "support/MeshBuilding.h"
+#include "support/Random.h"
 #include "support/Threads.h"
 
 #include <meshio/ClosestPair.h>
@@ -12,13 +13,11 @@ namespace {
 
 Array<float3> randomPoints(std::uint32_t seed, std::size_t count, const float3& middle, float size)
 {
-    std::mt19937 random(seed);
-    const auto along = [&](float x) {
-        return x + size * (static_cast<float>(random()) * 0x1p-31f - 1.0f);
-    };
-    Array<float3> points;
-    for (std::size_t i = 0; i < count; ++i)
-        points.push_back({along(middle.x), along(middle.y), along(middle.z)});
+    Random random(seed);
+    const auto around = [&](float x) { return x + size * static_cast<float>(random.unit()); };
+    Array<float3> points(count);
+    for (float3& p : points)
+        p = {around(middle.x), around(middle.y), around(middle.z)};
     return points;
 }
 

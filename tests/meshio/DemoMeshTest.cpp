@@ -25,11 +25,6 @@ struct Demo {
           corners(*dataOf<uint>(*mesh, Geometry::sFaceVertex))
     {}
 
-    const Array<uint>& indices(const char* name) const
-    {
-        return *Geometry::getRangeGeoPropIndices(*Geometry::getRangeGeoProperty(*mesh, name));
-    }
-
     MutablePtr<Object> mesh;
     const Array<float3>& points;
     const Array<uint>& offset;
@@ -92,7 +87,7 @@ TEST(DemoMesh, NormalsPointOutwardsAndBreakAtRidges)
 {
     const Demo demo(32);
     const auto& normals = *dataOf<float3>(*demo.mesh, "normal");
-    const auto& index = demo.indices("normal_index");
+    const auto& index = *rangeOf(*demo.mesh, "normal_index");
     std::map<uint, std::set<uint>> normalsOfPoint;
     for (std::size_t f = 0; f + 1 < demo.offset.size(); ++f) {
         float3 area = {0, 0, 0};
@@ -118,7 +113,7 @@ TEST(DemoMesh, TextureCoordinatesHaveASeamAndNoJumpInsideAFace)
 {
     const Demo demo(16);
     const auto& uvs = *dataOf<float2>(*demo.mesh, "texcoord");
-    const auto& index = demo.indices("texcoord_index");
+    const auto& index = *rangeOf(*demo.mesh, "texcoord_index");
     EXPECT_EQ(uvs.size(), 17u * 65u);
     EXPECT_EQ(demo.points.size(), 16u * 64u);
     for (std::size_t f = 0; f + 1 < demo.offset.size(); ++f)
@@ -163,8 +158,8 @@ TEST(DemoMesh, HasTheSameBitsOnEveryMachine)
     mix(hash, *dataOf<float3>(*demo.mesh, "normal"));
     mix(hash, *dataOf<float2>(*demo.mesh, "texcoord"));
     mix(hash, *dataOf<float3>(*demo.mesh, "color"));
-    mix(hash, demo.indices("normal_index"));
-    mix(hash, demo.indices("texcoord_index"));
+    mix(hash, *rangeOf(*demo.mesh, "normal_index"));
+    mix(hash, *rangeOf(*demo.mesh, "texcoord_index"));
     EXPECT_EQ(hash, 10904425144183943910u);
 }
 

@@ -19,24 +19,11 @@ const std::string kPly =
     "property float z\nelement face 1\nproperty list uchar int vertex_indices\nend_header\n"
     "0 0 0\n1 0 0\n2 0 0\n3 0 1 2\n";
 
-template <class Error, class F>
-std::string messageOf(F&& f)
-{
-    try {
-        f();
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
-}
-
 TEST(MeshFile, RecognisesTheFormatByTheContent)
 {
-    const TemporaryFolder folder;
-    makeFile(folder / "a.obj", kPly);
-    makeFile(folder / "a.ply", "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n");
-    const auto ply = MeshIo::readMesh(folder / "a.obj");
-    const auto obj = MeshIo::readMesh(folder / "a.ply");
+    const Folder folder;
+    const auto ply = MeshIo::readMesh(folder.file("a.obj", kPly));
+    const auto obj = MeshIo::readMesh(folder.file("a.ply", "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n"));
     EXPECT_EQ(ply.format, MeshFormat::PlyAscii);
     EXPECT_EQ(obj.format, MeshFormat::Obj);
     EXPECT_EQ(firstDifference(*ply.mesh, *obj.mesh), "");
@@ -52,9 +39,8 @@ TEST(MeshFile, KnowsTheEndingsOfNames)
 
 TEST(MeshFile, RefusesMeshesWithErrorsOnBothWays)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder / "a.obj";
-    makeFile(path, "v 0 0 0\nv 1 0 0\nf 1 2\n");
+    const Folder folder;
+    const std::string path = folder.file("a.obj", "v 0 0 0\nv 1 0 0\nf 1 2\n");
     const std::string found =
         ": faces of fewer than three corners (once), first at face 0, which "
         "has 2; remove them or give them three corners";
@@ -66,7 +52,7 @@ TEST(MeshFile, RefusesMeshesWithErrorsOnBothWays)
         EXPECT_EQ(messageOf<MeshIo::InvalidMesh>([&] { writeMesh(*mesh, format, output); }),
                   (folder / "b") + found);
     }
-    EXPECT_FALSE(std::filesystem::exists(folder / "b"));
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"a.obj"});
 }
 
 }  // namespace

@@ -1,17 +1,20 @@
 #pragma once
 
-// What tests of mesh files share: comparing meshes, files of their own, models of other packages.
+// What tests of mesh files share: comparing and adding values, models of other packages.
 
 #include <Korvane/ElementTypes.h>
 #include <Korvane/Geometry.h>
 #include <Korvane/Object.h>
 
-#include <gtest/gtest.h>
+#include <meshio/Obj.h>
+#include <meshio/OutputFile.h>
+#include <meshio/Ply.h>
+#include <tests/support/Files.h>
+#include <tests/support/Messages.h>
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <initializer_list>
 #include <string>
 #include <type_traits>
 
@@ -73,34 +76,35 @@ inline std::string firstDifference(const Korvane::Object& a, const Korvane::Obje
     return "";
 }
 
-/// A file name in a folder that goes away with the test.
-class TemporaryFolder {
-public:
-    TemporaryFolder()
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "meshio-XXXXXX").string();
-        m_path = ::mkdtemp(pattern.data());
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(m_path); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    std::string operator/(const std::string& name) const { return (m_path / name).string(); }
-    const std::filesystem::path& path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
-
-inline std::string contentOf(const std::string& path)
+/// Adds a property of these values.
+template <class T>
+void addValues(Korvane::Object& mesh, const Pelon::String& name, const Pelon::String& component,
+               std::initializer_list<T> values, const T& fallback = T())
 {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    Korvane::Geometry::addDataGeoProperty<T>(mesh, name, component,
+                                             Pelon::makeMutable<Pelon::Array<T>>(values), fallback);
 }
 
-inline void makeFile(const std::string& path, const std::string& content)
+inline void addIndices(Korvane::Object& mesh, const Pelon::String& name,
+                       const Pelon::String& component, std::initializer_list<Pelon::uint> indices)
 {
-    std::ofstream(path, std::ios::binary) << content;
+    Korvane::Geometry::addRangeGeoProperty(mesh, name, component,
+                                           Pelon::makeMutable<Pelon::Array<Pelon::uint>>(indices));
+}
+
+/// The bytes that the writer of `format` makes of `mesh`; its warnings go to `warnings`.
+inline std::string written(const Korvane::Object& mesh, MeshIo::MeshFormat format,
+                           std::vector<std::string>* warnings = nullptr)
+{
+    const TestSupport::Folder folder;
+    MeshIo::OutputFile output(folder / "mesh", false);
+    const std::vector<std::string> lines = format == MeshIo::MeshFormat::Obj
+                                               ? MeshIo::writeObj(mesh, output)
+                                               : MeshIo::writePly(mesh, format, output);
+    output.commit();
+    if (warnings)
+        *warnings = lines;
+    return TestSupport::contentOf(folder / "mesh");
 }
 
 /// Where a model of a test package is installed, "" where it is not.

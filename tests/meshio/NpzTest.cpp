@@ -2,9 +2,9 @@
 #include <meshio/Npz.h>
 #include <meshio/OutputFile.h>
 
+#include <support/Files.h>
+
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 using namespace MeshIo;
 
@@ -31,20 +31,16 @@ std::uint32_t checksum(const std::string& text)
 
 TEST(Npz, HoldsEachArrayAsAFileWithItsShapeAndChecksum)
 {
-    const std::string path = testing::TempDir() + "tessary_npz_test.npz";
+    const TestSupport::Folder folder;
+    OutputFile output(folder / "a.npz", false);
     const std::int32_t cells[] = {1, -2, 3, 4, 5, 6};
     const double size = 0.25;
-    {
-        OutputFile output(path, true);
-        NpzWriter writer(output);
-        writer.add("cells", {2, 3}, cells);
-        writer.add("h", {}, &size);
-        writer.finish();
-        output.commit();
-    }
-    std::ifstream file(path, std::ios::binary);
-    const std::string text(std::istreambuf_iterator<char>(file), {});
-    std::remove(path.c_str());
+    NpzWriter writer(output);
+    writer.add("cells", {2, 3}, cells);
+    writer.add("h", {}, &size);
+    writer.finish();
+    output.commit();
+    const std::string text = TestSupport::contentOf(folder / "a.npz");
 
     // Local header of 30 bytes, name, then a .npy file: 128 bytes of header and the numbers.
     ASSERT_EQ(text.substr(0, 4), "PK\x03\x04");

@@ -1,118 +1,90 @@
 #include <meshio/OutputFile.h>
 
 #include <gtest/gtest.h>
+#include <support/Files.h>
+#include <support/Messages.h>
 
 #include <meshio/MeshFile.h>
 #include <meshio/ReadFile.h>
-
-#include "MeshFiles.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-using namespace MeshFiles;
+using namespace TestSupport;
 using MeshIo::FileError;
 using MeshIo::OutputFile;
+using Names = std::vector<std::string>;
 
-template <class F>
-std::string messageOf(F&& f)
+TEST(OutputFile, AppearsOnlyWhenCommittedAndLeavesNothingBehindWithout)
 {
-    try {
-        f();
-    } catch (const FileError& error) {
-        return error.what();
-    }
-    return "no error";
-}
-
-std::size_t fileCount(const TemporaryFolder& folder)
-{
-    return static_cast<std::size_t>(
-        std::distance(std::filesystem::directory_iterator(folder.path()), {}));
-}
-
-TEST(OutputFile, AppearsOnlyWhenCommitted)
-{
-    const TemporaryFolder folder;
-    {
-        OutputFile file(folder / "a.obj", false);
-        file.write("v 0 0 0\n");
-        EXPECT_FALSE(std::filesystem::exists(folder / "a.obj"));
-        file.commit();
-    }
-    EXPECT_EQ(contentOf(folder / "a.obj"), "v 0 0 0\n");
-    EXPECT_EQ(fileCount(folder), 1u);
-}
-
-TEST(OutputFile, LeavesNothingBehindWithoutCommit)
-{
-    const TemporaryFolder folder;
-    makeFile(folder / "old.obj", "old");
+    const Folder folder;
+    const std::string path = folder.file("old.obj", "old");
     for (const char* name : {"old.obj", "new.obj"})
         OutputFile(folder / name, true).write("half");
-    EXPECT_EQ(contentOf(folder / "old.obj"), "old");
-    EXPECT_EQ(fileCount(folder), 1u);
+    EXPECT_EQ(contentOf(path), "old");
+    EXPECT_EQ(folder.names(), Names{"old.obj"});
+
+    OutputFile file(folder / "new.obj", false);
+    file.write("v 0 0 0\n");
+    EXPECT_FALSE(std::filesystem::exists(folder / "new.obj"));
+    file.commit();
+    EXPECT_EQ(contentOf(folder / "new.obj"), "v 0 0 0\n");
+    EXPECT_EQ(folder.names(), (Names{"new.obj", "old.obj"}));
 }
 
-TEST(OutputFile, ReplacesOnlyWhenToldTo)
+TEST(OutputFile, KeepsLinksAndPermissionsOfWhatItReplaces)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder / "a.obj";
-    makeFile(path, "old");
-    EXPECT_EQ(messageOf([&] { OutputFile(path, false); }),
-              path + ": exists already; name another file or replace it with --force");
-
+    const Folder folder;
+    const std::string path = folder.file("a.obj", "old"), link = folder / "link.obj";
     std::filesystem::permissions(path, std::filesystem::perms(0640));
-    std::filesystem::create_symlink("a.obj", folder / "link.obj");
-    OutputFile file(folder / "link.obj", true);
+    std::filesystem::create_symlink("a.obj", link);
+    OutputFile file(link, true);
     file.write("new");
     file.commit();
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.obj"));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_EQ(contentOf(path), "new");
     EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0640));
 }
 
 TEST(OutputFile, KeepsAFileThatAppearsWhileItIsWritten)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder / "a.obj";
+    const Folder folder;
     {
-        OutputFile file(path, false);
+        OutputFile file(folder / "a.obj", false);
         file.write("mine");
-        makeFile(path, "theirs");
+        folder.file("a.obj", "theirs");
         EXPECT_THROW(file.commit(), FileError);
     }
-    EXPECT_EQ(contentOf(path), "theirs");
-    EXPECT_EQ(fileCount(folder), 1u);
+    EXPECT_EQ(contentOf(folder / "a.obj"), "theirs");
+    EXPECT_EQ(folder.names(), Names{"a.obj"});
 }
+
+struct BadName {
+    std::string path, message;
+};
 
 TEST(OutputFile, SaysWhatIsWrongWithAName)
 {
-    const TemporaryFolder folder;
-    const std::string missing = folder / "missing/a.obj";
-    EXPECT_EQ(messageOf([&] { OutputFile(missing, false); }),
-              missing + ": its folder does not exist; create it first");
-    EXPECT_EQ(messageOf([&] { OutputFile(folder / "", true); }),
-              (folder / "") + ": is a folder; name a file in it");
-}
-
-TEST(OutputFile, ReportsAFullDevice)
-{
-    if (!std::filesystem::exists("/dev/full"))
-        GTEST_SKIP() << "no /dev/full";
-    OutputFile file("/dev/full", false);
-    EXPECT_EQ(messageOf([&] { file.write("x"); }),
-              "/dev/full: cannot be written: No space left on device");
+    const Folder folder;
+    const BadName cases[] = {
+        {folder.file("a.obj", "old"),
+         ": exists already; name another file or replace it with --force"},
+        {folder / "missing/a.obj", ": its folder does not exist; create it first"},
+        {folder / "", ": is a folder; name a file in it"},
+        {"/dev/full", ": cannot be written: No space left on device"},
+    };
+    for (const BadName& bad : cases)
+        EXPECT_EQ(messageOf<FileError>([&] { OutputFile(bad.path, false).write("x"); }),
+                  bad.path + bad.message);
 }
 
 TEST(ReadFile, ReadsAllBytesOfFilesAndPipes)
 {
-    const TemporaryFolder folder;
+    const Folder folder;
     const std::string content(3000000, 'x');
-    makeFile(folder / "a", content);
-    EXPECT_EQ(MeshIo::viewOf(MeshIo::readFile(folder / "a")), content);
+    EXPECT_EQ(MeshIo::viewOf(MeshIo::readFile(folder.file("a", content))), content);
 
     const int standardInput = ::dup(STDIN_FILENO);
     int ends[2];
@@ -129,23 +101,20 @@ TEST(ReadFile, ReadsAllBytesOfFilesAndPipes)
 
 TEST(ReadFile, SaysWhatIsWrongWithAFile)
 {
-    const TemporaryFolder folder;
-    const auto message = [](const std::string& path) {
-        return messageOf([&] { MeshIo::readFile(path); });
+    const Folder folder;
+    std::vector<BadName> cases = {
+        {folder.file("empty", ""), ": is empty; a mesh file was expected"},
+        {folder / "none", ": there is no such file; check the name"},
+        {folder / "", ": is a folder; name a mesh file"},
     };
-    makeFile(folder / "empty", "");
-    EXPECT_EQ(message(folder / "empty"),
-              (folder / "empty") + ": is empty; a mesh file was expected");
-    EXPECT_EQ(message(folder / "none"),
-              (folder / "none") + ": there is no such file; check the name");
-    EXPECT_EQ(message(folder / ""), (folder / "") + ": is a folder; name a mesh file");
-
-    makeFile(folder / "closed", "v 0 0 0");
-    std::filesystem::permissions(folder / "closed", std::filesystem::perms(0));
-    if (::geteuid() == 0)
-        return;  // root may read anything
-    EXPECT_EQ(message(folder / "closed"),
-              (folder / "closed") + ": cannot be opened: Permission denied");
+    if (::geteuid() != 0) {  // root may read anything
+        cases.push_back(
+            {folder.file("closed", "v 0 0 0"), ": cannot be opened: Permission denied"});
+        std::filesystem::permissions(cases.back().path, std::filesystem::perms(0));
+    }
+    for (const BadName& bad : cases)
+        EXPECT_EQ(messageOf<FileError>([&] { MeshIo::readFile(bad.path); }),
+                  bad.path + bad.message);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 
 using namespace TestSupport;
 using namespace Korvane::Geometry;
+using namespace MeshFiles;
 using MeshIo::makeSampleCloud;
 using MeshIo::SampleCloud;
 using MeshIo::SurfaceSamples;
@@ -100,16 +101,16 @@ TEST(SampleCloud, OtherValuesArePickedFromTheHeaviestCornerAndFacesKeepTheirs)
 {
     Sampled s(11);
     const auto names = makeMutable<Array<String>>();
-    for (uint i = 0; i < s.count(sFaceVertexComp); ++i)
+    const auto stepped = makeMutable<Array<float>>();
+    for (uint i = 0; i < s.count(sFaceVertexComp); ++i) {
         names->push_back("corner " + std::to_string(i));
+        stepped->push_back(float(i));
+    }
     const auto share = makeMutable<Array<double>>();
     for (uint f = 0; f < s.count(sFaceComp); ++f)
         share->push_back(f / 3.0);
     addDataGeoProperty<String>(*s.mesh, "label", sFaceVertexComp, names);
     addDataGeoProperty<double>(*s.mesh, "share", sFaceComp, share);
-    const auto stepped = makeMutable<Array<float>>();
-    for (uint i = 0; i < s.count(sFaceVertexComp); ++i)
-        stepped->push_back(float(i));
     addDataGeoProperty<float>(*s.mesh, "stepped", sFaceVertexComp, stepped, 0.0f,
                               Common::DataInterpolationMode::None);
 
@@ -133,10 +134,10 @@ TEST(SampleCloud, TiesGoToTheFirstCornerAndMissingValuesToTheDefault)
     samples.positions = shared<float3>({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}});
     samples.weights = shared<float>({0.25f, 0.25f, 0.5f, 0.5f, 0.5f, 0, 0.2f, 0.4f, 0.4f});
     samples.triangleIds = shared<uint>({1, 1, 1});  // points 0 2 3
-    addDataGeoProperty<int>(*mesh, "id", sPointComp, shared<int>({10, 11, 12, 13}));
-    addRangeGeoProperty(*mesh, "range", sFaceVertexComp, shared<uint>({0, 0, kNone, 1}));
-    addDataGeoProperty<int>(*mesh, "picked", "range", shared<int>({5, 6}), -1);
-    addDataGeoProperty<double>(*mesh, "real", "range", shared<double>({5, 6}), 0.5);
+    addValues<int>(*mesh, "id", sPointComp, {10, 11, 12, 13});
+    addIndices(*mesh, "range", sFaceVertexComp, {0, 0, kNone, 1});
+    addValues<int>(*mesh, "picked", "range", {5, 6}, -1);
+    addValues<double>(*mesh, "real", "range", {5, 6}, 0.5);
     const SampleCloud result = makeSampleCloud(*mesh, samples, {"id", "picked", "real"});
     EXPECT_EQ(*dataOf<int>(*result.cloud, "id"), (Array<int>{13, 10, 12}));
     EXPECT_EQ(*dataOf<int>(*result.cloud, "picked"), (Array<int>{6, 5, -1}));
@@ -151,7 +152,7 @@ TEST(SampleCloud, NamesThatAreTakenGiveWayAndWhatHasNoRuleIsLeftOut)
     Sampled s(3);
     addDataGeoProperty<int>(*s.mesh, "face_id", sFaceComp,
                             makeMutable<Array<int>>(s.count(sFaceComp), 9));
-    addDataGeoProperty<float>(*s.mesh, "other", "somewhere", shared<float>({1}));
+    addValues<float>(*s.mesh, "other", "somewhere", {1});
     s.mesh->setProperty("material_library", String("roof.mtl"));
     const SampleCloud result = s.cloud();
     EXPECT_EQ(result.warnings,
@@ -177,18 +178,18 @@ TEST(SampleCloud, NormalsAreThoseOfTheTrianglesUnlessTheMeshHasSome)
         ASSERT_NEAR((*normals)[i].y, expected.y, 1e-6);
         ASSERT_NEAR((*normals)[i].z, expected.z, 1e-6);
     }
-    addDataGeoProperty<float3>(*mesh, "normal", sFaceComp, shared<float3>({{1, 0, 0}}));
+    addValues<float3>(*mesh, "normal", sFaceComp, {{1, 0, 0}});
     EXPECT_EQ((*dataOf<float3>(*makeSampleCloud(*mesh, samples, {"normal"}).cloud, "normal"))[0],
               (float3{1, 0, 0}));
     for (const char* name : {"nx", "ny", "nz"})
-        addDataGeoProperty<float>(*mesh, name, sFaceComp, shared<float>({1}));
+        addValues<float>(*mesh, name, sFaceComp, {1});
     const auto scalars = makeSampleCloud(*mesh, samples, {"nx", "ny", "nz"}).cloud;
     EXPECT_FALSE(scalars->hasProperty("normal"));
 }
 
 TEST(CloudArrays, HoldEveryElementTypeUnderItsShape)
 {
-    const MeshFiles::TemporaryFolder folder;
+    const Folder folder;
     Object cloud;
     populatePointCloud(shared<float3>({{1, 2, 3}, {4, 5, 6}}), cloud);
     Korvane::anyElementType([&](auto tag, const char* name) {
@@ -196,11 +197,10 @@ TEST(CloudArrays, HoldEveryElementTypeUnderItsShape)
         addDataGeoProperty<T>(cloud, name, sPointComp, makeMutable<Array<T>>(2));
         return false;
     });
-    addDataGeoProperty<String>(cloud, "name", sPointComp, shared<String>({"w\xC3\xA4rm", "\xFF"}));
-    addDataGeoProperty<String>(cloud, "novel", sPointComp,
-                               shared<String>({std::string(300, 'x'), "y"}));
-    addDataGeoProperty<float>(cloud, "position", sPointComp, shared<float>({1, 2}));
-    addDataGeoProperty<float>(cloud, "elsewhere", "other", shared<float>({1}));
+    addValues<String>(cloud, "name", sPointComp, {"w\xC3\xA4rm", "\xFF"});
+    addValues<String>(cloud, "novel", sPointComp, {std::string(300, 'x'), "y"});
+    addValues<float>(cloud, "position", sPointComp, {1, 2});
+    addValues<float>(cloud, "elsewhere", "other", {1});
     cloud.setProperty("author", String("nobody"));
     MeshIo::OutputFile file(folder / "cloud.npz", false);
     EXPECT_EQ(MeshIo::writeCloudNpz(cloud, file),
@@ -208,26 +208,24 @@ TEST(CloudArrays, HoldEveryElementTypeUnderItsShape)
                      "property \"elsewhere\" is no list of values of the points and is left out",
                      "value \"author\" belongs to no point and is left out"}));
     file.commit();
-    const std::string bytes = MeshFiles::contentOf(folder / "cloud.npz");
-    const auto expect = [&bytes](const std::string& name, const std::string& header) {
-        const std::size_t at = bytes.find(name + ".npy\x93NUMPY");
-        ASSERT_NE(at, std::string::npos) << name;
-        EXPECT_EQ(bytes.find(header, at), bytes.find("{'descr'", at)) << name;
+    const std::string bytes = contentOf(folder / "cloud.npz");
+    const struct {
+        const char *name, *type, *shape;
+    } arrays[] = {
+        {"position_", "<f4", "2, 3"}, {"position", "<f4", "2"},   {"bool", "|b1", "2"},
+        {"char", "|i1", "2"},         {"uchar4", "|u1", "2, 4"},  {"ushort", "<u2", "2"},
+        {"long", "<i8", "2"},         {"double3", "<f8", "2, 3"}, {"float4x4", "<f4", "2, 4, 4"},
+        {"int2x3", "<i4", "2, 2, 3"}, {"name", "<U4", "2"},
     };
-    const auto head = [](const std::string& type, const std::string& shape) {
-        return "{'descr': '" + type + "', 'fortran_order': False, 'shape': (" + shape + ", ), }";
-    };
-    expect("position_", head("<f4", "2, 3"));
-    expect("position", head("<f4", "2"));
-    expect("bool", head("|b1", "2"));
-    expect("char", head("|i1", "2"));
-    expect("uchar4", head("|u1", "2, 4"));
-    expect("ushort", head("<u2", "2"));
-    expect("long", head("<i8", "2"));
-    expect("double3", head("<f8", "2, 3"));
-    expect("float4x4", head("<f4", "2, 4, 4"));
-    expect("int2x3", head("<i4", "2, 2, 3"));
-    expect("name", head("<U4", "2"));
+    for (const auto& array : arrays) {
+        const std::size_t at = bytes.find(std::string(array.name) + ".npy\x93NUMPY");
+        ASSERT_NE(at, std::string::npos) << array.name;
+        EXPECT_EQ(bytes.find(std::string("{'descr': '") + array.type +
+                                 "', 'fortran_order': False, 'shape': (" + array.shape + ", ), }",
+                             at),
+                  bytes.find("{'descr'", at))
+            << array.name;
+    }
     const char32_t texts[] = {'w', 0xE4, 'r', 'm', 0xFFFD, 0, 0, 0};
     EXPECT_NE(bytes.find(std::string(reinterpret_cast<const char*>(texts), sizeof texts)),
               std::string::npos);

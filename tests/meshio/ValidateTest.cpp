@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 #include <support/MeshBuilding.h>
 
+#include "MeshFiles.h"
+
 #include <algorithm>
 #include <limits>
 #include <new>
 
 namespace {
 
+using namespace MeshFiles;
 using namespace TestSupport;
 using namespace Korvane::Geometry;
 using MeshIo::Problem;
@@ -73,7 +76,7 @@ TEST(Validate, RequiresTheTopologyWithItsTypes)
 {
     EXPECT_EQ(summary(Object()), "topology-missing x3: point_position\n");
     const auto mesh = meshOf(3, {{0, 1, 2}});
-    addDataGeoProperty<int>(*mesh, sFaceVertex, sFaceVertexComp, shared<int>({0, 1, 2}));
+    addValues<int>(*mesh, sFaceVertex, sFaceVertexComp, {0, 1, 2});
     EXPECT_EQ(summary(*mesh), "topology-type x1: face_vertex, which should be an array of uint\n");
 }
 
@@ -105,9 +108,9 @@ TEST(Validate, ListsTheFirstPlacesAndCountsAll)
 TEST(Validate, ComparesArraysWithTheirComponents)
 {
     const auto mesh = meshOf(4, {{0, 1, 2}, {0, 2, 3}});
-    addDataGeoProperty<int>(*mesh, "id", sFaceComp, shared<int>({1, 2}));
-    addDataGeoProperty<String>(*mesh, "short", sPointComp, shared<String>({"a"}));
-    addDataGeoProperty<int>(*mesh, "lost", "nowhere", shared<int>({1}));
+    addValues<int>(*mesh, "id", sFaceComp, {1, 2});
+    addValues<String>(*mesh, "short", sPointComp, {"a"});
+    addValues<int>(*mesh, "lost", "nowhere", {1});
     EXPECT_EQ(summary(*mesh),
               "length-mismatch x2: \"short\", which has 1 entries and should have 4 "
               "(\"point_component\")\n");
@@ -116,21 +119,21 @@ TEST(Validate, ComparesArraysWithTheirComponents)
 TEST(Validate, FollowsIndexedProperties)
 {
     const auto mesh = meshOf(3, {{0, 1, 2}});
-    addRangeGeoProperty(*mesh, "uv_index", sFaceVertexComp, shared<uint>({0, kNone, 1}));
-    addDataGeoProperty<int>(*mesh, "uv", "uv_index", shared<int>({1, 2}));
-    addDataGeoProperty<uint>(*mesh, "uv_offset", "uv", shared<uint>({0, 1, 1, 2}));
+    addIndices(*mesh, "uv_index", sFaceVertexComp, {0, kNone, 1});
+    addValues<int>(*mesh, "uv", "uv_index", {1, 2});
+    addValues<uint>(*mesh, "uv_offset", "uv", {0, 1, 1, 2});
     EXPECT_EQ(summary(*mesh), "");
 
-    addDataGeoProperty<int>(*mesh, "uv", "uv_index", shared<int>({1}));
+    addValues<int>(*mesh, "uv", "uv_index", {1});
     EXPECT_EQ(summary(*mesh),
               "property-index x1: entry 2 of \"uv_index\", which names value 1 of 1 in \"uv\"\n");
 
-    addRangeGeoProperty(*mesh, "uv_index", sFaceVertexComp, shared<uint>({0, 0}));
+    addIndices(*mesh, "uv_index", sFaceVertexComp, {0, 0});
     EXPECT_EQ(summary(*mesh),
               "length-mismatch x1: \"uv_index\", which has 2 entries and should have "
               "3 (\"face_vertex_component\")\n");
 
-    addRangeGeoProperty(*mesh, "uv_index", "uv", shared<uint>({0}));
+    addIndices(*mesh, "uv_index", "uv", {0});
     EXPECT_EQ(summary(*mesh), "circular-target x3: uv_index\n");
 }
 

@@ -1,4 +1,5 @@
 #include "support/MeshBuilding.h"
+#include "support/Random.h"
 #include "support/Threads.h"
 
 #include <Pelon/Job.h>
@@ -27,19 +28,17 @@ Cells listOf(const Array<Cell>& cells)
 
 MutablePtr<Object> randomTriangles(std::uint32_t seed, uint count, float size)
 {
-    std::mt19937 random(seed);
-    const auto unit = [&random] { return static_cast<float>(random()) * 0x1p-31f - 1.0f; };
+    Random random(seed);
+    const auto unit = [&random] { return static_cast<float>(random.unit()); };
     Array<float3> points;
-    Array<uint> offsets{0}, corners;
+    PolygonMesh triangles;
     for (uint t = 0; t < count; ++t) {
         const float3 at{unit(), unit(), unit()};
-        for (int k = 0; k < 3; ++k) {
-            corners.push_back(static_cast<uint>(points.size()));
+        for (int k = 0; k < 3; ++k)
             points.push_back({at.x + size * unit(), at.y + size * unit(), at.z + size * unit()});
-        }
-        offsets.push_back(static_cast<uint>(corners.size()));
+        triangles.addFace(Array<uint>{3 * t, 3 * t + 1, 3 * t + 2});
     }
-    return Geometry::makeMesh(points, offsets, corners);
+    return Geometry::makeMesh(points, triangles.faceOffset, triangles.faceVertex);
 }
 
 // Every cell near the mesh with every triangle.
@@ -75,18 +74,16 @@ TEST(Voxels, AreAllCellsThatSomeTriangleTouchesAtAnyThreadCount)
 
 TEST(Voxels, TouchingCountsOnBothSidesOfTheGridsPlanes)
 {
-    const MutablePtr<Object> corner =
-        Geometry::makeMesh({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}}, {0, 3}, {0, 1, 2});
+    const auto corner = Geometry::makeMesh(Array<float3>(3), {0, 3}, {0, 1, 2});
     EXPECT_EQ(touchedCells(*corner, 1).size(), 8u);
     EXPECT_EQ(touchedCells(*meshOf(3, {}), 1).size(), 0u);
 }
 
 TEST(Voxels, RefuseGridsThatAreTooLongOrTooFar)
 {
-    const MutablePtr<Object> mesh =
-        Geometry::makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {0, 3}, {0, 1, 2});
-    EXPECT_THROW(touchedCells(*mesh, 1e-7), std::invalid_argument);
-    EXPECT_THROW(touchedCells(*mesh, 1e-300), std::invalid_argument);
+    const auto mesh = Geometry::makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {0, 3}, {0, 1, 2});
+    for (const double size : {1e-7, 1e-300})
+        EXPECT_THROW(touchedCells(*mesh, size), std::invalid_argument);
 }
 
 // A single face with minutes of work.
