@@ -1,4 +1,5 @@
 #include "support/MeshBuilding.h"
+#include "support/Random.h"
 #include "support/Threads.h"
 
 #include <gtest/gtest.h>
@@ -35,7 +36,7 @@ Point moved(const Point& p, const Point& by, long double t)
 
 struct Reference {
     Point center{0, 0, 0};
-    long double squaredRadius = -1;
+    long double squaredRadius = std::numeric_limits<long double>::infinity();
 };
 
 // The smallest ball with all of `support` on its boundary; false where these span too little.
@@ -73,27 +74,15 @@ Reference smallestBall(const Array<float3>& points)
             if (bits >> i & 1)
                 support.push_back(all[i]);
         Reference ball;
-        if (support.size() > 4 || !ballThrough(support, ball) ||
-            (best.squaredRadius >= 0 && ball.squaredRadius >= best.squaredRadius))
-            continue;
-        const bool enclosesAll = std::all_of(all.begin(), all.end(), [&ball](const Point& p) {
-            return dot(p - ball.center, p - ball.center) <= ball.squaredRadius * (1 + 1e-12L);
-        });
-        if (enclosesAll)
+        if (support.size() <= 4 && ballThrough(support, ball) &&
+            ball.squaredRadius < best.squaredRadius &&
+            std::all_of(all.begin(), all.end(), [&ball](const Point& p) {
+                return dot(p - ball.center, p - ball.center) <= ball.squaredRadius * (1 + 1e-12L);
+            }))
             best = ball;
     }
     return best;
 }
-
-class Random {
-public:
-    explicit Random(std::uint32_t seed) : m_bits(seed) {}
-    uint below(uint n) { return m_bits() % n; }
-    double unit() { return m_bits() / 2147483648.0 - 1; }  // [-1, 1)
-
-private:
-    std::mt19937 m_bits;
-};
 
 enum Shape { Loose, Grid, Line, Circle, OnSphere, Flat, Clusters, OffCenter, kShapes };
 
@@ -120,14 +109,6 @@ float3 pointOf(Shape shape, double thin, double scale, Random& random)
     return {scaled(x), scaled(y), scaled(z)};
 }
 
-double largestCoordinate(const Array<float3>& points)
-{
-    float largest = 0;
-    for (const float3& p : points)
-        largest = std::max({largest, std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
-    return largest;
-}
-
 TEST(BoundingSphere, IsTheSmallestOfAllSupportSetsWhateverTheShape)
 {
     Random random(1);
@@ -135,16 +116,18 @@ TEST(BoundingSphere, IsTheSmallestOfAllSupportSetsWhateverTheShape)
         const auto shape = static_cast<Shape>(i % kShapes);
         const double thin = std::pow(10.0, -static_cast<double>(random.below(12)));
         const double scale = i % 3 == 0 ? 1 : i % 3 == 1 ? 1e-18 : 1e18;
-        Array<float3> points;
-        for (uint n = 1 + random.below(8); n > 0; --n)
-            points.push_back(pointOf(shape, thin, scale, random));
+        Array<float3> points(1 + random.below(8));
+        double reach = 0;
+        for (float3& p : points) {
+            p = pointOf(shape, thin, scale, random);
+            reach = std::max<double>({reach, std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
+        }
         SCOPED_TRACE(testing::Message() << "shape " << shape << " thin " << thin << " case " << i);
 
         const Sphere sphere = computeBoundingSphere(points);
         const Reference best = smallestBall(points);
         const float3 c = sphere.getCenter();
         const Point off = Point{c.x, c.y, c.z} - best.center;
-        const double reach = largestCoordinate(points);
         // The radius is that of the rounded centre, and its square may be too small for a float.
         const double rounding = std::sqrt(static_cast<double>(dot(off, off)));
         const double radius = std::sqrt(static_cast<double>(best.squaredRadius));
@@ -193,20 +176,19 @@ TEST(BoundingSphere, LargeSetsHaveTheRadiusOfTheirShapeAtAnyThreadCount)
 {
     Random random(2);
     const uint count = 50003;
-    for (const Shape shape : {Circle, OnSphere, OffCenter})
-        for (const double thin : {0.0, 1e-8}) {
-            Array<float3> points;
-            for (uint i = 0; i < count; ++i)
-                points.push_back(pointOf(shape == OffCenter ? OnSphere : shape, thin, 1, random));
-            if (shape == OffCenter)
-                for (float3& p : points)
-                    p = {p.x + 16, p.y - 16, p.z};
-            expectEncloses(points, 1, 2e-6);
-        }
-    Array<float3> line;
+    Array<float3> points(count);
+    for (const float offset : {0.0f, 16.0f})
+        for (const Shape shape : {Circle, OnSphere})
+            for (const double thin : {0.0, 1e-8}) {
+                for (float3& p : points) {
+                    p = pointOf(shape, thin, 1, random);
+                    p.x += offset, p.y -= offset;
+                }
+                expectEncloses(points, 1, 2e-6);
+            }
     for (uint i = 0; i < count; ++i)
-        line.push_back({static_cast<float>(i % 20001), 0, 0});
-    expectEncloses(line, 10000, 0);
+        points[i] = {static_cast<float>(i % 20001), 0, 0};
+    expectEncloses(points, 10000, 0);
 }
 
 // A point counts as spanning a direction where its part in it is at least 2^-46 of the squared
@@ -214,20 +196,17 @@ TEST(BoundingSphere, LargeSetsHaveTheRadiusOfTheirShapeAtAnyThreadCount)
 TEST(BoundingSphere, PointsThatSpanTooLittleAreLeftOut)
 {
     // A third point too close to the line of the two farthest leaves their midpoint.
-    EXPECT_EQ(computeBoundingSphere({{0x1.cp-1f, -0x1.8p-23f, 0},
-                                     {1.5f, -0x1p-23f, 0x1.8p-24f},
-                                     {-1.5f, -0x1.8p-25f, -0x1.8p-23f},
-                                     {-1.5f, 0x1p-24f, -0x1.4p-25f}})
-                  .getCenter(),
-              (float3{0, -0x1p-25f, 0x1.cp-26f}));
+    const Array<float3> close{{0x1.cp-1f, -0x1.8p-23f, 0},
+                              {1.5f, -0x1p-23f, 0x1.8p-24f},
+                              {-1.5f, -0x1.8p-25f, -0x1.8p-23f},
+                              {-1.5f, 0x1p-24f, -0x1.4p-25f}};
+    EXPECT_EQ(computeBoundingSphere(close).getCenter(), (float3{0, -0x1p-25f, 0x1.cp-26f}));
     // A third point just far enough from it moves the centre.
-    EXPECT_EQ(computeBoundingSphere({{-0x1.8p-1f, 0x1.8p-22f, 0},
-                                     {1.75f, 0x1p-23f, 0x1p-22f},
-                                     {-1.75f, 0, 0},
-                                     {-1.75f, 0x1p-22f, 0}})
-                  .getCenter()
-                  .y,
-              0x1p-23f);
+    const Array<float3> farEnough{{-0x1.8p-1f, 0x1.8p-22f, 0},
+                                  {1.75f, 0x1p-23f, 0x1p-22f},
+                                  {-1.75f, 0, 0},
+                                  {-1.75f, 0x1p-22f, 0}};
+    EXPECT_EQ(computeBoundingSphere(farEnough).getCenter().y, 0x1p-23f);
 }
 
 TEST(BoundingSphere, EndsOnNumbersThatAreNotFinite)
@@ -236,11 +215,11 @@ TEST(BoundingSphere, EndsOnNumbersThatAreNotFinite)
     constexpr float kInf = std::numeric_limits<float>::infinity();
     Random random(3);
     for (int i = 0; i < 2000; ++i) {
-        Array<float3> points;
-        for (uint n = 1 + random.below(40); n > 0; --n)
-            points.push_back(pointOf(Loose, 1, 1, random));
+        Array<float3> points(1 + random.below(40));
+        for (float3& p : points)
+            p = pointOf(Loose, 1, 1, random);
         for (const float odd : {kNan, kInf, -kInf, 3e38f})
-            if (random.below(2) == 0)
+            if (random.oneIn(2))
                 (&points[random.below(static_cast<uint>(points.size()))].x)[random.below(3)] = odd;
         computeBoundingSphere(points);
     }

@@ -1,14 +1,15 @@
 #include "primitives/FarthestPoint.h"
 
+#include "support/Random.h"
 #include "support/Threads.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <random>
 
 using namespace Tessary;
+using TestSupport::Random;
 
 namespace {
 
@@ -22,11 +23,6 @@ FarthestPoint::Found reference(const Array<float3>& points, const Vector3d& cent
     }
     return found;
 }
-
-struct Random {
-    std::mt19937 bits;
-    double unit() { return bits() * 0x1p-31 - 1; }  // [-1, 1)
-};
 
 // Points of a set in which float can hardly tell who is farthest from `center`.
 struct Set {
@@ -63,10 +59,10 @@ void expectReference(const Set& set)
 
 TEST(FarthestPoint, IsThatOfAPlainLoopHoweverCloseOthersCome)
 {
-    Random random{};
+    Random random;
     for (int i = 0; i < 20000; ++i) {
         // Of few points, no rounding of one covers for that of another.
-        const uint count = i < 100 ? 30000 + random.bits() % 5000 : 1 + random.bits() % 3;
+        const uint count = i < 100 ? 30000 + random.below(5000) : 1 + random.below(3);
         const double radius = std::pow(10.0, 24 * random.unit());
         const double thickness = std::pow(10.0, -8 * (i % 2));
         const double offset = i % 3 == 0 ? 0 : radius * std::pow(10.0, 3 + 2 * random.unit());
@@ -77,11 +73,11 @@ TEST(FarthestPoint, IsThatOfAPlainLoopHoweverCloseOthersCome)
 
 TEST(FarthestPoint, OfEquallyFarOnesIsTheFirstAtAnyThreadCount)
 {
-    Random random{};
+    Random random;
     for (int i = 0; i < 20; ++i) {
         Set set = {Array<float3>(100000), {0.5, 0, 0}};
         for (int n = 1 + i % 4; n > 0; --n)
-            set.points[random.bits() % set.points.size()] = {i % 3 == 0 ? 1.5f : -1.0f, 1, 1};
+            set.points[random.below(100000)] = {i % 3 == 0 ? 1.5f : -1.0f, 1, 1};
         TestSupport::atSeveralThreadCounts([&](int) { expectReference(set); });
     }
 }
@@ -90,11 +86,11 @@ TEST(FarthestPoint, IsNoneThatIsNotANumber)
 {
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     constexpr float kInf = std::numeric_limits<float>::infinity();
-    Random random{};
+    Random random;
     for (const float odd : {kNan, kInf, -kInf, 3e38f}) {
         Set set = nearlyOnASphere(random, 30000, 1, 0.1, 0);
         for (uint n = 0; n < 3; ++n)
-            set.points[random.bits() % set.points.size()].y = odd;
+            set.points[random.below(30000)].y = odd;
         expectReference(set);
         set.center = {odd, 0, 0};
         expectReference(set);

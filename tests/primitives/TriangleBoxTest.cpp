@@ -26,6 +26,11 @@ float3 minus(const float3& a, const float3& b)
     return {a.x - b.x, a.y - b.y, a.z - b.z};
 }
 
+float3 cross(const float3& a, const float3& b)
+{
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
 // Thirteen tests one after the other, nothing left out.
 bool reference(const Case& t)
 {
@@ -35,7 +40,7 @@ bool reference(const Case& t)
     const float3 units[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     for (const float3& s : units)
         for (const float3& v : e) {
-            const float3 a = {s.y * v.z - s.z * v.y, s.z * v.x - s.x * v.z, s.x * v.y - s.y * v.x};
+            const float3 a = cross(s, v);
             float p[3];
             for (int i = 0; i < 3; ++i)
                 p[i] = a.x * u[i].x + a.y * u[i].y + a.z * u[i].z;
@@ -49,8 +54,7 @@ bool reference(const Case& t)
         if (-(h.*axis) > std::max(std::max(x0, x1), x2) || std::min(std::min(x0, x1), x2) > h.*axis)
             return false;
     }
-    const float3 n = {e[0].y * e[1].z - e[1].y * e[0].z, e[1].x * e[0].z - e[0].x * e[1].z,
-                      e[0].x * e[1].y - e[1].x * e[0].y};
+    const float3 n = cross(e[0], e[1]);
     return std::fabs(n.x) * h.x + std::fabs(n.y) * h.y + std::fabs(n.z) * h.z >=
            std::fabs(n.x * u[0].x + n.y * u[0].y + n.z * u[0].z);
 }
@@ -78,37 +82,26 @@ Case randomCase(std::mt19937& random)
     return t;
 }
 
-TEST(TriangleBox, EqualsTheThirteenTestsOneAfterTheOther)
-{
-    std::mt19937 random(1);
-    int overlaps = 0;
-    const int count = 400000;
-    for (int i = 0; i < count; ++i) {
-        const Case t = randomCase(random);
-        overlaps += t.overlaps() ? 1 : 0;
-        ASSERT_EQ(t.overlaps(), reference(t)) << "case " << i;
-    }
-    EXPECT_GT(overlaps, count / 20);
-    EXPECT_LT(overlaps, count / 2);
-}
-
-TEST(TriangleBox, EqualsThemOnInfiniteHugeAndTinyNumbersAndIsFalseOnNan)
+TEST(TriangleBox, EqualsTheThirteenTestsOneAfterTheOtherAndIsFalseOnNan)
 {
     constexpr float kInf = std::numeric_limits<float>::infinity();
     const float odd[] = {kInf, -kInf, 3e38f, -3e38f, 1e30f, 1e-38f, 1e-45f, -0.0f, 0.0f, 1e20f};
-    std::mt19937 random(2);
-    int overlaps = 0;
-    for (int i = 0; i < 400000; ++i) {
+    const int count = 800000;
+    std::mt19937 random(1);
+    int overlaps[2] = {0, 0};  // of usual numbers, and with odd ones
+    for (int i = 0; i < count; ++i) {
         Case t = randomCase(random);
-        for (uint n = 1 + random() % 6; n > 0; --n)
+        for (uint n = i % 2 == 0 ? 0 : 1 + random() % 6; n > 0; --n)
             *numbersOf(t)[random() % 15] = odd[random() % std::size(odd)];
-        overlaps += t.overlaps() ? 1 : 0;
+        overlaps[i % 2] += t.overlaps() ? 1 : 0;
         ASSERT_EQ(t.overlaps(), reference(t)) << "case " << i;
         *numbersOf(t)[random() % 15] = std::numeric_limits<float>::quiet_NaN();
         ASSERT_FALSE(t.overlaps()) << "case " << i;
         ASSERT_FALSE(reference(t)) << "case " << i;
     }
-    EXPECT_GT(overlaps, 1000);
+    EXPECT_GT(overlaps[0], count / 40);
+    EXPECT_LT(overlaps[0], count / 4);
+    EXPECT_GT(overlaps[1], 1000);
 }
 
 TEST(TriangleBox, TouchingCountsAndEdgesSeparate)

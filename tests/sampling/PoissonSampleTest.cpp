@@ -1,7 +1,6 @@
 #include "sampling/SamplingCases.h"
+#include "support/Cancellation.h"
 
-#include <KOR/ExceptionMessage.h>
-#include <Pelon/Job.h>
 #include <Pelon/RuntimeServices.h>
 
 #include <vector>
@@ -59,8 +58,11 @@ MutablePtr<Object> without(const MutablePtr<Object>& mesh, const String& name)
     return mesh;
 }
 
-TEST(PoissonSample, RefusesInOneLineAndLeavesTheOutputAlone)
+TEST(PoissonSample, RefusesInOneLineOrSilentlyWithoutPointsAndLeavesTheOutputAlone)
 {
+    EXPECT_EQ(messagesOf(1, *Korvane::createObject()), "");
+    EXPECT_EQ(messagesOf(1, *objectOf({{}, {0, 1, 2}})), "");
+
     const auto triangle = objectOf(unitTriangles(1));
     const std::string distance =
         "1 min_distance must be greater than zero in poissonSampleTriMesh\n";
@@ -94,12 +96,6 @@ TEST(PoissonSample, CountsTheFacesOfTheComponentIn64Bits)
     const MutablePtr<Object> out = Korvane::createObject();
     Tessary::poissonSampleTriMesh(0.1f, 3, *plain, *out, nullptr);
     expectSame(resultOf(*out), LiteralSampling::sample(unitTriangles(2), 0.1f, 3));
-}
-
-TEST(PoissonSample, AMeshWithoutPointsIsLeftInSilence)
-{
-    EXPECT_EQ(messagesOf(1, *Korvane::createObject()), "");
-    EXPECT_EQ(messagesOf(1, *objectOf({{}, {0, 1, 2}})), "");
 }
 
 void expectProperty(const Object& out, const String& name, const String& component)
@@ -155,27 +151,20 @@ TEST(PoissonSample, OverwritesWhatTheOutputHeldAndCopiesWhatIsShared)
 // Loops over one element are never polled, all others once they are over.
 TEST(PoissonSample, ACancelledJobThrowsAndLeavesTheOutputAlone)
 {
-    Pelon::Job job;
-    const Pelon::JobScope scope(job);
-    job.cancel();
-    const auto sample = [](uint triangles, float distance) {
+    const auto ends = [](uint triangles, float distance) {
         const MutablePtr<Object> out = marked();
-        try {
-            Tessary::poissonSampleTriMesh(distance, 1, *objectOf(unitTriangles(triangles)), *out,
-                                          nullptr);
-        } catch (const std::runtime_error& error) {
-            EXPECT_STREQ(error.what(), KOR::exceptionMessage.c_str());
-            EXPECT_TRUE(isUntouched(*out));
-            return false;
-        }
-        EXPECT_TRUE(out->hasProperty("weight"));
-        return true;
+        const auto mesh = objectOf(unitTriangles(triangles));
+        const bool ended = endsWhenCancelled(
+            [&] { Tessary::poissonSampleTriMesh(distance, 1, *mesh, *out, nullptr); });
+        EXPECT_EQ(isUntouched(*out), ended);
+        EXPECT_EQ(out->hasProperty("weight"), !ended);
+        return ended;
     };
-    EXPECT_FALSE(sample(2, 100));   // no candidates
-    EXPECT_TRUE(sample(1, 100));    // no loop at all
-    EXPECT_TRUE(sample(1, 1.5f));   // one candidate
-    EXPECT_FALSE(sample(1, 1.1f));  // two
-    EXPECT_TRUE(sample(0, 1));
+    EXPECT_TRUE(ends(2, 100));    // no candidates
+    EXPECT_FALSE(ends(1, 100));   // no loop at all
+    EXPECT_FALSE(ends(1, 1.5f));  // one candidate
+    EXPECT_TRUE(ends(1, 1.1f));   // two
+    EXPECT_FALSE(ends(0, 1));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "support/LiteralSweeps.h"
+#include "support/Random.h"
 
 #include <Tessary/Solver.h>
 #include <gtest/gtest.h>
@@ -6,11 +7,11 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <random>
 
 using Pelon::Array;
 using Tessary::Multicollider;
 using Tessary::uint;
+using TestSupport::Random;
 using float3 = Multicollider::float3;
 using Side = Multicollider::Side;
 
@@ -40,26 +41,15 @@ void expectSame(const Multicollider& a, const Multicollider& b)
     EXPECT_TRUE(isSame(a.pairLambdas.data(), b.pairLambdas.data(), a.pairLambdas.size()));
 }
 
-class Numbers {
-public:
-    explicit Numbers(std::uint32_t seed) : m_bits(seed) {}
-    uint below(uint n) { return m_bits() % n; }
-    float unit() { return static_cast<float>(m_bits()) * 0x1p-31f - 1.0f; }
-    float3 vector() { return {unit(), unit(), unit()}; }
-
-private:
-    std::mt19937 m_bits;
-};
-
 // Mostly `usual`; now and then a number at which arithmetic turns.
-float nowAndThenOdd(Numbers& random, uint oneIn, float usual)
+float nowAndThenOdd(Random& random, uint oneIn, float usual)
 {
     const float odd[] = {0,   -0.0f, 1e-40f, -3e38f, 3e38f, std::numeric_limits<float>::infinity(),
                          kNan};
-    return random.below(oneIn) == 0 ? odd[random.below(random.below(4) == 0 ? 7 : 3)] : usual;
+    return random.oneIn(oneIn) ? odd[random.below(random.oneIn(4) ? 7 : 3)] : usual;
 }
 
-float3 vectorOf(Numbers& random, uint oneIn)
+float3 vectorOf(Random& random, uint oneIn)
 {
     const float3 v = random.vector();
     return {nowAndThenOdd(random, oneIn, v.x), nowAndThenOdd(random, oneIn, v.y),
@@ -68,30 +58,30 @@ float3 vectorOf(Numbers& random, uint oneIn)
 
 Bare randomProblem(std::uint32_t seed)
 {
-    Numbers random(seed);
+    Random random(seed);
     Bare s;
-    const uint oneIn = random.below(2) == 0 ? 1000 : 12;
+    const uint oneIn = random.oneIn(2) ? 1000 : 12;
     const uint pushes = random.below(5);
-    for (uint g = random.below(random.below(2) == 0 ? 4 : 16); g > 0; --g) {
-        const float w = random.below(4) == 0 ? 0.0f : 1.0f + random.unit();
+    for (uint g = random.below(random.oneIn(2) ? 4 : 16); g > 0; --g) {
+        const float w = random.oneIn(4) ? 0 : 1 + random.coordinate();
         s.addCollider(nowAndThenOdd(random, oneIn, w), vectorOf(random, oneIn));
         for (uint c = random.below(4); c > 0; --c)
             s.addContact(vectorOf(random, oneIn));
     }
-    s.preparePairs(Side::Behind, random.below(2) == 0 ? 1.0f : 0.7f);
+    s.preparePairs(Side::Behind, random.oneIn(2) ? 1.0f : 0.7f);
     for (std::size_t k = 0; k < s.pairLambdas.size(); ++k) {
-        if (random.below(2) == 0)
+        if (random.oneIn(2))
             s.setSide(k, Side::Ahead);
         if (random.below(4) >= pushes)
             s.ignore(k);
         if (random.below(4) < pushes / 2)
-            s.pairLambdas[k] = random.unit();
+            s.pairLambdas[k] = random.coordinate();
         s.pairScales[k] = nowAndThenOdd(random, 8 * oneIn, s.pairScales[k]);
-        if (random.below(64) == 0)
+        if (random.oneIn(64))
             s.pairScales[k] = -1.0f;
     }
     s.fallbackDisplacement = {7, 8, 9};
-    s.tolerance = random.below(8) == 0 ? 0.0f : random.below(16) == 0 ? -1.0f : 1e-3f;
+    s.tolerance = random.oneIn(8) ? 0.0f : random.oneIn(16) ? -1.0f : 1e-3f;
     s.maxIterations = random.below(30);
     return s;
 }
@@ -213,7 +203,7 @@ uint sweepsOf(const Multicollider& problem)
 
 TEST(Multicollider, AWarmStartEndsWhereAColdOneDoesInFewerSweeps)
 {
-    Numbers random(5);
+    Random random(5);
     Bare s;
     for (int g = 0; g < 12; ++g) {
         s.addCollider(1.0f, random.vector());
@@ -224,7 +214,7 @@ TEST(Multicollider, AWarmStartEndsWhereAColdOneDoesInFewerSweeps)
     s.maxIterations = 10000;
     ASSERT_TRUE(s.solve());
     for (float3& D : s.freeDisplacements)
-        D.x += 1e-4f * random.unit();
+        D.x += 1e-4f * random.coordinate();
     Bare cold = s;
     cold.withdrawPushes();
     EXPECT_LT(2 * sweepsOf(s), sweepsOf(cold));

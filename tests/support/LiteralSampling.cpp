@@ -9,6 +9,7 @@
 #include <tbb/parallel_sort.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -66,29 +67,33 @@ struct Rotation {
     }
 };
 
+float triangleArea(const float3& p0, const float3& p1, const float3& p2)
+{
+    float3 e1{p1.x - p0.x, p1.y - p0.y, p1.z - p0.z};
+    float3 e2{p2.x - p0.x, p2.y - p0.y, p2.z - p0.z};
+    const Rotation first(e1.y, e1.z);
+    first.turnPair(e1.y, e1.z);
+    first.turnPartner(e2.y, e2.z);
+    const Rotation second(e1.x, e1.y);
+    second.turnPair(e1.x, e1.y);
+    second.turnPartner(e2.x, e2.y);
+    Rotation(e2.y, e2.z).turnPair(e2.y, e2.z);
+    return std::fabs((e1.x * 0.5f) * e2.y);
+}
+
 void moveOrKeep(uint slot, float q, std::vector<uint>& small, std::vector<uint>& large)
 {
     (1.0f > q ? small : large).push_back(slot);
 }
 
-struct Cell {
-    std::int32_t x, y, z;
-
-    bool operator==(const Cell& o) const { return x == o.x && y == o.y && z == o.z; }
-    bool operator<(const Cell& o) const
-    {
-        return x != o.x ? x < o.x : y != o.y ? y < o.y : z < o.z;
-    }
-};
+using Cell = std::array<std::int32_t, 3>;
 
 struct HashOfCell {
     std::size_t operator()(const Cell& cell) const
     {
         constexpr std::uint64_t k = 0x9E3779B97F4A7C15u;
-        const auto extended = [](std::int32_t a) {
-            return static_cast<std::uint64_t>(static_cast<std::int64_t>(a));
-        };
-        return (extended(cell.x) * k) ^ (((extended(cell.z) * k) ^ (extended(cell.y) * k)) * k);
+        const auto extended = [](std::int32_t a) { return static_cast<std::uint64_t>(a); };
+        return (extended(cell[0]) * k) ^ (((extended(cell[2]) * k) ^ (extended(cell[1]) * k)) * k);
     }
 };
 
@@ -113,8 +118,8 @@ Point binned(std::uint64_t id, const float3& p, float inverseSize)
     const float x = inverseSize * p.x, y = inverseSize * p.y, z = inverseSize * p.z;
     const Cell cell{cellCoordinate(x), cellCoordinate(y), cellCoordinate(z)};
     return {id,
-            {x - static_cast<float>(cell.x), y - static_cast<float>(cell.y),
-             z - static_cast<float>(cell.z)},
+            {x - static_cast<float>(cell[0]), y - static_cast<float>(cell[1]),
+             z - static_cast<float>(cell[2])},
             cell,
             0x8000};
 }
@@ -124,7 +129,7 @@ Cell neighbourOf(const Cell& cell, int dx, int dy, int dz)
     const auto add = [](std::int32_t a, int b) {
         return static_cast<std::int32_t>(static_cast<uint>(a) + static_cast<uint>(b));
     };
-    return {add(cell.x, dx), add(cell.y, dy), add(cell.z, dz)};
+    return {add(cell[0], dx), add(cell[1], dy), add(cell[2], dz)};
 }
 
 class Bins {
@@ -204,6 +209,17 @@ uint rotatedLeft(uint a, int bits)
     return a << bits | a >> (32 - bits);
 }
 
+uint counterHash(uint word, uint seed)
+{
+    uint acc = seed + 0x165667B5u + word * 0xC2B2AE3Du;
+    acc = rotatedLeft(acc, 17) * 0x27D4EB2Fu;
+    acc ^= acc >> 15;
+    acc *= 0x85EBCA77u;
+    acc ^= acc >> 13;
+    acc *= 0xC2B2AE3Du;
+    return acc ^ acc >> 16;
+}
+
 Samples samplesOf(std::size_t count)
 {
     return {Array<float>(3 * count), Array<float3>(count), Array<uint>(count)};
@@ -217,21 +233,42 @@ void copySample(const Samples& from, std::size_t k, Samples& to, std::size_t w)
     to.faceIds[w] = from.faceIds[k];
 }
 
-}  // namespace
-
-float triangleArea(const float3& p0, const float3& p1, const float3& p2)
+void compact(const Array<unsigned char>& rejected, Samples& samples)
 {
-    float3 e1{p1.x - p0.x, p1.y - p0.y, p1.z - p0.z};
-    float3 e2{p2.x - p0.x, p2.y - p0.y, p2.z - p0.z};
-    const Rotation first(e1.y, e1.z);
-    first.turnPair(e1.y, e1.z);
-    first.turnPartner(e2.y, e2.z);
-    const Rotation second(e1.x, e1.y);
-    second.turnPair(e1.x, e1.y);
-    second.turnPartner(e2.x, e2.y);
-    Rotation(e2.y, e2.z).turnPair(e2.y, e2.z);
-    return std::fabs((e1.x * 0.5f) * e2.y);
+    std::size_t w = 0;
+    for (std::size_t k = 0; k < samples.faceIds.size(); ++k)
+        if ((rejected.empty() || !rejected[k]) && w != k)
+            copySample(samples, k, samples, w++);
+    samples.weights.resize(3 * w);
+    samples.positions.resize(w);
+    samples.faceIds.resize(w);
 }
+
+Samples groupByFace(const Samples& samples)
+{
+    std::vector<std::pair<uint, uint>> order(samples.faceIds.size());
+    for (std::size_t k = 0; k < order.size(); ++k)
+        order[k] = {samples.faceIds[k], static_cast<uint>(k)};
+    tbb::parallel_sort(order.begin(), order.end());
+    Samples grouped = samplesOf(order.size());
+    parallelFor(order.size(),
+                [&](std::size_t j) { copySample(samples, order[j].second, grouped, j); });
+    return grouped;
+}
+
+Array<uint> faceOffsets(const Array<uint>& faceIds, uint faceCount)
+{
+    Array<uint> offset(std::size_t{faceCount} + 1);
+    uint current = 0;
+    for (std::size_t j = 0; j < faceIds.size(); ++j)
+        while (current < faceIds[j])
+            offset[++current] = static_cast<uint>(j);
+    while (current < faceCount)
+        offset[++current] = static_cast<uint>(faceIds.size());
+    return offset;
+}
+
+}  // namespace
 
 Array<float> triangleAreas(const Mesh& mesh)
 {
@@ -308,19 +345,14 @@ uint candidateCount(float total, float distance)
     return count < 0x1p63f ? static_cast<uint>(static_cast<std::uint64_t>(count)) : 0;
 }
 
-uint counterHash(uint word, uint seed)
+Samples drawCandidates(const Mesh& mesh, float distance, uint seed)
 {
-    uint acc = seed + 0x165667B5u + word * 0xC2B2AE3Du;
-    acc = rotatedLeft(acc, 17) * 0x27D4EB2Fu;
-    acc ^= acc >> 15;
-    acc *= 0x85EBCA77u;
-    acc ^= acc >> 13;
-    acc *= 0xC2B2AE3Du;
-    return acc ^ acc >> 16;
-}
-
-Samples drawCandidates(const Mesh& mesh, const AliasTable& table, uint count, uint seed)
-{
+    const Array<float> areas = triangleAreas(mesh);
+    const float total = totalArea(areas);
+    const uint count = candidateCount(total, distance);
+    if (count == 0)
+        return {};
+    const AliasTable table = aliasTable(areas, total);
     Samples drawn = samplesOf(count);
     const uint mask = static_cast<uint>(table.alias.size() - 1);
     parallelFor(count, [&](std::size_t i) {
@@ -361,52 +393,14 @@ Array<unsigned char> reject(const Array<float3>& positions, float distance,
     return rejected;
 }
 
-void compact(const Array<unsigned char>& rejected, Samples& samples)
-{
-    std::size_t w = 0;
-    for (std::size_t k = 0; k < samples.faceIds.size(); ++k)
-        if ((rejected.empty() || !rejected[k]) && w != k)
-            copySample(samples, k, samples, w++);
-    samples.weights.resize(3 * w);
-    samples.positions.resize(w);
-    samples.faceIds.resize(w);
-}
-
-Samples groupByFace(const Samples& samples)
-{
-    std::vector<std::pair<uint, uint>> order(samples.faceIds.size());
-    for (std::size_t k = 0; k < order.size(); ++k)
-        order[k] = {samples.faceIds[k], static_cast<uint>(k)};
-    tbb::parallel_sort(order.begin(), order.end());
-    Samples grouped = samplesOf(order.size());
-    parallelFor(order.size(),
-                [&](std::size_t j) { copySample(samples, order[j].second, grouped, j); });
-    return grouped;
-}
-
-Array<uint> faceOffsets(const Array<uint>& faceIds, uint faceCount)
-{
-    Array<uint> offset(std::size_t{faceCount} + 1);
-    uint current = 0;
-    for (std::size_t j = 0; j < faceIds.size(); ++j)
-        while (current < faceIds[j])
-            offset[++current] = static_cast<uint>(j);
-    while (current < faceCount)
-        offset[++current] = static_cast<uint>(faceIds.size());
-    return offset;
-}
-
 Result sample(const Mesh& mesh, float distance, uint seed)
 {
-    Samples samples;
-    const Array<float> areas = triangleAreas(mesh);
-    const float total = totalArea(areas);
-    if (const uint count = candidateCount(total, distance)) {
-        samples = drawCandidates(mesh, aliasTable(areas, total), count, seed);
+    Samples samples = drawCandidates(mesh, distance, seed);
+    if (samples.faceIds.size() > 0)
         compact(reject(samples.positions, distance), samples);
-    }
     samples = groupByFace(samples);
-    Array<uint> offset = faceOffsets(samples.faceIds, static_cast<uint>(areas.size()));
+    const uint faces = static_cast<uint>(mesh.faceVertex.size() / 3);
+    Array<uint> offset = faceOffsets(samples.faceIds, faces);
     return {std::move(samples), std::move(offset)};
 }
 

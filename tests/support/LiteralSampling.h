@@ -37,23 +37,17 @@ struct Result {
     Array<uint> faceOffset;
 };
 
-// The steps.
-float triangleArea(const float3& p0, const float3& p1, const float3& p2);
 Array<float> triangleAreas(const Mesh& mesh);
 float totalArea(const Array<float>& areas);
 AliasTable aliasTable(const Array<float>& areas, float total);
 uint candidateCount(float total, float distance);
-uint counterHash(uint word, uint seed);
-Samples drawCandidates(const Mesh& mesh, const AliasTable& table, uint count, uint seed);
+Samples drawCandidates(const Mesh& mesh, float distance, uint seed);
 /// 1 for every candidate that an earlier survivor or a fixed point eliminates; empty where the
 /// distance is too small for a grid.
 Array<unsigned char> reject(const Array<float3>& positions, float distance,
                             const Array<float3>& fixedPoints = {});
-void compact(const Array<unsigned char>& rejected, Samples& samples);
-Samples groupByFace(const Samples& samples);
-Array<uint> faceOffsets(const Array<uint>& faceIds, uint faceCount);
 
-/// All of them.
+/// All steps.
 Result sample(const Mesh& mesh, float distance, uint seed);
 
 }  // namespace LiteralSampling
