@@ -6,7 +6,6 @@
 #include <cmath>
 
 using namespace TestSupport;
-using Korvane::Math::float2;
 
 namespace {
 
@@ -75,28 +74,6 @@ TEST(CutMesh, ThePartsOfAQuadShareItsFaceValueAndAnIndexOnItsDiagonal)
                            0, 6, 8, 9, 2, 10, 8, 6, 3, 9, 8, 10}));
     EXPECT_EQ(entryOf<Mode>(*cut.target, "p", Geometry::sInterp), Mode::Linear);
     EXPECT_EQ(entryOf<String>(*cut.target, "p", Geometry::sTarget), "p range");
-}
-
-TEST(CutMesh, AnIndexSeamTakesTheValueOfTheTriangleThatCameFirst)
-{
-    CutCase cut = cutCase(polygonsOf(4, {{0, 1, 2}, {2, 1, 3}}));
-    addIndexed<float>(*cut.source, "p", Geometry::sFaceVertexComp, {0, 1, 2, 3, 4, 5},
-                      shared<float>({0, 1, 2, 100, 101, 102}));
-    cut.interpolate();
-    const Array<uint> indices = *rangeOf(*cut.target, "p range");
-    EXPECT_EQ(indices[4 * 3 + 1], indices[4 * 1 + 1]);
-    EXPECT_EQ((*dataOf<float>(*cut.target, "p"))[indices[4 * 3 + 1]], 1.5f);
-}
-
-TEST(CutMesh, TheDiagonalOfAnotherPolygonIsNoNeighbour)
-{
-    // The triangle's edge 0-2 lies on the diagonal of the quad, as corner 3 runs from 0 to 2.
-    CutCase cut = cutCase(polygonsOf(5, {{0, 1, 2, 3}, {2, 0, 4}}));
-    addIndexed<int>(*cut.source, "p", Geometry::sFaceVertexComp, Array<uint>(7), shared({1}));
-    cut.interpolate();
-    const Array<uint> indices = *rangeOf(*cut.target, "p range");
-    EXPECT_NE(indices[4 * 6 + 1], indices[4 * 3 + 1]);
-    EXPECT_EQ(dataOf<int>(*cut.target, "p")->size(), 1u + 7 + 4);
 }
 
 TEST(CutMesh, UncutPointsAreOnlyIndexedAgain)
@@ -176,29 +153,6 @@ TEST(CutMesh, PassesOverGeometryAndTakesRenderSettingsAsTheyAre)
         expected.push_back(name);
     EXPECT_EQ(cut.target->propertyNames(), expected);
     EXPECT_EQ(*cut.target->getProperty(Geometry::sRenderSettings).get<int>(), 42);
-}
-
-TEST(CutMesh, ConstantsStayAndLinearFunctionsOfPositionAreReproduced)
-{
-    CutCase cut = cutCase(randomPolygonPatch(3), 0.3f, {0.2f, 0.3f, 0.5f});
-    std::mt19937 random(1);
-    const auto positions = makeMutable<Array<float2>>(cut.polygons.pointCount);
-    const auto linear = makeMutable<Array<double>>(cut.polygons.pointCount);
-    for (uint p = 0; p < positions->size(); ++p) {
-        const float2 at{float(random() % 100), float(random() % 100)};
-        (*positions)[p] = at;
-        (*linear)[p] = 3.0 * at.x - 2.0 * at.y + 1;
-    }
-    Geometry::addDataGeoProperty<float2>(*cut.source, "position", Geometry::sPointComp, positions);
-    Geometry::addDataGeoProperty<double>(*cut.source, "linear", Geometry::sPointComp, linear);
-    Geometry::addDataGeoProperty<float>(*cut.source, "one", Geometry::sPointComp,
-                                        makeMutable<Array<float>>(positions->size(), 1.f));
-    cut.interpolate();
-    for (uint i = 0; i < cut.ids.size(); ++i) {
-        const float2 at = (*dataOf<float2>(*cut.target, "position"))[i];
-        ASSERT_NEAR((*dataOf<double>(*cut.target, "linear"))[i], 3.0 * at.x - 2.0 * at.y + 1, 1e-3);
-        ASSERT_NEAR((*dataOf<float>(*cut.target, "one"))[i], 1, 1e-6);
-    }
 }
 
 // Indexed properties are filled one value after the other and do not look for cancellation.

@@ -1,19 +1,15 @@
-#include <Korvane/ElementTypes.h>
-#include <Korvane/Object.h>
-#include <Pelon/Any.h>
+#include "support/MeshBuilding.h"
 
+#include <Korvane/ElementTypes.h>
+#include <Pelon/Any.h>
 #include <gtest/gtest.h>
 
 #include <set>
-#include <string>
 
 namespace {
 
+using namespace TestSupport;
 using Pelon::Any;
-using Pelon::Array;
-using Pelon::makeMutable;
-using Pelon::Ptr;
-using Pelon::String;
 
 TEST(Any, GivesBackOnlyTheTypeThatItHolds)
 {
@@ -24,13 +20,11 @@ TEST(Any, GivesBackOnlyTheTypeThatItHolds)
     EXPECT_FALSE(value.empty());
     EXPECT_EQ(*value.get<int>(), 7);
     EXPECT_EQ(value.get<unsigned>(), nullptr);
-    EXPECT_EQ(value.get<float>(), nullptr);
-
     const Any copy = value;
     *value.get<int>() = 8;
     EXPECT_EQ(*copy.get<int>(), 7);
     value = String("text");
-    EXPECT_EQ(*value.get<String>(), String("text"));
+    EXPECT_EQ(*value.get<String>(), "text");
     EXPECT_EQ(value.get<int>(), nullptr);
 }
 
@@ -41,9 +35,7 @@ TEST(Any, HoldsAModifiablePointerAsASharedOneAndSharesOnCopy)
     const auto* const held = value.get<Ptr<Array<int>>>();
     ASSERT_NE(held, nullptr);
     EXPECT_EQ(held->get(), array.get());
-    EXPECT_EQ(value.get<Pelon::MutablePtr<Array<int>>>(), nullptr);
-    EXPECT_EQ(value.get<Ptr<Array<unsigned>>>(), nullptr);
-
+    EXPECT_EQ(value.get<MutablePtr<Array<int>>>(), nullptr);
     const Any copy = value;
     EXPECT_EQ(array.useCount(), 3u);
 }

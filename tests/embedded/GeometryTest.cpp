@@ -1,43 +1,25 @@
-#include <Korvane/Geometry.h>
+#include "support/MeshBuilding.h"
 
+#include <Korvane/Geometry.h>
 #include <gtest/gtest.h>
 
 namespace {
 
+using namespace TestSupport;
 using namespace Korvane::Geometry;
 using Korvane::createObject;
-using Korvane::Object;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::makeMutable;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
-
-template <class T>
-Ptr<Array<T>> shared(Array<T> values)
-{
-    return makeMutable<Array<T>>(std::move(values));
-}
 
 //  3---2     one quad; "temperature" is a plain property on points, "uv" holds two values that the
 //  |   |     corners address through the range property "uv_index"
 //  0---1
-Pelon::MutablePtr<Object> quad()
+MutablePtr<Object> quad()
 {
     const auto mesh = makeMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {0, 4}, {0, 1, 2, 3});
     addDataGeoProperty<float>(*mesh, "temperature", sPointComp, shared<float>({1, 2, 3, 4}), 9,
-                              Common::DataInterpolationMode::Constant);
+                              Mode::Constant);
     addRangeGeoProperty(*mesh, "uv_index", sFaceVertexComp, shared<uint>({0, 1, 1, 0}));
     addDataGeoProperty<int>(*mesh, "uv", "uv_index", shared<int>({5, 6}));
     return mesh;
-}
-
-template <class T>
-T entry(const Object& object, const String& name)
-{
-    const Pelon::Any value = object.getProperty(name);
-    return value.get<T>() ? *value.get<T>() : T();
 }
 
 TEST(Geometry, AMeshHasItsTopologyAndMatchingCounts)
@@ -79,13 +61,11 @@ TEST(Geometry, ElementCountsBelongToComponentsAlone)
 TEST(Geometry, DataPropertiesShareTheirArrayAndAnswerOnlyToTheirType)
 {
     const auto mesh = quad();
-    const Ptr<Object> property = getDataGeoProperty(*mesh, "temperature");
-    ASSERT_TRUE(property);
-    EXPECT_EQ(entry<float>(*property, sDefault), 9.0f);
-    EXPECT_EQ(entry<Common::DataInterpolationMode>(*property, sInterp),
-              Common::DataInterpolationMode::Constant);
-    EXPECT_EQ(entry<String>(*property, sTarget), sPointComp);
-    EXPECT_TRUE(entry<Ptr<Array<String>>>(*property, sDependsOn)->empty());
+    ASSERT_TRUE(getDataGeoProperty(*mesh, "temperature"));
+    EXPECT_EQ(entryOf<float>(*mesh, "temperature", sDefault), 9.0f);
+    EXPECT_EQ(entryOf<Mode>(*mesh, "temperature", sInterp), Mode::Constant);
+    EXPECT_EQ(entryOf<String>(*mesh, "temperature", sTarget), sPointComp);
+    EXPECT_TRUE(entryOf<Ptr<Array<String>>>(*mesh, "temperature", sDependsOn)->empty());
     EXPECT_EQ(*dataArray<float>(*mesh, "temperature"), (Array<float>{1, 2, 3, 4}));
     EXPECT_FALSE(dataArray<double>(*mesh, "temperature"));
     EXPECT_FALSE(dataArray<uint>(*mesh, "uv_index"));
@@ -107,36 +87,30 @@ TEST(Geometry, RangePropertiesHoldIndicesAndATarget)
     EXPECT_TRUE(empty->propertyNames().empty());
 }
 
-TEST(Geometry, TargetsAreFollowedToTheComponent)
+TEST(Geometry, TargetsAreFollowedToTheComponentAndCirclesHaveNone)
 {
     const auto mesh = quad();
-    EXPECT_EQ(getTargetComponent(*mesh, "temperature"), sPointComp);
-    EXPECT_EQ(getTargetChain(*mesh, "temperature"), Array<String>());
-    EXPECT_EQ(getTargetComponent(*mesh, "uv"), sFaceVertexComp);
-    EXPECT_EQ(getTargetChain(*mesh, "uv"), (Array<String>{"uv_index"}));
-
-    addDataGeoProperty<int>(*mesh, "deep", "uv", shared<int>({1}));
-    EXPECT_EQ(getTargetComponent(*mesh, "deep"), sFaceVertexComp);
-    EXPECT_EQ(getTargetChain(*mesh, "deep"), (Array<String>{"uv", "uv_index"}));
-
-    addDataGeoProperty<int>(*mesh, "lost", "edge_component", shared<int>({1}));
-    EXPECT_EQ(getTargetComponent(*mesh, "lost"), String("edge_component"));
-    EXPECT_EQ(getTargetComponent(*mesh, "nothing"), String());
-    EXPECT_EQ(getTargetComponent(*mesh, sPointComp), String());
-}
-
-TEST(Geometry, CirclesOfTargetsEndWithoutAComponent)
-{
-    const auto mesh = quad();
-    const auto add = [&](const char* name, const char* target) {
+    for (const auto& [name, target] : {std::pair{"deep", "uv"},
+                                       {"lost", "edge_component"},
+                                       {"self", "self"},
+                                       {"a", "b"},
+                                       {"b", "a"},
+                                       {"lead-in", "a"}})
         addDataGeoProperty<int>(*mesh, name, target, shared<int>({1}));
-    };
-    add("self", "self");
-    add("a", "b");
-    add("b", "a");
-    add("lead-in", "a");
-    for (const char* name : {"self", "a", "b", "lead-in"})
-        EXPECT_EQ(getTargetComponent(*mesh, name), String()) << name;
+    const struct {
+        String name, component;
+        Array<String> chain;
+    } cases[] = {{"temperature", sPointComp, {}},
+                 {"uv", sFaceVertexComp, {"uv_index"}},
+                 {"deep", sFaceVertexComp, {"uv", "uv_index"}}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(getTargetComponent(*mesh, c.name), c.component);
+        EXPECT_EQ(getTargetChain(*mesh, c.name), c.chain);
+    }
+    EXPECT_EQ(getTargetComponent(*mesh, "lost"), "edge_component");
+    for (const String& name : {String("nothing"), sPointComp, String("self"), String("a"),
+                               String("b"), String("lead-in")})
+        EXPECT_EQ(getTargetComponent(*mesh, name), "") << name.c_str();
 }
 
 TEST(Geometry, APointCloudIsItsPositions)

@@ -1,22 +1,12 @@
-#include <Korvane/Object.h>
+#include "support/MeshBuilding.h"
 
+#include <Korvane/Object.h>
 #include <gtest/gtest.h>
 
 namespace {
 
-using Korvane::Object;
+using namespace TestSupport;
 using Pelon::Any;
-using Pelon::Array;
-using Pelon::makeMutable;
-using Pelon::Ptr;
-using Pelon::String;
-
-int intAt(const Object& object, Pelon::StringView name)
-{
-    const Any value = object.getProperty(name);
-    const int* const number = value.get<int>();
-    return number ? *number : -1;
-}
 
 TEST(Object, KeepsValuesUnderTheirNamesInTheOrderOfFirstInsertion)
 {
@@ -29,8 +19,8 @@ TEST(Object, KeepsValuesUnderTheirNamesInTheOrderOfFirstInsertion)
     object.storeProperty("c", 3);
     object.setProperty("b", 4);
     EXPECT_EQ(object.propertyNames(), (Array<String>{"b", "a", "c"}));
-    EXPECT_EQ(intAt(object, "b"), 4);
-    EXPECT_EQ(intAt(object, "c"), 3);
+    EXPECT_EQ(*object.getProperty("b").get<int>(), 4);
+    EXPECT_EQ(*object.getProperty("c").get<int>(), 3);
 
     object.setProperty("a", Any());
     EXPECT_FALSE(object.hasProperty("a"));

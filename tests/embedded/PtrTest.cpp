@@ -1,6 +1,6 @@
-#include <Pelon/Array.h>
-#include <Pelon/Ptr.h>
+#include "support/MeshBuilding.h"
 
+#include <Pelon/Ptr.h>
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -8,10 +8,7 @@
 
 namespace {
 
-using Pelon::Array;
-using Pelon::makeMutable;
-using Pelon::MutablePtr;
-using Pelon::Ptr;
+using namespace TestSupport;
 
 struct Witness {
     int* destroyed;
@@ -55,7 +52,6 @@ TEST(Ptr, TheLastReferenceDestroysTheObjectOnceWhicheverThreadHoldsIt)
         shared = nullptr;
         for (std::thread& thread : threads)
             thread.join();
-        threads.clear();
         EXPECT_EQ(destroyed, round + 1);
     }
 }

@@ -172,56 +172,17 @@ TEST(Multicollider, SolveTellsWhetherItConvergedAndLeavesTheFallbackIfNot)
 
 TEST(Multicollider, FewCollidersAndNoContactsChangeNothing)
 {
-    Bare s;
-    s.maxIterations = 0;
-    EXPECT_TRUE(s.solve());
-    s.addCollider(1, {1, 2, 3});
-    s.addContact({1, 0, 0});
-    s.preparePairs();
-    EXPECT_TRUE(s.solve());
-    EXPECT_EQ(s.displacements, (Array<float3>{{1, 2, 3}}));
-
-    Bare none;
-    none.addCollider(1, {1, 0, 0});
-    none.addCollider(1, {2, 0, 0});
-    none.preparePairs();
-    none.maxIterations = 1;
-    EXPECT_TRUE(none.solve());
-    EXPECT_EQ(none.displacements, none.freeDisplacements);
-}
-
-// How many sweeps a solve takes until it converges.
-uint sweepsOf(const Multicollider& problem)
-{
-    for (uint sweeps = 1;; ++sweeps) {
-        Multicollider s = problem;
-        s.maxIterations = sweeps;
-        if (s.solve() || sweeps == 10000)
-            return sweeps;
+    for (const uint colliders : {0, 1, 2}) {
+        Bare s;
+        for (uint g = 0; g < colliders; ++g)
+            s.addCollider(1, {1, 2, 3});
+        if (colliders == 1)
+            s.addContact({1, 0, 0});
+        s.preparePairs();
+        s.maxIterations = colliders / 2;
+        EXPECT_TRUE(s.solve());
+        EXPECT_EQ(s.displacements, Array<float3>(colliders, {1, 2, 3}));
     }
-}
-
-TEST(Multicollider, AWarmStartEndsWhereAColdOneDoesInFewerSweeps)
-{
-    Random random(5);
-    Bare s;
-    for (int g = 0; g < 12; ++g) {
-        s.addCollider(1.0f, random.vector());
-        s.addContact({1, 0, 0});
-    }
-    s.preparePairs();
-    s.tolerance = 1e-5f;
-    s.maxIterations = 10000;
-    ASSERT_TRUE(s.solve());
-    for (float3& D : s.freeDisplacements)
-        D.x += 1e-4f * random.coordinate();
-    Bare cold = s;
-    cold.withdrawPushes();
-    EXPECT_LT(2 * sweepsOf(s), sweepsOf(cold));
-    ASSERT_TRUE(s.solve());
-    ASSERT_TRUE(cold.solve());
-    for (uint g = 0; g < s.colliderCount(); ++g)
-        EXPECT_NEAR(s.displacements[g].x, cold.displacements[g].x, 1e-3);
 }
 
 }  // namespace
