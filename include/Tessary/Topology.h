@@ -21,10 +21,11 @@ namespace Tessary {
 ///        empty. A third half-edge after an opposite pair is not reported and is listed as a
 ///        boundary edge
 /// cost   O(n) time, O(n log n) where one point has most corners or points are named from a range
-///        far wider than the mesh; 12 bytes of scratch per triangle, 24 more for so wide a range, 12
-///        more where triEdges has to grow for a boundary of over a 32nd of the half-edges, 4 per
-///        point and thread (at most 8), and 8 per corner of the points that are at work: 4096 in a
-///        row for each thread; parallel, never polls for cancellation
+///        far wider than the mesh; parallel, never polls for cancellation. Scratch memory: 4 bytes per
+///        point and thread (at most 8), 8 per corner of the points that are at work (4096 in a row for
+///        each thread), 8 per boundary edge; per triangle 12 where triangles do not come in the order
+///        of their points, 24 more for points from so wide a range, and 12 more where triEdges has to
+///        grow for a boundary of over a 32nd of the half-edges
 TESSARY_API void computeTriEdges(const Pelon::Array<uint>& triFaceVertex,
                                  Pelon::Array<uint>& triEdges);
 

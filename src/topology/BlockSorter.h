@@ -2,21 +2,21 @@
 
 // The half-edges of a block of points, in the order of the edge table.
 
+#include "host/MeshLayout.h"
+#include "host/Prefetch.h"
 #include "topology/HalfEdgeKeys.h"
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <utility>
 #include <vector>
 
 namespace Tessary {
 
-/// Half-edges as they were filed: the lower halves of their keys in the table, the upper ones beside it.
+/// Keys as they were filed: their lower halves in the table, the upper ones beside it.
 struct Filed {
     uint* lower;
     uint* upper;
-    std::size_t count;
 
     Key get(std::size_t i) const { return Key{upper[i]} << 32 | lower[i]; }
     void set(std::size_t i, Key key) const
@@ -53,45 +53,57 @@ inline constexpr auto kSortFew = sortersByRank(std::make_index_sequence<13>());
 /// Sorts the half-edges of a block of points, in memory that serves one block after another.
 class BlockSorter {
 public:
-    explicit BlockSorter(HalfEdgeKeys keyOf) : m_keyOf(keyOf) {}
+    /// `faceVertex` stays referred to.
+    BlockSorter(const uint* faceVertex, HalfEdgeKeys keyOf)
+        : m_faceVertex(faceVertex), m_keyOf(keyOf)
+    {}
 
     /// Puts half-edges of a block into one bucket per point. Blocks have a power of two of points.
-    void fillBuckets(const Filed& filed, std::size_t pointCount)
+    void fillBuckets(const Filed& filed, std::size_t count, std::size_t pointCount)
     {
         const Key mask = pointCount - 1;
         m_bucketEnd.assign(pointCount, 0);
         uint* const next = m_bucketEnd.data();
-        for (std::size_t i = 0; i < filed.count; ++i)
+        for (std::size_t i = 0; i < count; ++i)
             ++next[m_keyOf.place(filed.get(i)) & mask];
         uint sum = 0;
         for (uint& bucketEnd : m_bucketEnd)
             sum += std::exchange(bucketEnd, sum);
-        makeRoom(filed.count);
+        makeRoom(count);
         Key* const keys = m_keys.data();
-        for (std::size_t i = 0; i < filed.count; ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             const Key key = filed.get(i);
             keys[next[m_keyOf.place(key) & mask]++] = key;
         }
     }
 
     /// Takes half-edges that lie in their buckets already; the first one starts at `begin`.
-    void takeBuckets(const Filed& filed, std::size_t begin, const uint* bucketEnd,
+    void takeBuckets(const uint* corners, std::size_t begin, const uint* bucketEnd,
                      std::size_t pointCount)
     {
         m_bucketEnd.resize(pointCount);
         for (std::size_t point = 0; point < pointCount; ++point)
             m_bucketEnd[point] = bucketEnd[point] - static_cast<uint>(begin);
-        makeRoom(filed.count);
-        for (std::size_t i = 0; i < filed.count; ++i)
-            m_keys[i] = filed.get(i);
+        const std::size_t count = m_bucketEnd.back();
+        makeRoom(count);
+        const uint* const faceVertex = m_faceVertex;
+        const HalfEdgeKeys keyOf = m_keyOf;
+        Key* const keys = m_keys.data();
+        constexpr std::size_t kAhead = 32;
+        for (std::size_t i = 0; i < count; ++i) {
+            if (i + kAhead < count)
+                TESSARY_PREFETCH(faceVertex + corners[i + kAhead]);
+            const uint corner = corners[i];
+            const uint next = nextCorner(corner, corner / 3);
+            keys[i] = keyOf.make(Ends(faceVertex[corner], faceVertex[next]), corner);
+        }
     }
 
-    /// Writes sorted corners over the lower halves, and over the upper ones where those stand that have
-    /// no partner. Returns how many these are, or nothing where neighbours run the same way.
-    std::optional<uint> sortInto(const Filed& filed)
+    /// Writes sorted corners, and to `singles` the indices of those that have no partner. False where
+    /// neighbours run the same way.
+    bool sortInto(uint* corners, std::vector<uint>& singles)
     {
-        uint* corner = filed.lower;
-        uint* single = filed.upper;
+        uint* corner = corners;
         Key* begin = m_keys.data();
         Key few[kSortFew.size()];
         for (const uint bucketEnd : m_bucketEnd) {
@@ -103,15 +115,15 @@ public:
                 // Required: only neighbours are compared, so a half-edge after a pair starts anew.
                 const bool hasPartner = key + 1 < last && m_keyOf.areOfOneEdge(key[0], key[1]);
                 if (hasPartner && m_keyOf.runTheSameWay(key[0], key[1]))
-                    return std::nullopt;
+                    return false;
                 if (!hasPartner)
-                    *single++ = static_cast<uint>(corner - filed.lower);
+                    singles.push_back(static_cast<uint>(corner - corners));
                 *corner++ = m_keyOf.corner(*key++);
                 if (hasPartner)
                     *corner++ = m_keyOf.corner(*key++);
             }
         }
-        return static_cast<uint>(single - filed.upper);
+        return true;
     }
 
 private:
@@ -133,6 +145,7 @@ private:
         return begin;
     }
 
+    const uint* m_faceVertex;
     HalfEdgeKeys m_keyOf;
     std::vector<uint> m_bucketEnd;
     std::vector<Key> m_keys;

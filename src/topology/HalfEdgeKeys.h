@@ -1,9 +1,10 @@
 #pragma once
 
-// Half-edges as numbers that stand in the order of the edge table.
+// Half-edges by their larger point, and as numbers that stand in the order of the edge table.
 
 #include "host/Host.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -20,6 +21,30 @@ struct Ends {
         const uint swapped = (start ^ end) & (0u - isDescending);
         larger = end ^ swapped;
         smaller = start ^ swapped;
+    }
+};
+
+/// A triangle by its points. Two of its half-edges have the largest one for their larger end, the third
+/// has the middle one.
+struct SortedTriangle {
+    uint largest;
+    uint middle;
+    uint corner;  ///< of the largest point
+    uint next;
+    uint previous;
+
+    /// Jumps: where triangles follow each other in the order of their points, they can be foreseen.
+    SortedTriangle(const uint* point, uint firstCorner)
+    {
+        const uint ofTwo = point[1] > point[0] ? 1 : 0;
+        const uint k = point[2] > point[ofTwo] ? 2 : ofTwo;
+        const uint after = k == 2 ? 0 : k + 1;
+        const uint before = k == 0 ? 2 : k - 1;
+        largest = point[k];
+        middle = std::max(point[after], point[before]);
+        corner = firstCorner + k;
+        next = firstCorner + after;
+        previous = firstCorner + before;
     }
 };
 

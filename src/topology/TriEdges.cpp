@@ -8,7 +8,6 @@
 #include <atomic>
 #include <iostream>
 #include <numeric>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -17,9 +16,9 @@
 // sorted, and neighbours are paired up. Where triangles follow each other in the order of their
 // points, the first step files by point at once.
 //
-// All this happens in the edge table and one more array of half its largest size. Where each half-edge
-// has a partner, the table is done with that; otherwise it is moved apart to let in what marks the
-// others.
+// All this happens in the edge table, and where there are two steps in one more array of half its
+// largest size. Where each half-edge has a partner, the table is done with that; otherwise it is moved
+// apart to let in what marks the others.
 
 namespace Tessary {
 namespace {
@@ -49,9 +48,9 @@ public:
           m_binCount(((pointCount - 1) >> m_binBits) + 1),
           m_blockCount(static_cast<uint>((pointCount - 1) >> kBlockBits) + 1),
           m_cursors(m_pieces * m_binCount),
-          m_upper(3 * m_triangleCount),
+          m_upper(m_binBits > 0 ? 3 * m_triangleCount : 0),
           m_blockBegin(std::size_t{m_blockCount} + 1),
-          m_singleCount(m_blockCount),
+          m_singles(m_blockCount),
           m_triEdges(triEdges)
     {}
 
@@ -104,12 +103,6 @@ private:
         return {points.begin >> m_binBits, ((points.end - 1) >> m_binBits) + 1};
     }
 
-    Filed filedIn(Range range)
-    {
-        return {m_triEdges.data() + range.begin, m_upper.data() + range.begin,
-                range.end - range.begin};
-    }
-
     // For the corners, and for what marks those of a short boundary.
     void makeRoom()
     {
@@ -119,18 +112,25 @@ private:
         m_triEdges.resize(std::max(m_triEdges.size(), cornerCount + cornerCount / 32));
     }
 
-    // Calls `visit(bin, ends, corner)` for each half-edge of a piece of the triangles.
+    // Calls `visit(triangle)` for those of a piece.
+    template <class Visit>
+    void forEachTriangle(uint piece, const Visit& visit) const
+    {
+        const Range triangles = pieceOf(m_triangleCount, piece, m_pieces);
+        const uint* const faceVertex = m_faceVertex;
+        for (std::size_t t = triangles.begin; t < triangles.end; ++t)
+            visit(SortedTriangle(faceVertex + 3 * t, static_cast<uint>(3 * t)));
+    }
+
+    // Calls `visit(ends, corner)` for each half-edge of a piece of the triangles.
     template <class Visit>
     void forEachHalfEdge(uint piece, const Visit& visit) const
     {
         const Range triangles = pieceOf(m_triangleCount, piece, m_pieces);
-        const uint bits = m_binBits;
         for (std::size_t t = triangles.begin; t < triangles.end; ++t) {
             const uint* const point = m_faceVertex + 3 * t;
-            for (uint k = 0; k < 3; ++k) {
-                const Ends ends(point[k], point[k == 2 ? 0 : k + 1]);
-                visit(ends.larger >> bits, ends, static_cast<uint>(3 * t) + k);
-            }
+            for (uint k = 0; k < 3; ++k)
+                visit(Ends(point[k], point[k == 2 ? 0 : k + 1]), static_cast<uint>(3 * t) + k);
         }
     }
 
@@ -138,7 +138,14 @@ private:
     {
         parallelForEach(m_pieces, LoopContext::Isolated, [this](uint piece) {
             uint* const counts = cursorsOf(piece);
-            forEachHalfEdge(piece, [counts](uint bin, Ends, uint) { ++counts[bin]; });
+            if (m_binBits == 0)
+                forEachTriangle(piece, [counts](const SortedTriangle& triangle) {
+                    counts[triangle.largest] += 2;
+                    counts[triangle.middle] += 1;
+                });
+            else
+                forEachHalfEdge(
+                    piece, [counts](Ends ends, uint) { counts[ends.larger >> kBlockBits] += 1; });
         });
     }
 
@@ -164,12 +171,33 @@ private:
     void file()
     {
         parallelForEach(m_pieces, LoopContext::Isolated, [this](uint piece) {
-            uint* const cursors = cursorsOf(piece);
-            const Filed filed = filedIn({0, 3 * m_triangleCount});
-            const HalfEdgeKeys keyOf = m_keyOf;
-            forEachHalfEdge(piece, [=](uint bin, Ends ends, uint corner) {
-                filed.set(cursors[bin]++, keyOf.make(ends, corner));
-            });
+            if (m_binBits == 0)
+                fileByPoint(piece);
+            else
+                fileByBlock(piece);
+        });
+    }
+
+    void fileByPoint(uint piece)
+    {
+        uint* const cursors = cursorsOf(piece);
+        uint* const corners = m_triEdges.data();
+        forEachTriangle(piece, [=](const SortedTriangle& triangle) {
+            const uint slot = cursors[triangle.largest];
+            cursors[triangle.largest] = slot + 2;
+            corners[slot] = triangle.corner;
+            corners[slot + 1] = triangle.previous;
+            corners[cursors[triangle.middle]++] = triangle.next;
+        });
+    }
+
+    void fileByBlock(uint piece)
+    {
+        uint* const cursors = cursorsOf(piece);
+        const Filed filed{m_triEdges.data(), m_upper.data()};
+        const HalfEdgeKeys keyOf = m_keyOf;
+        forEachHalfEdge(piece, [=](Ends ends, uint corner) {
+            filed.set(cursors[ends.larger >> kBlockBits]++, keyOf.make(ends, corner));
         });
     }
 
@@ -177,7 +205,7 @@ private:
     {
         std::atomic<bool> succeeded{true};
         parallelLoop(0, m_blockCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
-            BlockSorter sorter(m_keyOf);
+            BlockSorter sorter(m_faceVertex, m_keyOf);
             for (uint block = begin; block < end; ++block)
                 if (!sortBlock(block, sorter))
                     succeeded.store(false, std::memory_order_relaxed);
@@ -189,29 +217,30 @@ private:
     {
         const Range range{m_blockBegin[block], m_blockBegin[block + 1]};
         const Range points = pointsOf(block);
-        const Filed filed = filedIn(range);
+        uint* const corners = m_triEdges.data() + range.begin;
         // The last piece's cursors have reached the ends of the bins.
         if (m_binBits > 0)
-            sorter.fillBuckets(filed, std::size_t{1} << kBlockBits);
+            sorter.fillBuckets({corners, m_upper.data() + range.begin}, range.end - range.begin,
+                               std::size_t{1} << kBlockBits);
         else
-            sorter.takeBuckets(filed, range.begin, cursorsOf(m_pieces - 1) + points.begin,
+            sorter.takeBuckets(corners, range.begin, cursorsOf(m_pieces - 1) + points.begin,
                                points.end - points.begin);
-        const std::optional<uint> singleCount = sorter.sortInto(filed);
-        m_singleCount[block] = singleCount.value_or(0);
-        return singleCount.has_value();
+        return sorter.sortInto(corners, m_singles[block]);
     }
 
     // Lets in kNone after every half-edge that has no partner.
     void moveApart()
     {
-        std::size_t room =
-            std::accumulate(m_singleCount.begin(), m_singleCount.end(), std::size_t{0});
+        std::size_t room = 0;
+        for (const std::vector<uint>& singles : m_singles)
+            room += singles.size();
         m_triEdges.resize(3 * m_triangleCount + room);
         uint* end = m_triEdges.data() + 3 * m_triangleCount;
         for (uint block = m_blockCount; room > 0; --block) {
-            const Filed sorted = filedIn({m_blockBegin[block - 1], m_blockBegin[block]});
-            for (uint i = m_singleCount[block - 1]; i > 0; --i, --room) {
-                uint* const afterSingle = sorted.lower + sorted.upper[i - 1] + 1;
+            const std::vector<uint>& singles = m_singles[block - 1];
+            for (std::size_t i = singles.size(); i > 0; --i, --room) {
+                uint* const afterSingle =
+                    m_triEdges.data() + m_blockBegin[block - 1] + singles[i - 1] + 1;
                 std::move_backward(afterSingle, end, end + room);
                 afterSingle[room - 1] = kNone;
                 end = afterSingle;
@@ -230,7 +259,7 @@ private:
     Array<uint> m_cursors;
     Array<uint> m_upper;
     std::vector<uint> m_blockBegin;
-    std::vector<uint> m_singleCount;
+    std::vector<std::vector<uint>> m_singles;  // of each block, from its begin on
     Array<uint>& m_triEdges;
 };
 
