@@ -69,18 +69,14 @@ struct Expected {
     }
 };
 
-// The cells that a scan in pieces of one point lists with the emitter that `emitInto` makes.
-template <class EmitInto>
-Array<uint3> scanned(const PointBins::Points& points, const EmitInto& emitInto)
+// Scans in pieces of one point; returns how many cells were emitted.
+template <class Emit>
+uint scan(const PointBins::Points& points, const Emit& emit)
 {
+    Tessary::DedupBody<uint3, unsigned int, Tessary::CellOfPoint, Emit> body({&points}, emit);
     const uint count = static_cast<uint>(points.size());
-    Array<uint3> cells(count);
-    auto emit = emitInto(cells.data());
-    Tessary::DedupBody<uint3, unsigned int, Tessary::CellOfPoint, decltype(emit)> body({&points},
-                                                                                       emit);
     tbb::parallel_scan(tbb::blocked_range<uint>(0, count, 1), body, tbb::simple_partitioner());
-    cells.resize(body.count());
-    return cells;
+    return body.count();
 }
 
 TEST(PointBins, SortPointsAndListEachCellOnce)
@@ -107,15 +103,15 @@ TEST(PointBins, SortPointsAndListEachCellOnce)
             EXPECT_EQ(bins.binOffsets, expected.offsets);
             EXPECT_EQ(bins.cellToBin.size(), 1u);
 
-            Array<uint> offsets(points.size());
-            const auto withOffsets = scanned(bins.points, [&offsets](uint3* cells) {
-                return Tessary::EmitCellAndOffset{cells, offsets.data()};
-            });
-            EXPECT_EQ(withOffsets, expected.cells);
-            for (std::size_t b = 0; b < withOffsets.size(); ++b)
-                EXPECT_EQ(offsets[b], expected.offsets[b]);
-            EXPECT_EQ(scanned(bins.points, [](uint3* cells) { return Tessary::EmitCell{cells}; }),
-                      expected.cells);
+            Array<uint3> cells(points.size()), alone(points.size());
+            Array<uint> offsets(points.size() + 1, static_cast<uint>(points.size()));
+            cells.resize(
+                scan(bins.points, Tessary::EmitCellAndOffset{cells.data(), offsets.data()}));
+            alone.resize(scan(bins.points, Tessary::EmitCell{alone.data()}));
+            offsets.resize(expected.offsets.size());
+            EXPECT_EQ(cells, expected.cells);
+            EXPECT_EQ(alone, expected.cells);
+            EXPECT_EQ(offsets, expected.offsets);
         });
     }
 }

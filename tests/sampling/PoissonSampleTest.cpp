@@ -70,19 +70,16 @@ TEST(PoissonSample, RefusesInOneLineOrSilentlyWithoutPointsAndLeavesTheOutputAlo
         EXPECT_EQ(messagesOf(bad, *triangle), distance) << bad;
     EXPECT_EQ(messagesOf(0, *Korvane::createObject()), distance);  // asked first
 
-    const std::string points = "1 Missing vp_ptr in poissonSampleTriMesh\n";
-    const auto bare = objectOf(unitTriangles(1));
-    EXPECT_EQ(messagesOf(1, *without(bare, Geometry::sPointPosition)), points);
+    const auto bare = without(objectOf(unitTriangles(1)), Geometry::sPointPosition);
+    EXPECT_EQ(messagesOf(1, *bare), "1 Missing vp_ptr in poissonSampleTriMesh\n");
     Geometry::addDataGeoProperty<float>(*bare, Geometry::sPointPosition, Geometry::sPointComp,
                                         shared({1.0f, 2.0f, 3.0f}));
-    EXPECT_EQ(messagesOf(1, *without(bare, Geometry::sFaceVertex)), points);
-
-    const auto faceless = objectOf(unitTriangles(1));
-    const std::string corners = "1 Missing tri_vertices_ptr in poissonSampleTriMesh\n";
-    EXPECT_EQ(messagesOf(1, *without(faceless, Geometry::sFaceVertex)), corners);
-
-    const std::string faces = "1 Mesh must only contain triangle faces in poissonSampleTriMesh\n";
-    EXPECT_EQ(messagesOf(1, *meshOf(5, {{0, 1, 2}, {0, 1, 2, 3}})), faces);
+    EXPECT_EQ(messagesOf(1, *without(bare, Geometry::sFaceVertex)),
+              "1 Missing vp_ptr in poissonSampleTriMesh\n");
+    EXPECT_EQ(messagesOf(1, *without(triangle, Geometry::sFaceVertex)),
+              "1 Missing tri_vertices_ptr in poissonSampleTriMesh\n");
+    EXPECT_EQ(messagesOf(1, *meshOf(5, {{0, 1, 2}, {0, 1, 2, 3}})),
+              "1 Mesh must only contain triangle faces in poissonSampleTriMesh\n");
 }
 
 TEST(PoissonSample, CountsTheFacesOfTheComponentIn64Bits)
@@ -122,9 +119,9 @@ void expectCloud(const Object& out, std::size_t samples)
 
 TEST(PoissonSample, MakesAPointCloudWithAComponentOfSamples)
 {
-    const Result some = resultOf(*sampled(unitTriangles(2), 0.1f, 1));
-    EXPECT_GT(some.samples.faceIds.size(), 30u);
-    expectCloud(*sampled(unitTriangles(2), 0.1f, 1), some.samples.faceIds.size());
+    const auto some = sampled(unitTriangles(2), 0.1f, 1);
+    EXPECT_GT(resultOf(*some).samples.faceIds.size(), 30u);
+    expectCloud(*some, resultOf(*some).samples.faceIds.size());
 
     // Nothing to draw, or only the sample that is left out.
     for (const float distance : {100.0f, 1.7f})

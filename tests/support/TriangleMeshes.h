@@ -54,10 +54,9 @@ inline NamedTriangles randomSoup(std::uint32_t seed)
 {
     std::mt19937 random(seed);
     const uint pointCount = 3 + random() % 12;
-    NamedTriangles mesh{"soup " + std::to_string(seed), pointCount, {}};
-    const uint corners = random() % 60;
-    for (uint c = 0; c < corners; ++c)
-        mesh.faceVertex.push_back(random() % mesh.pointCount);
+    NamedTriangles mesh{"soup " + std::to_string(seed), pointCount, Array<uint>(random() % 60)};
+    for (uint& point : mesh.faceVertex)
+        point = random() % pointCount;
     return mesh;
 }
 
@@ -110,10 +109,9 @@ inline NamedTriangles book(uint pages, std::uint32_t directions)
 {
     NamedTriangles mesh{"book of " + std::to_string(pages), 2 + pages, {}};
     for (uint i = 0; i < pages; ++i) {
-        const bool turned = (directions >> i % 32 & 1) != 0;
-        mesh.faceVertex.push_back(turned ? 1 : 0);
-        mesh.faceVertex.push_back(turned ? 0 : 1);
-        mesh.faceVertex.push_back(2 + i);
+        const uint start = directions >> i % 32 & 1;
+        for (const uint p : {start, 1 - start, 2 + i})
+            mesh.faceVertex.push_back(p);
     }
     return mesh;
 }

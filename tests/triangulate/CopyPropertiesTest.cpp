@@ -88,28 +88,23 @@ TEST(CopyProperties, APropertyOfAnotherComponentArrivesWithDefaultsOnly)
 {
     const MutablePtr<Object> mesh = quadAndTriangle();
     Geometry::addDataGeoProperty<int>(*mesh, "p", "curve", shared({1, 2}), 8);
+    Geometry::addDataGeoProperty<float>(*mesh, "minus zero", "curve", shared({1.f}), -0.f);
     const MutablePtr<Object> target = triangulated(*mesh, {});
     const MutablePtr<Object> curve = Korvane::createObject();
     Geometry::populateComponentGeoProperty(3, *curve);
     target->setProperty("curve", curve);
-    Tessary::copyPropertiesToTriangulatedMesh(*mesh, {"p"}, *target);
+    Tessary::copyPropertiesToTriangulatedMesh(*mesh, {"p", "minus zero"}, *target);
     EXPECT_EQ(*dataOf<int>(*target, "p"), (Array<int>{8, 8, 8}));
-
-    Geometry::addDataGeoProperty<float>(*mesh, "minus zero", "curve", shared({1.f}), -0.f);
-    Tessary::copyPropertiesToTriangulatedMesh(*mesh, {"minus zero"}, *target);
     EXPECT_TRUE(std::signbit((*dataOf<float>(*target, "minus zero"))[2]));
 }
 
 TEST(CopyProperties, RenderSettingsAreStoredAsTheyAreIfThereAreAny)
 {
     const MutablePtr<Object> mesh = quadAndTriangle();
-    EXPECT_FALSE(
-        triangulated(*mesh, {Geometry::sRenderSettings})->hasProperty(Geometry::sRenderSettings));
-    mesh->setProperty(Geometry::sRenderSettings, 42);
-    const auto settings =
-        triangulated(*mesh, {Geometry::sRenderSettings})->getProperty(Geometry::sRenderSettings);
-    ASSERT_TRUE(settings.get<int>());
-    EXPECT_EQ(*settings.get<int>(), 42);
+    const String name = Geometry::sRenderSettings;
+    EXPECT_FALSE(triangulated(*mesh, {name})->hasProperty(name));
+    mesh->setProperty(name, 42);
+    EXPECT_EQ(*triangulated(*mesh, {name})->getProperty(name).get<int>(), 42);
 }
 
 TEST(CopyProperties, IndexedPropertiesShareTheirValuesAndGetNewIndices)
@@ -132,7 +127,7 @@ TEST(CopyProperties, IndexedPropertiesShareTheirValuesAndGetNewIndices)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const String range = String((std::string(c.name) + "_index").c_str());
+        const String range = std::string(c.name) + "_index";
         const Ptr<Array<uint>> indices = makeMutable<Array<uint>>(c.indices);
         Geometry::addRangeGeoProperty(*mesh, range, c.component, indices);
         Geometry::addDataGeoProperty<float>(*mesh, c.name, range, values, 2.f, Mode::None);
