@@ -11,10 +11,15 @@
 namespace Cli {
 namespace {
 
-struct Options {
-    std::string input;
-    OutputOptions output;
-};
+constexpr const char* kHelp =
+    R"(Every face becomes a fan of triangles. Corner k of triangle t is 3t + k; its edge runs to
+the next corner. The arrays are face_vertex (the points of each triangle), tri_edges (the
+two corners of each edge), face_vertex_adjacent_tri (the triangle across the edge of each
+corner), dual_face_offset and dual_face_vertex (the corners of each point). None is
+4294967295 in .npz and null in .json.
+
+Example:
+  tessary adjacency roof.obj -o roof.npz)";
 
 std::size_t boundaryCount(const Pelon::Array<Pelon::uint>& triEdges)
 {
@@ -24,9 +29,9 @@ std::size_t boundaryCount(const Pelon::Array<Pelon::uint>& triEdges)
     return count;
 }
 
-ExitCode adjacency(const Options& options, Session& session)
+ExitCode adjacency(const FileOptions& options, Session& session)
 {
-    Conversion conversion(options.input, options.output, session);
+    Conversion conversion(options, session);
     const MeshIo::TriangleTables tables = conversion.run("adjacency", "finding neighbours", [&] {
         return MeshIo::makeTriangleTables(conversion.mesh(), options.input);
     });
@@ -47,19 +52,9 @@ ExitCode adjacency(const Options& options, Session& session)
 
 Run declareAdjacency(CLI::App& verb, Session& session)
 {
-    const auto options = std::make_shared<Options>();
-    addInput(verb, options->input);
-    addOutput(verb, options->output, {"json", "npz"});
-    verb.footer(
-        "Every face becomes a fan of triangles. Corner k of triangle t is 3t + k; its edge runs "
-        "to\n"
-        "the next corner. The arrays are face_vertex (the points of each triangle), tri_edges "
-        "(the\n"
-        "two corners of each edge), face_vertex_adjacent_tri (the triangle across the edge of "
-        "each\n"
-        "corner), dual_face_offset and dual_face_vertex (the corners of each point). None is\n"
-        "4294967295 in .npz and null in .json.\n\n"
-        "Example:\n  tessary adjacency roof.obj -o roof.npz");
+    const auto options = std::make_shared<FileOptions>();
+    addFiles(verb, *options, {"json", "npz"});
+    verb.footer(kHelp);
     return [options, &session] { return adjacency(*options, session); };
 }
 

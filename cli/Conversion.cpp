@@ -17,14 +17,17 @@ std::string totalOf(const Json& seconds)
 
 }  // namespace
 
-Conversion::Conversion(const std::string& input, const OutputOptions& output, Session& session)
-    : m_session(session), m_inputPath(input), m_outputPath(output.path), m_format(formatFor(output))
+Conversion::Conversion(const FileOptions& files, Session& session)
+    : m_session(session),
+      m_inputPath(files.input),
+      m_outputPath(files.output.path),
+      m_format(formatFor(files.output))
 {
     if (session.settings.json && m_outputPath == "-")
         throw UsageError("the output itself goes to standard output, so --json has no place to go");
-    session.setSubject(input);
-    m_output = std::make_unique<MeshIo::OutputFile>(m_outputPath, output.force);
-    m_input = readInput(session, input);
+    session.setSubject(m_inputPath);
+    m_output = std::make_unique<MeshIo::OutputFile>(m_outputPath, files.output.force);
+    m_input = readInput(session, m_inputPath);
     endPart("read");
 }
 

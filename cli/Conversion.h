@@ -23,7 +23,7 @@ namespace Cli {
 /// Made, it has the input; then run() and write(), and report() at the end.
 class Conversion {
 public:
-    Conversion(const std::string& input, const OutputOptions& output, Session& session);
+    Conversion(const FileOptions& files, Session& session);
 
     const Korvane::Object& mesh() const { return *m_input.mesh; }
     const std::string& format() const { return m_format; }

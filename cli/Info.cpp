@@ -3,7 +3,6 @@
 #include "Verbs.h"
 
 #include <CLI/CLI.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 namespace Cli {
@@ -24,10 +23,8 @@ ExitCode info(const std::string& path, Session& session)
 
 Run declareInfo(CLI::App& verb, Session& session)
 {
-    const auto path = std::make_shared<std::string>();
-    addInput(verb, *path);
     verb.footer("Example:\n  tessary info roof.obj");
-    return [path, &session] { return info(*path, session); };
+    return declareReport(verb, session, info);
 }
 
 }  // namespace Cli

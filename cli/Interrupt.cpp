@@ -1,6 +1,7 @@
 #include "Interrupt.h"
 
 #include <csignal>
+#include <initializer_list>
 
 namespace Cli {
 namespace {

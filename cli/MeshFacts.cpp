@@ -2,12 +2,14 @@
 
 #include <Korvane/ElementTypes.h>
 #include <Korvane/Geometry.h>
+#include <meshio/MeshArrays.h>
 #include <meshio/MeshShape.h>
+#include <meshio/PropertyKinds.h>
 #include <meshio/TriangulateMesh.h>
+#include <meshio/Vectors.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <type_traits>
@@ -17,21 +19,12 @@ namespace {
 
 using namespace Korvane::Geometry;
 using Korvane::Object;
-using Korvane::Math::double3;
 using Korvane::Math::float3;
 using Pelon::Any;
 using Pelon::Array;
 using Pelon::Ptr;
 using Pelon::String;
 using Pelon::uint;
-
-// A point cloud has no arrays for faces.
-template <class T>
-Ptr<Array<T>> arrayOrEmpty(const Object& mesh, const String& name)
-{
-    Ptr<Array<T>> array = dataArray<T>(mesh, name);
-    return array ? array : Pelon::makeMutable<Array<T>>();
-}
 
 Json polygonSizes(const Array<uint>& faceOffset)
 {
@@ -56,44 +49,22 @@ Json boundingBox(const Array<float3>& points)
     return {{"min", vectorOf(low)}, {"max", vectorOf(high)}};
 }
 
-double3 difference(const float3& a, const float3& b)
-{
-    return {double{a.x} - b.x, double{a.y} - b.y, double{a.z} - b.z};
-}
-
-// Half the length of the sum of cross products: exact for planar faces, concave ones too.
-double faceArea(const Array<float3>& points, const uint* corner, uint size)
-{
-    double3 sum = {0, 0, 0};
-    for (uint k = 2; k < size; ++k) {
-        const double3 a = difference(points[corner[k - 1]], points[corner[0]]);
-        const double3 b = difference(points[corner[k]], points[corner[0]]);
-        sum.x += a.y * b.z - a.z * b.y;
-        sum.y += a.z * b.x - a.x * b.z;
-        sum.z += a.x * b.y - a.y * b.x;
-    }
-    return std::sqrt(sum.x * sum.x + sum.y * sum.y + sum.z * sum.z) / 2;
-}
-
+// Exact for planar faces, concave ones too.
 double areaOf(const Array<float3>& points, const Array<uint>& faceOffset,
               const Array<uint>& faceVertex)
 {
     double area = 0;
     for (std::size_t f = 1; f < faceOffset.size(); ++f)
-        area += faceArea(points, faceVertex.data() + faceOffset[f - 1],
-                         faceOffset[f] - faceOffset[f - 1]);
+        area += MeshIo::length(MeshIo::areaVector(points, faceVertex.data() + faceOffset[f - 1],
+                                                  faceOffset[f] - faceOffset[f - 1])) /
+                2;
     return area;
 }
 
 std::string componentWord(const String& component)
 {
-    if (component == sPointComp)
-        return "points";
-    if (component == sFaceComp)
-        return "faces";
-    if (component == sFaceVertexComp)
-        return "corners";
-    return component.c_str();
+    const std::string element = MeshIo::elementWord(component);
+    return element.empty() ? component.c_str() : element + "s";
 }
 
 Json factsOfProperty(const Object& mesh, const String& name)
@@ -118,8 +89,7 @@ Json propertiesOf(const Object& mesh)
 {
     Json properties = Json::array();
     for (const String& name : mesh.propertyNames())
-        if (getDataGeoProperty(mesh, name) && name != sPointPosition && name != sFaceOffset &&
-            name != sFaceVertex)
+        if (getDataGeoProperty(mesh, name) && !MeshIo::isTopology(name))
             properties.push_back(factsOfProperty(mesh, name));
     return properties;
 }
@@ -219,14 +189,12 @@ Json carriedNames(const Object& mesh)
 
 Json factsOf(const Object& mesh)
 {
-    const auto points = arrayOrEmpty<float3>(mesh, sPointPosition);
-    const auto faceOffset = arrayOrEmpty<uint>(mesh, sFaceOffset);
-    const auto faceVertex = arrayOrEmpty<uint>(mesh, sFaceVertex);
+    const MeshIo::MeshArrays arrays(mesh);
     Json facts = countsOf(mesh);
-    facts["polygon_sizes"] = polygonSizes(*faceOffset);
+    facts["polygon_sizes"] = polygonSizes(*arrays.faceOffset);
     addShape(MeshIo::shapeOf(mesh), facts);
-    facts["bounding_box"] = boundingBox(*points);
-    facts["area"] = areaOf(*points, *faceOffset, *faceVertex);
+    facts["bounding_box"] = boundingBox(*arrays.points);
+    facts["area"] = areaOf(*arrays.points, *arrays.faceOffset, *arrays.faceVertex);
     facts["properties"] = propertiesOf(mesh);
     facts["values"] = ownValues(mesh);
     return facts;

@@ -21,7 +21,8 @@ Json countsOf(const Korvane::Object& mesh);
 /// The names of the carried properties.
 Json carriedNames(const Korvane::Object& mesh);
 
-/// A valid mesh: counts, polygon sizes, edges, components, bounding box, area, properties and values of the object.
+/// A valid mesh: counts, polygon sizes, edges, components, bounding box, area, properties and values
+/// of the object.
 Json factsOf(const Korvane::Object& mesh);
 
 /// The same as lines for people.
@@ -29,5 +30,8 @@ std::string textOf(const Json& facts);
 
 /// A list of strings as "a, b, c".
 std::string joined(const Json& strings);
+
+/// "carried a, b, c" for a report with carried names as "properties".
+std::string carriedText(const Json& facts);
 
 }  // namespace Cli

@@ -134,4 +134,10 @@ std::string joined(const Json& strings)
     return text;
 }
 
+std::string carriedText(const Json& facts)
+{
+    const std::string names = joined(facts["properties"]);
+    return "carried " + (names.empty() ? "nothing" : names);
+}
+
 }  // namespace Cli

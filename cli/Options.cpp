@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <sstream>
 
 namespace Cli {
@@ -22,14 +23,6 @@ constexpr NamedFormat kFormats[] = {{"obj", MeshFormat::Obj},
                                     {"ply", MeshFormat::PlyBinary},
                                     {"ply-ascii", MeshFormat::PlyAscii},
                                     {"ply-big", MeshFormat::PlyBinaryBigEndian}};
-
-std::vector<std::string> formatNames()
-{
-    std::vector<std::string> names;
-    for (const NamedFormat& format : kFormats)
-        names.push_back(format.name);
-    return names;
-}
 
 // "ply-ascii" and the like are variants that no ending tells.
 bool hasEnding(const std::string& format)
@@ -62,6 +55,13 @@ std::string namesOf(const Pelon::Array<Pelon::String>& names)
     return list.empty() ? "none" : list;
 }
 
+void addInput(CLI::App& verb, std::string& path)
+{
+    verb.add_option("INPUT", path, "Mesh file to read (OBJ or PLY); - is standard input")
+        ->type_name("")
+        ->required();
+}
+
 }  // namespace
 
 void addSettings(CLI::App& verb, Session::Settings& settings)
@@ -73,15 +73,18 @@ void addSettings(CLI::App& verb, Session::Settings& settings)
         ->check(CLI::Range(1u, kMostThreads).description(""));
 }
 
-void addInput(CLI::App& verb, std::string& path)
+Run declareReport(CLI::App& verb, Session& session,
+                  ExitCode (*report)(const std::string& path, Session& session))
 {
-    verb.add_option("INPUT", path, "Mesh file to read (OBJ or PLY); - is standard input")
-        ->type_name("")
-        ->required();
+    const auto path = std::make_shared<std::string>();
+    addInput(verb, *path);
+    return [path, &session, report] { return report(*path, session); };
 }
 
-void addOutput(CLI::App& verb, OutputOptions& output, std::vector<std::string> formats)
+void addFiles(CLI::App& verb, FileOptions& files, std::vector<std::string> formats)
 {
+    addInput(verb, files.input);
+    OutputOptions& output = files.output;
     output.formats = std::move(formats);
     std::string list;
     for (const std::string& format : output.formats)
@@ -95,14 +98,17 @@ void addOutput(CLI::App& verb, OutputOptions& output, std::vector<std::string> f
     verb.add_flag("--force,-f", output.force, "Replace FILE if it exists");
 }
 
-void addOutput(CLI::App& verb, OutputOptions& output)
+std::vector<std::string> meshFormats()
 {
-    addOutput(verb, output, formatNames());
+    std::vector<std::string> names;
+    for (const NamedFormat& format : kFormats)
+        names.push_back(format.name);
+    return names;
 }
 
 std::vector<std::string> meshFormatsAnd(const std::string& format)
 {
-    std::vector<std::string> formats = formatNames();
+    std::vector<std::string> formats = meshFormats();
     formats.push_back(format);
     return formats;
 }
@@ -145,7 +151,7 @@ std::optional<MeshFormat> meshFormatOf(const std::string& name)
 Pelon::Array<Pelon::String> selectProperties(const Korvane::Object& mesh,
                                              const std::string& selection)
 {
-    const Pelon::Array<Pelon::String> present = MeshIo::carriedPropertyNames(mesh);
+    Pelon::Array<Pelon::String> present = MeshIo::carriedPropertyNames(mesh);
     if (selection.empty() || selection == "all")
         return present;
     Pelon::Array<Pelon::String> selected;

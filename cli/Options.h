@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Session.h"
+#include "Verbs.h"
 
 #include <Korvane/Object.h>
 #include <Pelon/Array.h>
@@ -10,10 +11,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-namespace CLI {
-class App;
-}
 
 /// The options that verbs share: how they are declared, and what they mean.
 namespace Cli {
@@ -25,14 +22,23 @@ struct OutputOptions {
     std::vector<std::string> formats;  ///< those that the verb writes
 };
 
+/// What every verb that writes a file is told.
+struct FileOptions {
+    std::string input;
+    OutputOptions output;
+};
+
 /// --json, --quiet and --threads, which every verb has.
 void addSettings(CLI::App& verb, Session::Settings& settings);
 
-void addInput(CLI::App& verb, std::string& path);
+/// Declares a verb that takes a mesh and writes no file; returns what runs it.
+Run declareReport(CLI::App& verb, Session& session,
+                  ExitCode (*report)(const std::string& path, Session& session));
 
-/// For a verb that writes one of these formats; in the other form, a mesh.
-void addOutput(CLI::App& verb, OutputOptions& output, std::vector<std::string> formats);
-void addOutput(CLI::App& verb, OutputOptions& output);
+/// The input, and an output in one of these formats.
+void addFiles(CLI::App& verb, FileOptions& files, std::vector<std::string> formats);
+
+std::vector<std::string> meshFormats();
 
 /// The formats of meshes and one more.
 std::vector<std::string> meshFormatsAnd(const std::string& format);

@@ -12,9 +12,15 @@
 namespace Cli {
 namespace {
 
-struct Options {
-    std::string input;
-    OutputOptions output;
+constexpr const char* kHelp =
+    R"(Every face becomes a fan of triangles, every triangle three quads around an inner point.
+Values follow: real ones are blended, others picked, indexed ones stay indexed. A creased
+edge gets two points, one for each end.
+
+Example:
+  tessary quads roof.obj -o roof_quads.obj --crease-angle 30)";
+
+struct Options : FileOptions {
     std::string properties = "all";
     MeshIo::QuadOptions quads;
     std::vector<float> innerWeights;
@@ -22,19 +28,17 @@ struct Options {
 
 std::string summary(const Json& facts)
 {
-    const std::string carried = joined(facts["properties"]);
     const Json& split = facts["split_edges"];
     return facts["before"]["faces"].dump() + " faces -> " + facts["after"]["faces"].dump() +
            " quads, " + facts["before"]["points"].dump() + " -> " +
            facts["after"]["points"].dump() + " points, " + facts["creased_edges"].dump() + " of " +
            facts["edges"].dump() + " edges creased" +
-           (split == 0 ? "" : ", " + split.dump() + " split") + "; carried " +
-           (carried.empty() ? "nothing" : carried);
+           (split == 0 ? "" : ", " + split.dump() + " split") + "; " + carriedText(facts);
 }
 
 ExitCode quads(const Options& options, Session& session)
 {
-    Conversion conversion(options.input, options.output, session);
+    Conversion conversion(options, session);
     const Korvane::Object& mesh = conversion.mesh();
     const MeshIo::QuadMesh result = conversion.run("quads", "making quads", [&] {
         return MeshIo::makeQuadMesh(mesh, options.input, selectProperties(mesh, options.properties),
@@ -104,17 +108,11 @@ void addCuts(CLI::App& verb, Options& options)
 Run declareQuads(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
-    addInput(verb, options->input);
-    addOutput(verb, options->output);
+    addFiles(verb, *options, meshFormats());
     addProperties(verb, options->properties);
     addCreases(verb, *options);
     addCuts(verb, *options);
-    verb.footer(
-        "Every face becomes a fan of triangles, every triangle three quads around an inner point.\n"
-        "Values follow: real ones are blended, others picked, indexed ones stay indexed. A "
-        "creased\n"
-        "edge gets two points, one for each end.\n\n"
-        "Example:\n  tessary quads roof.obj -o roof_quads.obj --crease-angle 30");
+    verb.footer(kHelp);
     return [options, &session] {
         setInnerWeights(*options);
         return quads(*options, session);

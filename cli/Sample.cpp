@@ -4,8 +4,8 @@
 
 #include <meshio/ClosestPair.h>
 #include <meshio/CloudArrays.h>
+#include <meshio/MessageText.h>
 #include <meshio/NumberText.h>
-#include <meshio/ReadFile.h>
 #include <meshio/SampleCloud.h>
 #include <meshio/SampledSurface.h>
 
@@ -17,12 +17,18 @@
 namespace Cli {
 namespace {
 
+constexpr const char* kHelp =
+    R"(Scatters points over the faces, taken as fans of triangles. Every sample has its face, its
+triangle, the weights of the triangle's corners, a normal and the mesh's values: real ones
+blended, others picked. A FILE that ends in .npz gets arrays for NumPy.
+
+Example:
+  tessary sample roof.obj -o roof_samples.ply --distance 2%)";
+
 using MeshIo::SampledSurface;
 using MeshIo::SurfaceSamples;
 
-struct Options {
-    std::string input;
-    OutputOptions output;
+struct Options : FileOptions {
     std::string properties = "all";
     std::string distance;  // a number, or percent of the radius; empty for a count
     std::uint64_t count = 0;
@@ -123,7 +129,7 @@ std::string summary(const Json& facts)
 ExitCode sample(const Options& options, Session& session)
 {
     check(options);
-    Conversion conversion(options.input, options.output, session);
+    Conversion conversion(options, session);
     const Korvane::Object& mesh = conversion.mesh();
     const auto names = selectProperties(mesh, options.properties);
     const SampledSurface surface = conversion.run("prepare", "measuring", [&] {
@@ -157,8 +163,7 @@ ExitCode sample(const Options& options, Session& session)
 Run declareSample(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
-    addInput(verb, options->input);
-    addOutput(verb, options->output, meshFormatsAnd("npz"));
+    addFiles(verb, *options, meshFormatsAnd("npz"));
     CLI::Option* const distance =
         verb.add_option("--distance,-d", options->distance,
                         "No two samples are closer than this; 2% is percent of the radius of the\n"
@@ -172,13 +177,7 @@ Run declareSample(CLI::App& verb, Session& session)
                     "Draw other samples: 0 without this option, to 4294967295")
         ->type_name("N");
     addProperties(verb, options->properties);
-    verb.footer(
-        "Scatters points over the faces, taken as fans of triangles. Every sample has its face, "
-        "its\n"
-        "triangle, the weights of the triangle's corners, a normal and the mesh's values: real "
-        "ones\n"
-        "blended, others picked. A FILE that ends in .npz gets arrays for NumPy.\n\n"
-        "Example:\n  tessary sample roof.obj -o roof_samples.ply --distance 2%");
+    verb.footer(kHelp);
     return [options, &session] { return sample(*options, session); };
 }
 

@@ -1,9 +1,8 @@
 #include "Session.h"
 
-#include "Console.h"
-
+#include <meshio/Cancelled.h>
 #include <meshio/MeshFile.h>
-#include <meshio/ReadFile.h>
+#include <meshio/OutputFile.h>
 #include <meshio/Validate.h>
 #include <tbb/global_control.h>
 #include <nlohmann/json.hpp>
@@ -35,7 +34,7 @@ std::string onOneLine(std::string text)
 
 void print(const std::string& text)
 {
-    if (!writeAll(STDOUT_FILENO, text))
+    if (!MeshIo::writeAll(STDOUT_FILENO, text))
         throw MeshIo::FileError(std::string("standard output: ") + std::strerror(errno) +
                                 " (see where it leads)");
 }
@@ -110,7 +109,7 @@ std::string Session::about(const std::string& text) const
 void Session::say(const std::string& text)
 {
     const auto lock = m_progress.clear();
-    if (!writeAll(STDERR_FILENO, onOneLine(text) + "\n"))
+    if (!MeshIo::writeAll(STDERR_FILENO, onOneLine(text) + "\n"))
         m_messageLost = true;
 }
 

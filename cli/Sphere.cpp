@@ -2,33 +2,23 @@
 #include "Options.h"
 #include "Verbs.h"
 
-#include <Korvane/Geometry.h>
 #include <Tessary/Primitives.h>
+#include <meshio/MeshArrays.h>
 
 #include <CLI/CLI.hpp>
 #include <cmath>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 namespace Cli {
 namespace {
 
-using Korvane::Math::float3;
-
-Pelon::Array<float3> pointsOf(const Korvane::Object& mesh)
-{
-    const auto points =
-        Korvane::Geometry::dataArray<float3>(mesh, Korvane::Geometry::sPointPosition);
-    return points ? *points : Pelon::Array<float3>();
-}
-
 ExitCode sphere(const std::string& path, Session& session)
 {
     const MeshIo::MeshRead input = readInput(session, path);
     session.beginStage("measuring");
-    const Pelon::Array<float3> points = pointsOf(*input.mesh);
-    const Tessary::Sphere found = Tessary::computeBoundingSphere(points);
-    if (points.empty())
+    const auto points = MeshIo::MeshArrays(*input.mesh).points;
+    const Tessary::Sphere found = Tessary::computeBoundingSphere(*points);
+    if (points->empty())
         session.warn("there are no points, so the sphere is the origin");
     if (!std::isfinite(found.getRadius()))
         session.warn("the square of the radius is too large for a float; scale the mesh down");
@@ -39,7 +29,7 @@ ExitCode sphere(const std::string& path, Session& session)
                              center[2].dump() + "\nradius  " + Json(radius).dump() + "\n";
     session.finish({{"verb", "sphere"},
                     {"file", path},
-                    {"points", points.size()},
+                    {"points", points->size()},
                     {"center", center},
                     {"radius", radius}},
                    text);
@@ -50,12 +40,10 @@ ExitCode sphere(const std::string& path, Session& session)
 
 Run declareSphere(CLI::App& verb, Session& session)
 {
-    const auto path = std::make_shared<std::string>();
-    addInput(verb, *path);
     verb.footer(
         "The smallest sphere around all points, those that no face uses too.\n\n"
         "Example:\n  tessary sphere roof.obj");
-    return [path, &session] { return sphere(*path, session); };
+    return declareReport(verb, session, sphere);
 }
 
 }  // namespace Cli

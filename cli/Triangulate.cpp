@@ -11,11 +11,16 @@
 namespace Cli {
 namespace {
 
+constexpr const char* kHelp =
+    R"(Every face becomes a fan of triangles around its first corner. Points keep their order;
+values of points, faces and corners follow, indexed ones stay indexed.
+
+Example:
+  tessary triangulate roof.obj -o roof_triangles.ply --properties texcoord)";
+
 using Korvane::Object;
 
-struct Options {
-    std::string input;
-    OutputOptions output;
+struct Options : FileOptions {
     std::string properties = "all";
 };
 
@@ -28,14 +33,13 @@ std::string change(const Json& facts, const char* what)
 
 std::string summary(const Json& facts)
 {
-    const std::string carried = joined(facts["properties"]);
     return change(facts, "points") + ", " + change(facts, "corners") + ", " +
-           change(facts, "faces") + "; carried " + (carried.empty() ? "nothing" : carried);
+           change(facts, "faces") + "; " + carriedText(facts);
 }
 
 ExitCode triangulate(const Options& options, Session& session)
 {
-    Conversion conversion(options.input, options.output, session);
+    Conversion conversion(options, session);
     const Object& mesh = conversion.mesh();
     const MeshIo::TriangulatedMesh result = conversion.run("triangulate", "triangulating", [&] {
         return MeshIo::triangulateMesh(mesh, selectProperties(mesh, options.properties));
@@ -53,13 +57,9 @@ ExitCode triangulate(const Options& options, Session& session)
 Run declareTriangulate(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
-    addInput(verb, options->input);
-    addOutput(verb, options->output);
+    addFiles(verb, *options, meshFormats());
     addProperties(verb, options->properties);
-    verb.footer(
-        "Every face becomes a fan of triangles around its first corner. Points keep their order;\n"
-        "values of points, faces and corners follow, indexed ones stay indexed.\n\n"
-        "Example:\n  tessary triangulate roof.obj -o roof_triangles.ply --properties texcoord");
+    verb.footer(kHelp);
     return [options, &session] { return triangulate(*options, session); };
 }
 

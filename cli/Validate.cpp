@@ -5,7 +5,6 @@
 #include <meshio/Validate.h>
 
 #include <CLI/CLI.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 namespace Cli {
@@ -72,12 +71,10 @@ ExitCode validate(const std::string& path, Session& session)
 
 Run declareValidate(CLI::App& verb, Session& session)
 {
-    const auto path = std::make_shared<std::string>();
-    addInput(verb, *path);
     verb.footer(
         "Exits with 1 where the mesh has errors, with 0 where it has at most warnings.\n\n"
         "Example:\n  tessary validate roof.obj");
-    return [path, &session] { return validate(*path, session); };
+    return declareReport(verb, session, validate);
 }
 
 }  // namespace Cli

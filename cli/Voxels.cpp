@@ -11,11 +11,17 @@
 namespace Cli {
 namespace {
 
+constexpr const char* kHelp =
+    R"(The grid begins at the origin; a cell counts where a face touches it. A mesh format gets
+a cube for each cell; a FILE that ends in .npz gets the arrays cells (x, y, z of each, in
+cells from the origin) and cell_size.
+
+Example:
+  tessary voxels roof.obj --cell 0.05 -o roof_cells.ply)";
+
 using Cells = Pelon::Array<MeshIo::Cell>;
 
-struct Options {
-    std::string input;
-    OutputOptions output;
+struct Options : FileOptions {
     double cellSize = 0;
 };
 
@@ -43,7 +49,7 @@ ExitCode voxels(const Options& options, Session& session)
 {
     if (!(options.cellSize >= 1e-30 && options.cellSize <= 1e30))
         throw UsageError("the size of a cell is a number from 1e-30 to 1e30");
-    Conversion conversion(options.input, options.output, session);
+    Conversion conversion(options, session);
     const Cells cells = conversion.run("voxels", "finding cells", [&] {
         return MeshIo::touchedCells(conversion.mesh(), options.cellSize);
     });
@@ -60,17 +66,11 @@ ExitCode voxels(const Options& options, Session& session)
 Run declareVoxels(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
-    addInput(verb, options->input);
-    addOutput(verb, options->output, meshFormatsAnd("npz"));
+    addFiles(verb, *options, meshFormatsAnd("npz"));
     verb.add_option("--cell", options->cellSize, "Length of a cell's edges")
         ->type_name("H")
         ->required();
-    verb.footer(
-        "The grid begins at the origin; a cell counts where a face touches it. A mesh format gets\n"
-        "a cube for each cell; a FILE that ends in .npz gets the arrays cells (x, y, z of each, "
-        "in\n"
-        "cells from the origin) and cell_size.\n\n"
-        "Example:\n  tessary voxels roof.obj --cell 0.05 -o roof_cells.ply");
+    verb.footer(kHelp);
     return [options, &session] { return voxels(*options, session); };
 }
 

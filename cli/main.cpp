@@ -4,6 +4,8 @@
 #include "Verbs.h"
 #include "Version.h"
 
+#include <meshio/OutputFile.h>
+
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
@@ -90,9 +92,7 @@ int parseAndRun(CLI::App& program, const std::map<std::string, Run>& runs, Sessi
     return static_cast<int>(session.run(runs.at(verbOf(program))));
 }
 
-}  // namespace
-
-int main(int argc, char** argv)
+int runProgram(int argc, char** argv)
 {
     secureStandardStreams();
     Session session;
@@ -110,4 +110,16 @@ int main(int argc, char** argv)
         addSettings(declared, session.settings);
     }
     return parseAndRun(program, runs, session, argc, argv);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return runProgram(argc, argv);
+    } catch (...) {
+        MeshIo::writeAll(STDERR_FILENO, "tessary: there is no memory even to begin\n");
+        return static_cast<int>(ExitCode::File);
+    }
 }

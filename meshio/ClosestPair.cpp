@@ -1,6 +1,7 @@
 #include <meshio/ClosestPair.h>
 
-#include <meshio/ReadFile.h>
+#include <meshio/Cancelled.h>
+#include <meshio/Host.h>
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_reduce.h>
@@ -13,10 +14,7 @@
 namespace MeshIo {
 namespace {
 
-using Korvane::Math::float3;
-using Pelon::Array;
-
-constexpr double kNone = std::numeric_limits<double>::infinity();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kFarthestCell = 0x1p62;
 
 struct Cell {
@@ -53,7 +51,7 @@ public:
     double nearestSquared() const
     {
         return tbb::parallel_reduce(
-            tbb::blocked_range<std::size_t>(0, m_points.size(), 1024), kNone,
+            tbb::blocked_range<std::size_t>(0, m_points.size(), 1024), kInfinity,
             [this](const tbb::blocked_range<std::size_t>& range, double nearest) {
                 for (std::size_t i = range.begin(); i < range.end(); ++i)
                     nearest = std::min(nearest, nearestBefore(i));
@@ -84,7 +82,7 @@ private:
     double nearestBefore(std::size_t i) const
     {
         const Cell c = cellOf(m_points[i]);
-        double nearest = kNone;
+        double nearest = kInfinity;
         for (int dx = -1; dx <= 1; ++dx)
             for (int dy = -1; dy <= 1; ++dy)
                 for (int dz = -1; dz <= 1; ++dz) {

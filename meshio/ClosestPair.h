@@ -1,7 +1,6 @@
 #pragma once
 
-#include <Korvane/Math.h>
-#include <Pelon/Array.h>
+#include <meshio/Host.h>
 
 #include <optional>
 
@@ -13,7 +12,6 @@ namespace MeshIo {
 /// to that rounding whatever `guess` is. A guess near the result finds it in linear time; one far
 /// below it costs further passes, one far above it compares more pairs. Coordinates are finite.
 /// Throws std::runtime_error when the caller's job is cancelled.
-std::optional<double> smallestDistance(const Pelon::Array<Korvane::Math::float3>& points,
-                                       double guess);
+std::optional<double> smallestDistance(const Array<float3>& points, double guess);
 
 }  // namespace MeshIo

@@ -1,11 +1,10 @@
 #include <meshio/CloudArrays.h>
 
-#include <Korvane/ElementTypes.h>
-#include <Korvane/Geometry.h>
-
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
 #include <meshio/Npz.h>
 #include <meshio/PropertyKinds.h>
-#include <meshio/ReadFile.h>
+#include <meshio/Scalars.h>
 
 #include <algorithm>
 
@@ -14,44 +13,8 @@ namespace {
 
 using namespace Korvane::Geometry;
 using namespace Korvane::Math;
-using Korvane::Object;
-using Pelon::Array;
-using Pelon::String;
 
 constexpr std::size_t kLongestText = 256;
-
-using Shape = std::vector<std::size_t>;
-
-// Appends the shape of one element and returns its first number.
-template <class T>
-const T* numbersOf(const T* value, Shape&)
-{
-    return value;
-}
-template <class T>
-const T* numbersOf(const Vector2<T>* value, Shape& shape)
-{
-    shape.push_back(2);
-    return reinterpret_cast<const T*>(value);
-}
-template <class T>
-const T* numbersOf(const Vector3<T>* value, Shape& shape)
-{
-    shape.push_back(3);
-    return reinterpret_cast<const T*>(value);
-}
-template <class T>
-const T* numbersOf(const Vector4<T>* value, Shape& shape)
-{
-    shape.push_back(4);
-    return reinterpret_cast<const T*>(value);
-}
-template <class Row, int Rows>
-auto numbersOf(const Matrix<Row, Rows>* value, Shape& shape)
-{
-    shape.push_back(Rows);
-    return numbersOf(reinterpret_cast<const Row*>(value), shape);
-}
 
 // The characters of UTF-8; a byte that is none becomes the character that stands for such.
 std::vector<char32_t> charactersOf(std::string_view text)
@@ -111,9 +74,11 @@ private:
     template <class T>
     void add(const String& name, const Array<T>& values)
     {
-        Shape shape{values.size()};
-        const auto* const numbers = numbersOf(values.data(), shape);
-        m_writer.add(name.c_str(), shape, numbers);
+        std::vector<std::size_t> shape{values.size()};
+        for (const std::size_t length : {Scalars<T>::kRows, Scalars<T>::kColumns})
+            if (length > 0)
+                shape.push_back(length);
+        m_writer.add(name.c_str(), shape, scalarsOf(values.data()));
     }
 
     void add(const String& name, const Array<String>& texts)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
+#include <meshio/Host.h>
 
 #include <string>
 #include <vector>
@@ -15,6 +15,6 @@ class OutputFile;
 /// Numbers and bool keep their type; vectors are rows, matrices rows of rows, strings texts of
 /// characters. Returns a warning for each thing that has no such form: values of other components,
 /// of the object itself, and strings so long that an array of them would be absurd.
-std::vector<std::string> writeCloudNpz(const Korvane::Object& cloud, OutputFile& output);
+std::vector<std::string> writeCloudNpz(const Object& cloud, OutputFile& output);
 
 }  // namespace MeshIo

@@ -1,9 +1,9 @@
 #include <meshio/Creases.h>
 
-#include <Korvane/ElementTypes.h>
-#include <Korvane/Geometry.h>
-
-#include <meshio/ReadFile.h>
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
+#include <meshio/PropertyKinds.h>
+#include <meshio/Vectors.h>
 
 #include <cmath>
 #include <limits>
@@ -13,49 +13,13 @@ namespace MeshIo {
 namespace {
 
 using namespace Korvane::Geometry;
-using Korvane::Object;
-using Korvane::Math::double3;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
 
-constexpr uint kNone = 0xFFFFFFFF;
 constexpr double kDegreesPerRadian = 57.295779513082320877;
-
-double3 cross(const double3& a, const double3& b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-double dot(const double3& a, const double3& b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-// The sum over the fan's triangles, whatever the shape of the polygon.
-double3 normalOf(const TriangulatedView& mesh, const Array<float3>& points, uint face)
-{
-    const uint first = mesh.faceOffset[face];
-    const float3& apex = points[mesh.faceVertex[first]];
-    const auto fromApex = [&](uint corner) {
-        const float3& p = points[mesh.faceVertex[corner]];
-        return double3{double{p.x} - apex.x, double{p.y} - apex.y, double{p.z} - apex.z};
-    };
-    double3 sum{0, 0, 0};
-    for (uint corner = first + 2; corner < mesh.faceOffset[face + 1]; ++corner) {
-        const double3 n = cross(fromApex(corner - 1), fromApex(corner));
-        sum = {sum.x + n.x, sum.y + n.y, sum.z + n.z};
-    }
-    return sum;
-}
 
 // By the arc tangent, which tells small angles as well as large ones.
 double degreesBetween(const double3& a, const double3& b)
 {
-    const double3 n = cross(a, b);
-    return std::atan2(std::sqrt(dot(n, n)), dot(a, b)) * kDegreesPerRadian;
+    return std::atan2(length(cross(a, b)), dot(a, b)) * kDegreesPerRadian;
 }
 
 // Calls `visit(face, triangle)` for each triangle of each fan.
@@ -111,10 +75,7 @@ std::string kindOf(const Object& mesh, const std::string& name)
         return kind + " behind the indices " + quoted(chain[0].view());
     const String component = getTargetComponent(mesh, name);
     return kind + " on " +
-           (component == sPointComp        ? "points"
-            : component == sFaceComp       ? "faces"
-            : component == sFaceVertexComp ? "corners"
-                                           : quoted(component.view()));
+           (isMeshComponent(component) ? elementWord(component) + "s" : quoted(component.view()));
 }
 
 [[noreturn]] void reject(const std::string& name, const std::string& what)
@@ -144,9 +105,12 @@ Array<bool> creasesByAngle(const TriangulatedView& mesh, const Array<float3>& po
 {
     Array<uint> faceOf(mesh.triFaceVertex.size() / 3);
     forEachTriangle(mesh.faceOffset, [&](uint face, uint triangle) { faceOf[triangle] = face; });
-    Array<double3> normals(mesh.faceOffset.empty() ? 0 : mesh.faceOffset.size() - 1);
-    for (uint face = 0; face < normals.size(); ++face)
-        normals[face] = normalOf(mesh, points, face);
+    Array<double3> normals(mesh.faceOffset.size() - 1);
+    for (uint face = 0; face < normals.size(); ++face) {
+        const uint first = mesh.faceOffset[face];
+        normals[face] =
+            areaVector(points, mesh.faceVertex.data() + first, mesh.faceOffset[face + 1] - first);
+    }
 
     Array<bool> creases(mesh.triFaceVertex.size());
     for (std::size_t e = 0; e + 1 < mesh.triEdges.size(); e += 2) {

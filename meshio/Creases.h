@@ -1,9 +1,6 @@
 #pragma once
 
-#include <Korvane/Math.h>
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/TypeRep.h>
+#include <meshio/Host.h>
 
 #include <string>
 
@@ -13,23 +10,22 @@ namespace MeshIo {
 
 /// A polygon mesh without errors, with its fan triangles and their edge table.
 struct TriangulatedView {
-    const Pelon::Array<Pelon::uint>& faceOffset;
-    const Pelon::Array<Pelon::uint>& faceVertex;
-    const Pelon::Array<Pelon::uint>& triFaceVertex;
-    const Pelon::Array<Pelon::uint>& triEdges;
+    const Array<uint>& faceOffset;
+    const Array<uint>& faceVertex;
+    const Array<uint>& triFaceVertex;
+    const Array<uint>& triEdges;
 };
 
 /// Creases the edges at which the normals of two faces differ by more than `degrees`. The normal of
 /// a polygon is the mean over its area, so a face that is not planar or not convex has one, too. A
 /// face without area has none and creases nothing; nor does a boundary.
-Pelon::Array<bool> creasesByAngle(const TriangulatedView& mesh,
-                                  const Pelon::Array<Korvane::Math::float3>& points,
-                                  double degrees);
+Array<bool> creasesByAngle(const TriangulatedView& mesh, const Array<float3>& points,
+                           double degrees);
 
 /// Creases the half-edges whose polygon corner has the value true, a number other than 0 (uchar), or
 /// a weight below the largest finite float. Throws std::invalid_argument, which says what was
 /// expected, where `name` is no property of one of these types with a value for each corner.
-Pelon::Array<bool> creasesByProperty(const TriangulatedView& view, const Korvane::Object& mesh,
-                                     const std::string& name);
+Array<bool> creasesByProperty(const TriangulatedView& view, const Object& mesh,
+                              const std::string& name);
 
 }  // namespace MeshIo

@@ -1,12 +1,9 @@
 #include <meshio/CutPoints.h>
 
+#include <meshio/Host.h>
+
 namespace MeshIo {
 namespace {
-
-using Pelon::Array;
-using Pelon::uint;
-
-constexpr uint kNone = 0xFFFFFFFF;
 
 // The codes' lowest two bits.
 enum Kind : uint { AtCorner, OnLeavingEdge, InTriangle, OnArrivingEdge };

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <Pelon/Array.h>
-#include <Pelon/TypeRep.h>
-
+#include <meshio/Host.h>
 #include <meshio/QuadMesh.h>
 
 namespace MeshIo {
@@ -12,16 +10,16 @@ namespace MeshIo {
 struct CutPoints {
     /// The triangles' corners, and one more for each point that no triangle uses: a code can only
     /// name a point by a corner.
-    Pelon::Array<Pelon::uint> cornerPoint;
-    Pelon::Array<Pelon::uint> origins;    ///< a code for each point
-    Pelon::Array<float> edgeWeights;      ///< for each corner of the triangles
-    Pelon::Array<float> triangleWeights;  ///< the same
+    Array<uint> cornerPoint;
+    Array<uint> origins;           ///< a code for each point
+    Array<float> edgeWeights;      ///< for each corner of the triangles
+    Array<float> triangleWeights;  ///< the same
 };
 
 /// `quadFaceVertex` and `pointCount` are the result of computeQuadMesh for the triangles; the first
 /// `sourcePointCount` points are the triangles' own.
-CutPoints cutPointsOf(const Pelon::Array<Pelon::uint>& triFaceVertex,
-                      const Pelon::Array<Pelon::uint>& quadFaceVertex, std::size_t sourcePointCount,
-                      std::size_t pointCount, const QuadOptions& options);
+CutPoints cutPointsOf(const Array<uint>& triFaceVertex, const Array<uint>& quadFaceVertex,
+                      std::size_t sourcePointCount, std::size_t pointCount,
+                      const QuadOptions& options);
 
 }  // namespace MeshIo

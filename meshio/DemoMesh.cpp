@@ -1,44 +1,29 @@
 #include <meshio/DemoMesh.h>
 
-#include <Korvane/Geometry.h>
+#include <meshio/Host.h>
+#include <meshio/Vectors.h>
 
 #include <cmath>
+#include <initializer_list>
+#include <iterator>
 #include <stdexcept>
 #include <vector>
 
 namespace MeshIo {
 namespace {
 
-using Korvane::Math::float2;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::makeMutable;
-using Pelon::String;
-using Pelon::uint;
-namespace Geometry = Korvane::Geometry;
-
 constexpr uint kSmallest = 8;
 constexpr uint kLargest = 8192;     // 32 bits number its corners, with room for triangles
 constexpr uint kCellsPerBlock = 4;  // the patterns below fill blocks of this many cells
 constexpr uint kMaterials = 5;
+
+// What fills a block: rows of cells merged into one face each, by their number; a cell split into two
+// triangles; two cells split into a pentagon and a triangle.
+constexpr uint kSplit = 100, kPentagon = 101;
+constexpr uint kBlocks[][kCellsPerBlock] = {
+    {1, 1, 1, 1}, {2, 1, 1}, {3, 1}, {kPentagon, kSplit, 1}, {1, 2, kSplit}, {1, 1, kPentagon}};
+
 constexpr const char* kMaterialNames[kMaterials] = {"brass", "clay", "linen", "moss", "slate"};
-
-struct Double3 {
-    double x, y, z;
-};
-
-Double3 operator-(const Double3& a, const Double3& b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-float3 unitNormal(const Double3& u, const Double3& v)
-{
-    const Double3 n = {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
-    const double length = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
-    return {static_cast<float>(n.x / length), static_cast<float>(n.y / length),
-            static_cast<float>(n.z / length)};
-}
 
 struct CosSin {
     double cos, sin;
@@ -177,14 +162,15 @@ private:
     // Falls from 1 on a ridge to 0 an eighth of the tube away.
     double ridgeAt(uint j) const
     {
-        const double half = m_rows / 2;
+        const uint middle = m_rows / 2;
+        const double half = middle;
         const double fromFirst = j <= half ? j : m_rows - static_cast<double>(j);
         const double fromSecond = std::fabs(j - half);
         const double height = 1 - 8.0 * std::fmin(fromFirst, fromSecond) / m_rows;
         return height > 0 ? height : 0;
     }
 
-    Double3 pointAt(uint i, uint j) const
+    double3 pointAt(uint i, uint j) const
     {
         const CosSin u = m_ring[i];
         const CosSin v = m_tube[j];
@@ -196,14 +182,16 @@ private:
 
     float3 normalAt(uint i, uint j, uint rowBefore, uint rowAfter) const
     {
-        const Double3 along = m_points[point(i + 1, j)] - m_points[point(i + m_columns - 1, j)];
-        const Double3 around = m_points[point(i, rowAfter)] - m_points[point(i, rowBefore)];
-        return unitNormal(along, around);
+        const double3 along =
+            difference(m_points[point(i + 1, j)], m_points[point(i + m_columns - 1, j)]);
+        const double3 around =
+            difference(m_points[point(i, rowAfter)], m_points[point(i, rowBefore)]);
+        return unit(cross(along, around));
     }
 
     uint m_columns, m_rows;
     std::vector<CosSin> m_ring, m_tube;
-    std::vector<Double3> m_points;
+    std::vector<double3> m_points;
 };
 
 /// Collects faces over the torus, corner by corner.
@@ -222,37 +210,17 @@ public:
     Array<int> ids;
 
 private:
-    // Fills the cells i to i + 3 of row j; the sizes of the faces are given behind.
+    // Fills the cells i to i + 3 of row j.
     void addBlock(uint i, uint j)
     {
-        switch (mixed(i, j) % 6) {
-            case 0:  // 4 4 4 4
-                for (uint k = 0; k < 4; ++k)
-                    addRow(i + k, 1, j);
-                break;
-            case 1:  // 6 4 4
-                addRow(i, 2, j);
-                addRow(i + 2, 1, j);
-                addRow(i + 3, 1, j);
-                break;
-            case 2:  // 8 4
-                addRow(i, 3, j);
-                addRow(i + 3, 1, j);
-                break;
-            case 3:  // 5 3 3 3 4
+        for (const uint piece : kBlocks[mixed(i, j) % std::size(kBlocks)]) {
+            if (piece == kSplit)
+                addTriangles(i, j);
+            else if (piece == kPentagon)
                 addPentagonAndTriangle(i, j);
-                addTriangles(i + 2, j);
-                addRow(i + 3, 1, j);
-                break;
-            case 4:  // 4 6 3 3
-                addRow(i, 1, j);
-                addRow(i + 1, 2, j);
-                addTriangles(i + 3, j);
-                break;
-            default:  // 4 4 5 3
-                addRow(i, 1, j);
-                addRow(i + 1, 1, j);
-                addPentagonAndTriangle(i + 2, j);
+            else if (piece > 0)
+                addRow(i, piece, j);
+            i += piece == kSplit ? 1 : piece == kPentagon ? 2 : piece;
         }
     }
 
@@ -269,28 +237,25 @@ private:
 
     void addTriangles(uint i, uint j)
     {
-        addCorner(i, j, false);
-        addCorner(i + 1, j, false);
-        addCorner(i + 1, j + 1, true);
-        closeFace(i, j);
-        addCorner(i, j, false);
-        addCorner(i + 1, j + 1, true);
-        addCorner(i, j + 1, true);
-        closeFace(i, j);
+        addFace(i, j, {{0, 0}, {1, 0}, {1, 1}});
+        addFace(i, j, {{0, 0}, {1, 1}, {0, 1}});
     }
 
     // Two cells, of which the first takes half of the second.
     void addPentagonAndTriangle(uint i, uint j)
     {
-        addCorner(i, j, false);
-        addCorner(i + 1, j, false);
-        addCorner(i + 2, j, false);
-        addCorner(i + 1, j + 1, true);
-        addCorner(i, j + 1, true);
-        closeFace(i, j);
-        addCorner(i + 2, j, false);
-        addCorner(i + 2, j + 1, true);
-        addCorner(i + 1, j + 1, true);
+        addFace(i, j, {{0, 0}, {1, 0}, {2, 0}, {1, 1}, {0, 1}});
+        addFace(i, j, {{2, 0}, {2, 1}, {1, 1}});
+    }
+
+    struct Step {
+        uint columns, rows;
+    };
+
+    void addFace(uint i, uint j, std::initializer_list<Step> corners)
+    {
+        for (const Step& step : corners)
+            addCorner(i + step.columns, j + step.rows, step.rows > 0);
         closeFace(i, j);
     }
 
@@ -313,8 +278,8 @@ private:
 };
 
 template <class T>
-void addIndexed(Korvane::Object& mesh, const String& name, const String& indexName,
-                Array<T>&& values, Array<uint>&& indices)
+void addIndexed(Object& mesh, const String& name, const String& indexName, Array<T>&& values,
+                Array<uint>&& indices)
 {
     Geometry::addRangeGeoProperty(mesh, indexName, Geometry::sFaceVertexComp,
                                   makeMutable<Array<uint>>(std::move(indices)));
@@ -323,7 +288,7 @@ void addIndexed(Korvane::Object& mesh, const String& name, const String& indexNa
 }
 
 template <class T>
-void addPlain(Korvane::Object& mesh, const String& name, const String& component, Array<T>&& values)
+void addPlain(Object& mesh, const String& name, const String& component, Array<T>&& values)
 {
     Geometry::addDataGeoProperty<T>(mesh, name, component,
                                     makeMutable<Array<T>>(std::move(values)));
@@ -331,7 +296,7 @@ void addPlain(Korvane::Object& mesh, const String& name, const String& component
 
 }  // namespace
 
-Pelon::MutablePtr<Korvane::Object> makeDemoMesh(uint resolution)
+MutablePtr<Object> makeDemoMesh(uint resolution)
 {
     if (resolution < kSmallest || resolution > kLargest)
         throw std::invalid_argument("the demo mesh has a resolution of " +
@@ -339,7 +304,7 @@ Pelon::MutablePtr<Korvane::Object> makeDemoMesh(uint resolution)
                                     ", not " + std::to_string(resolution));
     const Torus torus(resolution);
     FaceList faces(torus);
-    const auto mesh =
+    MutablePtr<Object> mesh =
         Geometry::makeMesh(torus.positions(), std::move(faces.offset), std::move(faces.points));
     addPlain(*mesh, "color", Geometry::sPointComp, torus.colors());
     addPlain(*mesh, "material", Geometry::sFaceComp, std::move(faces.materials));

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
-#include <Pelon/Ptr.h>
-#include <Pelon/TypeRep.h>
+#include <meshio/Host.h>
 
 namespace MeshIo {
 
@@ -17,6 +15,6 @@ namespace MeshIo {
 /// `resolution` is the number of segments along the shorter way round, 8 to 8192 (else throws
 /// std::invalid_argument); faces grow with its square: hundreds at 8, about a million at 512. The
 /// same bits on every machine: only additions, multiplications, divisions and square roots are used.
-Pelon::MutablePtr<Korvane::Object> makeDemoMesh(Pelon::uint resolution);
+MutablePtr<Object> makeDemoMesh(uint resolution);
 
 }  // namespace MeshIo

@@ -1,20 +1,15 @@
 #include <meshio/EdgePlaces.h>
 
-#include <Korvane/Geometry.h>
 #include <Tessary/HalfEdge.h>
-#include <Tessary/Triangulation.h>
 
 #include <meshio/EdgeReport.h>
+#include <meshio/Host.h>
+#include <meshio/MeshArrays.h>
 
 #include <limits>
 
 namespace MeshIo {
 namespace {
-
-using Korvane::Object;
-using Pelon::Array;
-using Pelon::uint;
-namespace Geometry = Korvane::Geometry;
 
 constexpr std::size_t kMostSides = 4;  // of one edge
 
@@ -34,17 +29,12 @@ std::string sidesText(const PolygonEdges& edges, const PolygonEdge& edge)
 }
 
 // Where faces are triangles already there is no diagonal.
-std::vector<SameDirection> sameDirectionOfTriangles(const Object& mesh,
-                                                    const Array<uint>& faceOffset)
+std::vector<SameDirection> sameDirectionOfTriangles(const MeshArrays& mesh)
 {
-    const auto faceVertex = Geometry::dataArray<uint>(mesh, Geometry::sFaceVertex);
-    Array<uint> triFaceOffset, triFaceVertex;
-    if (!faceVertex || faceVertex->size() == 3 * (faceOffset.size() - 1) ||
-        !Tessary::computeTriangulation(faceOffset, *faceVertex, triFaceOffset, triFaceVertex))
+    if (mesh.faceVertex->size() == 3 * mesh.faceCount())
         return {};
-    return findSameDirectionEdges(triFaceVertex,
-                                  Geometry::getElementCount(mesh, Geometry::sPointComp),
-                                  std::numeric_limits<std::size_t>::max())
+    return findSameDirectionEdges(fanTriangles(*mesh.faceOffset, *mesh.faceVertex),
+                                  mesh.points->size(), std::numeric_limits<std::size_t>::max())
         .first;
 }
 
@@ -53,12 +43,10 @@ Finding findDiagonals(const Object& mesh)
     Finding finding{Problem::Severity::Warning, "diagonal-direction",
                     "inner edges of faces split into triangles that run as another edge does",
                     "split these faces another way before tessary adjacency or quads"};
-    const auto faceOffset = Geometry::dataArray<uint>(mesh, Geometry::sFaceOffset);
-    if (!faceOffset || faceOffset->size() < 2)
-        return finding;
-    for (const SameDirection& edge : sameDirectionOfTriangles(mesh, *faceOffset)) {
-        const auto side = [&faceOffset](uint corner) {
-            return Tessary::triEdgeToPolyEdge(*faceOffset, {corner, corner / 3});
+    const MeshArrays arrays(mesh);
+    for (const SameDirection& edge : sameDirectionOfTriangles(arrays)) {
+        const auto side = [&arrays](uint corner) {
+            return Tessary::triEdgeToPolyEdge(*arrays.faceOffset, {corner, corner / 3});
         };
         const auto one = side(edge.corner), other = side(edge.another);
         if (one.faceVertex == kNone || other.faceVertex == kNone)

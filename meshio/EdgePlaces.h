@@ -1,7 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
-
+#include <meshio/Host.h>
 #include <meshio/PolygonEdges.h>
 #include <meshio/ValidateParts.h>
 
@@ -42,6 +41,6 @@ private:
 ///   diagonal-direction  inner edges of faces, where these are split into triangles, for which
 ///                       computeTriEdges makes no table
 /// Near linear time. Throws std::runtime_error when the caller's job is cancelled.
-std::vector<Problem> edgeWarnings(const Korvane::Object& mesh);
+std::vector<Problem> edgeWarnings(const Object& mesh);
 
 }  // namespace MeshIo

@@ -1,18 +1,18 @@
 #pragma once
 
-#include <Pelon/Array.h>
-#include <Pelon/TypeRep.h>
+#include <meshio/Host.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace MeshIo {
 
 /// Two triangles that run along one edge in the same direction.
 struct SameDirection {
-    Pelon::uint start, end;       ///< the points that both half-edges lead from and to
-    Pelon::uint corner, another;  ///< where the half-edges start, the smaller corner first
+    uint start, end;       ///< the points that both half-edges lead from and to
+    uint corner, another;  ///< where the half-edges start, the smaller corner first
 };
 
 /// The edges for which computeTriEdges makes no table.
@@ -29,12 +29,20 @@ struct EdgeReport {
 /// in     most           how many edges to describe; all are counted
 /// cost   O(n) time but for long lists of one point's corners, which are sorted. Throws
 ///        std::runtime_error when the caller's job is cancelled
-EdgeReport findSameDirectionEdges(const Pelon::Array<Pelon::uint>& triFaceVertex,
-                                  std::size_t pointCount, std::size_t most = 5);
+EdgeReport findSameDirectionEdges(const Array<uint>& triFaceVertex, std::size_t pointCount,
+                                  std::size_t most = 5);
+
+/// Throws InvalidMesh, with the first places in words of the polygon mesh, where there are such
+/// edges. `name` stands for the mesh in the message.
+///
+/// in     faceOffset     face count + 1 offsets of the polygon mesh
+/// in     report         what findSameDirectionEdges said about its fan triangles
+/// in     advice         what to do about it
+void rejectSameDirection(const Array<uint>& faceOffset, const EdgeReport& report,
+                         const std::string& name, const char* advice);
 
 /// The edge table of computeTriEdges for any mesh: half-edges that follow each other in one direction
 /// are listed as boundaries, each by itself.
-Pelon::Array<Pelon::uint> separatedTriEdges(const Pelon::Array<Pelon::uint>& triFaceVertex,
-                                            std::size_t pointCount);
+Array<uint> separatedTriEdges(const Array<uint>& triFaceVertex, std::size_t pointCount);
 
 }  // namespace MeshIo

@@ -1,7 +1,7 @@
 #include <meshio/MeshFile.h>
 
-#include <Korvane/Geometry.h>
-
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
 #include <meshio/Obj.h>
 #include <meshio/OutputFile.h>
 #include <meshio/Ply.h>
@@ -31,7 +31,7 @@ bool endsWith(std::string_view path, std::string_view lowerCaseEnding)
 }
 
 // A point cloud has none of a mesh's arrays for faces and is nothing to validate.
-bool hasFaceArrays(const Korvane::Object& mesh)
+bool hasFaceArrays(const Object& mesh)
 {
     using namespace Korvane::Geometry;
     return mesh.hasProperty(sFaceOffset) || mesh.hasProperty(sFaceVertex);
@@ -42,7 +42,7 @@ bool hasFaceArrays(const Korvane::Object& mesh)
 MeshRead readMeshUnchecked(const std::string& path)
 {
     try {
-        const Pelon::Array<char> bytes = readFile(path);
+        const Array<char> bytes = readFile(path);
         const std::string_view text = viewOf(bytes);
         return startsLikePly(text) ? readPly(text, inputName(path))
                                    : readObj(text, inputName(path));
@@ -69,8 +69,7 @@ std::optional<MeshFormat> formatOfName(std::string_view path)
     return std::nullopt;
 }
 
-std::vector<std::string> writeMesh(const Korvane::Object& mesh, MeshFormat format,
-                                   OutputFile& output)
+std::vector<std::string> writeMesh(const Object& mesh, MeshFormat format, OutputFile& output)
 {
     if (hasFaceArrays(mesh)) {
         ValidationReport report = validateMesh(mesh);

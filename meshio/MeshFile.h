@@ -1,7 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
-#include <Pelon/Ptr.h>
+#include <meshio/Host.h>
 
 #include <optional>
 #include <stdexcept>
@@ -26,7 +25,7 @@ public:
 };
 
 struct MeshRead {
-    Pelon::MutablePtr<Korvane::Object> mesh;
+    MutablePtr<Object> mesh;
     MeshFormat format;
     std::vector<std::string> warnings;  ///< one line each: what the file has and the mesh has not
 };
@@ -47,7 +46,6 @@ std::optional<MeshFormat> formatOfName(std::string_view path);
 /// Writes the mesh, or a point cloud without face arrays, into `output`, which the caller commits.
 /// Returns a warning line for each thing that the format cannot hold. A mesh with errors is not
 /// written: InvalidMesh.
-std::vector<std::string> writeMesh(const Korvane::Object& mesh, MeshFormat format,
-                                   OutputFile& output);
+std::vector<std::string> writeMesh(const Object& mesh, MeshFormat format, OutputFile& output);
 
 }  // namespace MeshIo

@@ -1,15 +1,13 @@
 #include <meshio/MeshShape.h>
 
 #include <meshio/EdgePlaces.h>
+#include <meshio/Host.h>
 #include <meshio/PolygonEdges.h>
 
 #include <utility>
 
 namespace MeshIo {
 namespace {
-
-using Pelon::Array;
-using Pelon::uint;
 
 // Sets of numbers that are merged, halving the paths to their names on the way.
 class Sets {
@@ -136,7 +134,7 @@ private:
 
 }  // namespace
 
-MeshShape shapeOf(const Korvane::Object& mesh)
+MeshShape shapeOf(const Object& mesh)
 {
     const PolygonEdges edges(mesh);
     return Measurement(edges).measure();

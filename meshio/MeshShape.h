@@ -1,7 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
-
+#include <meshio/Host.h>
 #include <meshio/Validate.h>
 
 #include <cstdint>
@@ -31,6 +30,6 @@ struct MeshShape {
 
 /// Measures a mesh without errors (see Validate.h) in near linear time. Throws std::runtime_error
 /// when the caller's job is cancelled.
-MeshShape shapeOf(const Korvane::Object& mesh);
+MeshShape shapeOf(const Object& mesh);
 
 }  // namespace MeshIo

@@ -1,8 +1,8 @@
-#include "meshio/Npz.h"
+#include <meshio/Npz.h>
 
-#include "meshio/MeshFile.h"
-#include "meshio/OutputFile.h"
-#include "meshio/ReadFile.h"
+#include <meshio/Cancelled.h>
+#include <meshio/MeshFile.h>
+#include <meshio/OutputFile.h>
 
 #include <algorithm>
 #include <array>

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 namespace MeshIo {
 namespace {
@@ -163,41 +164,36 @@ const char* scanInteger(const char* first, const char* last, Integer& value)
 
 }  // namespace
 
-#define MESHIO_SCAN(type, function)                                          \
-    const char* scanNumber(const char* first, const char* last, type& value) \
-    {                                                                        \
-        return function(first, last, value);                                 \
-    }
-MESHIO_SCAN(float, scanFloat)
-MESHIO_SCAN(double, scanFloat)
-MESHIO_SCAN(signed char, scanInteger)
-MESHIO_SCAN(unsigned char, scanInteger)
-MESHIO_SCAN(short, scanInteger)
-MESHIO_SCAN(unsigned short, scanInteger)
-MESHIO_SCAN(int, scanInteger)
-MESHIO_SCAN(unsigned int, scanInteger)
-MESHIO_SCAN(long long, scanInteger)
-MESHIO_SCAN(unsigned long long, scanInteger)
-#undef MESHIO_SCAN
+template <class T>
+const char* scanNumber(const char* first, const char* last, T& value)
+{
+    if constexpr (std::is_floating_point_v<T>)
+        return scanFloat(first, last, value);
+    else
+        return scanInteger(first, last, value);
+}
 
-char* formatNumber(char* out, float value)
+template <class T>
+char* formatNumber(char* out, T value)
 {
     return std::to_chars(out, out + kNumberTextSize, value).ptr;
 }
 
-char* formatNumber(char* out, double value)
-{
-    return std::to_chars(out, out + kNumberTextSize, value).ptr;
-}
-
-char* formatNumber(char* out, long long value)
-{
-    return std::to_chars(out, out + kNumberTextSize, value).ptr;
-}
-
-char* formatNumber(char* out, unsigned long long value)
-{
-    return std::to_chars(out, out + kNumberTextSize, value).ptr;
-}
+#define MESHIO_NUMBER(T)                                                    \
+    template const char* scanNumber<T>(const char*, const char*, T& value); \
+    template char* formatNumber<T>(char*, T)
+MESHIO_NUMBER(float);
+MESHIO_NUMBER(double);
+MESHIO_NUMBER(signed char);
+MESHIO_NUMBER(unsigned char);
+MESHIO_NUMBER(short);
+MESHIO_NUMBER(unsigned short);
+MESHIO_NUMBER(int);
+MESHIO_NUMBER(unsigned int);
+MESHIO_NUMBER(long);
+MESHIO_NUMBER(unsigned long);
+MESHIO_NUMBER(long long);
+MESHIO_NUMBER(unsigned long long);
+#undef MESHIO_NUMBER
 
 }  // namespace MeshIo

@@ -41,6 +41,6 @@ MeshRead readObj(std::string_view text, const std::string& name);
 /// `mesh` is a mesh whose corners and faces are without errors (see Validate.h), or a point cloud.
 /// Throws FileError for an object without points or where the system refuses to write;
 /// std::runtime_error when the caller's job is cancelled.
-std::vector<std::string> writeObj(const Korvane::Object& mesh, OutputFile& output);
+std::vector<std::string> writeObj(const Object& mesh, OutputFile& output);
 
 }  // namespace MeshIo

@@ -1,15 +1,9 @@
 #include <meshio/ObjContent.h>
 
+#include <meshio/Host.h>
+
 namespace MeshIo {
 namespace {
-
-using Korvane::Object;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::makeMutable;
-using Pelon::MutablePtr;
-using Pelon::String;
-namespace Geometry = Korvane::Geometry;
 
 void storePointValues(ObjContent& content, std::size_t pointCount, Object& mesh)
 {

@@ -1,11 +1,6 @@
 #pragma once
 
-#include <Korvane/Geometry.h>
-#include <Korvane/Math.h>
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/Ptr.h>
-#include <Pelon/String.h>
+#include <meshio/Host.h>
 
 #include <cstdint>
 #include <string>
@@ -29,16 +24,16 @@ public:
     }
 
     /// Faces before the first statement get T(). Nothing is stored if there was no statement.
-    void store(Korvane::Object& mesh, const char* name, std::size_t faceCount) const
+    void store(Object& mesh, const char* name, std::size_t faceCount) const
     {
         if (m_runs.empty())
             return;
-        const auto values = Pelon::makeMutable<Pelon::Array<T>>();
+        const auto values = makeMutable<Array<T>>();
         values->resize(m_runs.front().first);
         for (std::size_t i = 0; i < m_runs.size(); ++i)
             values->resize(i + 1 < m_runs.size() ? m_runs[i + 1].first : faceCount,
                            m_runs[i].second);
-        Korvane::Geometry::addDataGeoProperty<T>(mesh, name, Korvane::Geometry::sFaceComp, values);
+        Geometry::addDataGeoProperty<T>(mesh, name, Geometry::sFaceComp, values);
     }
 
 private:
@@ -48,7 +43,7 @@ private:
 /// The indices of one kind on the corners; none are kept until a corner has one.
 class CornerIndices {
 public:
-    void set(std::size_t corner, Pelon::uint index)
+    void set(std::size_t corner, uint index)
     {
         if (m_indices.size() < corner)
             m_indices.resize(corner, kNone);
@@ -57,34 +52,30 @@ public:
 
     /// Stores `values` as property `name`, indexed through "NAME_index".
     template <class T>
-    void store(Korvane::Object& mesh, const std::string& name, Pelon::Array<T>&& values,
-               std::size_t cornerCount)
+    void store(Object& mesh, const std::string& name, Array<T>&& values, std::size_t cornerCount)
     {
-        using namespace Korvane::Geometry;
         m_indices.resize(cornerCount, kNone);
-        addRangeGeoProperty(mesh, name + "_index", sFaceVertexComp,
-                            Pelon::makeMutable<Pelon::Array<Pelon::uint>>(std::move(m_indices)));
-        addDataGeoProperty<T>(mesh, name, name + "_index",
-                              Pelon::makeMutable<Pelon::Array<T>>(std::move(values)));
+        Geometry::addRangeGeoProperty(mesh, name + "_index", Geometry::sFaceVertexComp,
+                                      makeMutable<Array<uint>>(std::move(m_indices)));
+        Geometry::addDataGeoProperty<T>(mesh, name, name + "_index",
+                                        makeMutable<Array<T>>(std::move(values)));
     }
 
 private:
-    static constexpr Pelon::uint kNone = 0xFFFFFFFF;
-
-    Pelon::Array<Pelon::uint> m_indices;
+    Array<uint> m_indices;
 };
 
 /// What an OBJ file has told so far.
 struct ObjContent {
-    Pelon::Array<Korvane::Math::float3> points, colours, normals;
-    Pelon::Array<Korvane::Math::float2> texcoords;
-    Pelon::Array<Korvane::Math::float3> wideTexcoords;  // instead of these, once a w occurs
-    Pelon::Array<float> weights;                        // empty until one is not 1
-    Pelon::Array<Pelon::uint> faceOffset{0}, corners;
+    Array<float3> points, colours, normals;
+    Array<float2> texcoords;
+    Array<float3> wideTexcoords;  // instead of these, once a w occurs
+    Array<float> weights;         // empty until one is not 1
+    Array<uint> faceOffset{0}, corners;
     CornerIndices texcoordIndices, normalIndices;
-    FaceState<Pelon::String> object, group, material;
-    FaceState<Pelon::uint> smoothing;
-    std::unordered_set<Pelon::String> knownLibraries;
+    FaceState<String> object, group, material;
+    FaceState<uint> smoothing;
+    std::unordered_set<String> knownLibraries;
     std::string libraries;  // each of them once, in the order of the file
     std::uint64_t colourCount = 0;
     bool hasWideTexcoords = false;
@@ -93,14 +84,14 @@ struct ObjContent {
     bool hasColours() const { return !points.empty() && colours.size() == points.size(); }
 
     /// Colour and weight of the point added last.
-    void addColour(const Korvane::Math::float3& colour);
+    void addColour(const float3& colour);
     void addWeight(float weight);
 
-    void addTexcoord(const Korvane::Math::float3& texcoord, bool hasW);
-    void addLibrary(const Pelon::String& name);
+    void addTexcoord(const float3& texcoord, bool hasW);
+    void addLibrary(const String& name);
 };
 
 /// The mesh of a whole file; leaves `content` empty.
-Pelon::MutablePtr<Korvane::Object> moveToMesh(ObjContent& content);
+MutablePtr<Object> moveToMesh(ObjContent& content);
 
 }  // namespace MeshIo

@@ -1,25 +1,15 @@
 #include <meshio/ObjProperties.h>
 
-#include <Korvane/ElementTypes.h>
-#include <Korvane/Geometry.h>
-
+#include <meshio/Host.h>
 #include <meshio/MeshFile.h>
-#include <meshio/ReadFile.h>
+#include <meshio/MessageText.h>
+#include <meshio/PropertyKinds.h>
 
 #include <algorithm>
 #include <string_view>
 
 namespace MeshIo {
 namespace {
-
-using Korvane::Object;
-using Korvane::Math::float2;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
-namespace Geometry = Korvane::Geometry;
 
 // Whether a reader finds the name again as it is.
 bool isWritableName(std::string_view name)
@@ -98,11 +88,11 @@ private:
     }
 
     // Plain, or indexed through one range property; arrays must cover the component.
-    template <class T, class Found>
+    template <class Found>
     bool find(const char* name, const String& component, std::size_t count,
               std::optional<Found>& found)
     {
-        const Ptr<Array<T>> values = Geometry::dataArray<T>(m_mesh, name);
+        const auto values = Geometry::dataArray<typename Found::Value>(m_mesh, name);
         if (!values || Geometry::getTargetComponent(m_mesh, name) != component)
             return false;
         Found result;
@@ -118,22 +108,10 @@ private:
         found = std::move(result);
         return true;
     }
-    template <class T>
-    bool find(const char* name, const String& component, std::size_t count,
-              std::optional<ElementValues<T>>& found)
-    {
-        return find<T, ElementValues<T>>(name, component, count, found);
-    }
-    template <class T>
-    bool find(const char* name, const String& component, std::size_t count,
-              std::optional<CornerValues<T>>& found)
-    {
-        return find<T, CornerValues<T>>(name, component, count, found);
-    }
 
     void findLibrary()
     {
-        const Pelon::Any value = m_mesh.getProperty("material_library");
+        const Any value = m_mesh.getProperty("material_library");
         const String* const library = value.get<String>();
         if (!library || !isWritableName(library->view()))
             return;
@@ -144,11 +122,9 @@ private:
     // Every property but the topology, components and what is written deserves a warning.
     void mention(const String& name)
     {
-        const bool isTopology = name == Geometry::sPointPosition || name == Geometry::sFaceOffset ||
-                                name == Geometry::sFaceVertex;
         const bool isHandled =
             std::find(m_handled.begin(), m_handled.end(), name.view()) != m_handled.end();
-        if (isTopology || isHandled || isComponent(name))
+        if (isTopology(name) || isHandled || isComponent(m_mesh, name))
             return;
         if (const auto property = Geometry::getDataGeoProperty(m_mesh, name))
             mentionData(name, *property);
@@ -167,30 +143,15 @@ private:
                                 type = typeName;
                                 plyHoldsIt = type != "string" && type != "long" && type != "ulong";
                             });
-        leaveOut(
-            componentWord(name) + "property \"" + std::string(name.view()) + "\" (" + type + ")",
-            plyHoldsIt ? "; write PLY to keep it" : "");
+        const std::string element = elementWord(Geometry::getTargetComponent(m_mesh, name));
+        leaveOut(element + (element.empty() ? "" : " ") + "property \"" + std::string(name.view()) +
+                     "\" (" + type + ")",
+                 plyHoldsIt ? "; write PLY to keep it" : "");
     }
 
     void leaveOut(const std::string& what, const char* advice)
     {
         m_found.warnings.push_back(what + " cannot be held by OBJ and is left out" + advice);
-    }
-
-    std::string componentWord(const String& name) const
-    {
-        const String component = Geometry::getTargetComponent(m_mesh, name);
-        return component == Geometry::sPointComp        ? "point "
-               : component == Geometry::sFaceComp       ? "face "
-               : component == Geometry::sFaceVertexComp ? "corner "
-                                                        : "";
-    }
-
-    // Only a component lets its element count be set.
-    bool isComponent(const String& name) const
-    {
-        Object copy = m_mesh;
-        return Geometry::setElementCount(name, 0, copy);
     }
 
     // The property that targets a range property is mentioned or written with it.

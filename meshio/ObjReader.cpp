@@ -1,8 +1,10 @@
 #include <meshio/Obj.h>
 
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
 #include <meshio/ObjContent.h>
+#include <meshio/ObjReference.h>
 #include <meshio/ObjScanner.h>
-#include <meshio/ReadFile.h>
 
 #include <algorithm>
 #include <cstring>
@@ -10,11 +12,6 @@
 
 namespace MeshIo {
 namespace {
-
-using Pelon::String;
-using Pelon::uint;
-
-constexpr uint kNone = 0xFFFFFFFF;
 
 /// Statements that a mesh has no place for.
 constexpr const char* kStatementsNotHeld[] = {
@@ -41,70 +38,6 @@ std::string countOf(std::uint64_t count, const char* one, const char* many)
 {
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
-
-/// What corners name: points, texture coordinates or normals. Indices may run ahead of the values
-/// that the file has shown so far.
-class Reference {
-public:
-    explicit Reference(const char* kind) : m_kind(kind) {}
-
-    std::uint64_t count = 0;  // values read so far
-
-    uint resolve(std::int64_t index, const ObjScanner& scanner)
-    {
-        if (index > 0) {
-            if (static_cast<std::uint64_t>(index) > std::max(count, m_furthest))
-                runAhead(static_cast<std::uint64_t>(index), scanner.line());
-            return static_cast<uint>(index - 1);
-        }
-        if (index == 0)
-            scanner.fail("face names " + m_kind + " 0; indices in OBJ files begin at 1");
-        if (static_cast<std::uint64_t>(-index) > count)
-            scanner.fail("face names " + m_kind + " " + std::to_string(index) + ", but only " +
-                         std::to_string(count) + " come before it; correct the face");
-        return static_cast<uint>(count - static_cast<std::uint64_t>(-index));
-    }
-
-    // The first line with an index beyond the end, 0 if there is none.
-    std::uint64_t firstDangling() const
-    {
-        const Ahead* const ahead = findDangling();
-        return ahead ? ahead->line : 0;
-    }
-
-    [[noreturn]] void failDangling(const ObjScanner& scanner) const
-    {
-        const Ahead* const ahead = findDangling();
-        scanner.fail("face names " + m_kind + " " + std::to_string(ahead->index) +
-                         ", but the file has " + std::to_string(count) +
-                         "; correct the face or add what is missing",
-                     ahead->line);
-    }
-
-private:
-    struct Ahead {
-        std::uint64_t index;
-        std::uint64_t line;
-    };
-
-    // Of two indices that run ahead, the later one matters only if it is larger.
-    void runAhead(std::uint64_t index, std::uint64_t line)
-    {
-        m_furthest = index;
-        m_ahead.push_back({index, line});
-    }
-
-    const Ahead* findDangling() const
-    {
-        const auto found = std::find_if(m_ahead.begin(), m_ahead.end(),
-                                        [this](const Ahead& a) { return a.index > count; });
-        return found == m_ahead.end() ? nullptr : &*found;
-    }
-
-    std::string m_kind;
-    std::uint64_t m_furthest = 0;
-    std::vector<Ahead> m_ahead;
-};
 
 class ObjParser {
 public:
@@ -166,7 +99,7 @@ private:
                            "; it needs " + std::to_string(needed));
     }
 
-    void addTo(Reference& reference)
+    void addTo(ObjReference& reference)
     {
         if (++reference.count >= kNone)
             m_scanner.fail("the file has more values than 32-bit indices can name; split the mesh");
@@ -301,8 +234,8 @@ private:
     // Several kinds may dangle: the first line of the file is named.
     void checkReferences() const
     {
-        const Reference* first = nullptr;
-        for (const Reference* reference :
+        const ObjReference* first = nullptr;
+        for (const ObjReference* reference :
              {&m_pointReference, &m_texcoordReference, &m_normalReference}) {
             const std::uint64_t line = reference->firstDangling();
             if (line != 0 && (!first || line < first->firstDangling()))
@@ -344,7 +277,7 @@ private:
 
     ObjScanner m_scanner;
     ObjContent m_content;
-    Reference m_pointReference{"point"}, m_texcoordReference{"texture coordinate"},
+    ObjReference m_pointReference{"point"}, m_texcoordReference{"texture coordinate"},
         m_normalReference{"normal"};
 
     std::uint64_t m_known = 0;  // statements that OBJ defines

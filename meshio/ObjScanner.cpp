@@ -1,5 +1,7 @@
 #include <meshio/ObjScanner.h>
 
+#include <meshio/MessageText.h>
+
 namespace MeshIo {
 
 std::string ObjScanner::restOfLine()

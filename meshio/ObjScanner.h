@@ -1,8 +1,8 @@
 #pragma once
 
+#include <meshio/Cancelled.h>
 #include <meshio/MeshFile.h>
 #include <meshio/NumberText.h>
-#include <meshio/ReadFile.h>
 
 #include <cstdint>
 #include <string>

@@ -1,79 +1,13 @@
-#include <meshio/NumberText.h>
 #include <meshio/Obj.h>
-#include <meshio/ObjProperties.h>
-#include <meshio/OutputFile.h>
-#include <meshio/ReadFile.h>
 
-#include <algorithm>
-#include <cstring>
-#include <memory>
+#include <meshio/Host.h>
+#include <meshio/ObjProperties.h>
+#include <meshio/TextWriter.h>
+
+#include <cstdint>
 
 namespace MeshIo {
 namespace {
-
-using Korvane::Math::float2;
-using Korvane::Math::float3;
-using Pelon::String;
-using Pelon::uint;
-
-constexpr uint kNone = 0xFFFFFFFF;
-
-/// Gathers text and hands it to a file in large pieces.
-class TextWriter {
-public:
-    explicit TextWriter(OutputFile& output) : m_output(output), m_buffer(new char[kCapacity]) {}
-
-    TextWriter& operator<<(char c)
-    {
-        *reserve(1) = c;
-        ++m_size;
-        return *this;
-    }
-
-    TextWriter& operator<<(std::string_view text)
-    {
-        if (text.size() > kCapacity) {
-            flush();
-            m_output.write(text);
-            return *this;
-        }
-        std::memcpy(reserve(text.size()), text.data(), text.size());
-        m_size += text.size();
-        return *this;
-    }
-
-    TextWriter& operator<<(float value) { return number(value); }
-    TextWriter& operator<<(unsigned long long value) { return number(value); }
-
-    void flush()
-    {
-        throwIfCancelled();
-        m_output.write(m_buffer.get(), m_size);
-        m_size = 0;
-    }
-
-private:
-    static constexpr std::size_t kCapacity = std::size_t(1) << 18;
-
-    template <class T>
-    TextWriter& number(T value)
-    {
-        char* const begin = reserve(kNumberTextSize);
-        m_size += static_cast<std::size_t>(formatNumber(begin, value) - begin);
-        return *this;
-    }
-
-    char* reserve(std::size_t count)
-    {
-        if (kCapacity - m_size < count)
-            flush();
-        return m_buffer.get() + m_size;
-    }
-
-    OutputFile& m_output;
-    std::unique_ptr<char[]> m_buffer;
-    std::size_t m_size = 0;
-};
 
 void writePoints(const ObjProperties& mesh, TextWriter& out)
 {
@@ -124,7 +58,7 @@ void writeStatement(const char* keyword, uint smoothing, TextWriter& out)
     if (smoothing == 0)
         out << "off\n";
     else
-        out << static_cast<unsigned long long>(smoothing) << '\n';
+        out << smoothing << '\n';
 }
 
 /// Writes a statement wherever the value of a face differs from that of the face before it.
@@ -223,7 +157,7 @@ private:
         }
     }
 
-    void writeIndex(uint index) { m_out << index + 1ull; }
+    void writeIndex(uint index) { m_out << std::uint64_t{index} + 1; }
 
     const ObjProperties& m_mesh;
     TextWriter& m_out;
@@ -231,12 +165,11 @@ private:
 
 }  // namespace
 
-std::vector<std::string> writeObj(const Korvane::Object& mesh, OutputFile& output)
+std::vector<std::string> writeObj(const Object& mesh, OutputFile& output)
 {
     ObjProperties properties = findObjProperties(mesh, output.path());
     TextWriter out(output);
-    out << "# " << static_cast<unsigned long long>(properties.points->size()) << " points, "
-        << static_cast<unsigned long long>(properties.faceCount()) << " faces\n";
+    out << "# " << properties.points->size() << " points, " << properties.faceCount() << " faces\n";
     if (properties.materialLibrary)
         writeStatement("mtllib", *properties.materialLibrary, out);
     writePoints(properties, out);

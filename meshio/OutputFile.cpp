@@ -53,19 +53,6 @@ std::string resolved(const std::string& path)
     failBySystem(path, "cannot be created", error);
 }
 
-void writeAll(int descriptor, const char* bytes, std::size_t count, const std::string& path)
-{
-    while (count > 0) {
-        const ssize_t written = ::write(descriptor, bytes, count);
-        if (written < 0 && errno != EINTR)
-            failBySystem(path, "cannot be written", errno);
-        if (written > 0) {
-            bytes += written;
-            count -= static_cast<std::size_t>(written);
-        }
-    }
-}
-
 // A hard link is never made over an existing file, so nobody's file of that name is lost, however
 // late it appeared.
 bool linkIntoPlace(const std::string& temporary, const std::string& target, const std::string& path)
@@ -80,6 +67,19 @@ bool linkIntoPlace(const std::string& temporary, const std::string& target, cons
 }
 
 }  // namespace
+
+bool writeAll(int descriptor, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
 
 OutputFile::OutputFile(std::string path, bool overwrite)
     : m_path(std::move(path)), m_overwrite(overwrite)
@@ -132,7 +132,8 @@ OutputFile::~OutputFile()
 
 void OutputFile::write(const void* bytes, std::size_t count)
 {
-    writeAll(m_descriptor, static_cast<const char*>(bytes), count, m_path);
+    if (!writeAll(m_descriptor, {static_cast<const char*>(bytes), count}))
+        failBySystem(m_path, "cannot be written", errno);
 }
 
 void OutputFile::commit()

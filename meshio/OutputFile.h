@@ -5,6 +5,9 @@
 
 namespace MeshIo {
 
+/// Writes all bytes to a descriptor; false, with errno set, where the system refuses.
+bool writeAll(int descriptor, std::string_view bytes);
+
 /// A file that appears under its name only when it is complete.
 ///
 /// Bytes go to a temporary name in the same folder; commit() renames it into place. Without

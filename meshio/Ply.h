@@ -24,7 +24,7 @@ namespace MeshIo {
 /// are counted in a warning; comments are passed over. A name that the mesh has already (a property
 /// of points and of faces, say) becomes face_NAME or the like, with a warning. Interpolation modes
 /// and defaults are not kept in a file: properties read have those of
-/// Korvane::Geometry::addDataGeoProperty.
+/// Geometry::addDataGeoProperty.
 ///
 /// Vectors, matrices, bool and corner properties have no form of their own in PLY: their numbers are
 /// written as scalars or, for corners, as a list per face. Header lines, one for each property in the
@@ -52,7 +52,6 @@ MeshRead readPly(std::string_view bytes, const std::string& name);
 /// Writes every property that has a PLY form. Indexed properties are written value by value, which a
 /// warning says; strings and 64-bit integers cannot be held, which a warning says too. What was
 /// written reads back equal but for what the warnings name (and the bits of not-a-number in ASCII).
-std::vector<std::string> writePly(const Korvane::Object& mesh, MeshFormat format,
-                                  OutputFile& output);
+std::vector<std::string> writePly(const Object& mesh, MeshFormat format, OutputFile& output);
 
 }  // namespace MeshIo

@@ -1,34 +1,15 @@
 #include <meshio/PlyFields.h>
 
-#include <Korvane/Geometry.h>
-
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
 #include <meshio/PlyNames.h>
-#include <meshio/ReadFile.h>
+#include <meshio/PropertyKinds.h>
 
 #include <algorithm>
 #include <limits>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 namespace {
-
-using Korvane::Object;
-using Korvane::Math::float3;
-using Pelon::Any;
-using Pelon::Array;
-using Pelon::makeMutable;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
-namespace Geometry = Korvane::Geometry;
-
-template <class T>
-T entryOr(const Object& property, const String& entry, T otherwise)
-{
-    const Any value = property.getProperty(entry);
-    const T* const typed = value.get<T>();
-    return typed ? *typed : otherwise;
-}
 
 std::optional<Owner> ownerOfComponent(const String& component)
 {
@@ -41,10 +22,9 @@ std::optional<Owner> ownerOfComponent(const String& component)
     return std::nullopt;
 }
 
-bool isComponent(const Object& mesh, const String& name)
+String targetOf(const Object& property)
 {
-    Object scratch(mesh);  // shallow; only a component takes an element count
-    return Geometry::setElementCount(name, Geometry::getElementCount(mesh, name), scratch);
+    return entryOf<String>(property, Geometry::sTarget).value_or(String());
 }
 
 // The array that a range property leads to, one value per index.
@@ -124,8 +104,7 @@ private:
 
     void collectProperty(const String& name)
     {
-        if (name == Geometry::sPointPosition || name == Geometry::sFaceOffset ||
-            name == Geometry::sFaceVertex)
+        if (isTopology(name))
             return;
         if (isComponent(m_mesh, name))
             return collectComponent(name);
@@ -154,7 +133,7 @@ private:
     {
         for (const String& other : m_mesh.propertyNames())
             if (const auto property = Geometry::getDataGeoProperty(m_mesh, other))
-                if (entryOr(*property, Geometry::sTarget, String()) == name)
+                if (targetOf(*property) == name)
                     return;
         leaveOut("index property " + quoted(name.view()), "has no values that use it");
     }
@@ -225,8 +204,8 @@ private:
         const Ptr<Array<uint>> indices =
             Geometry::getRangeGeoPropIndices(*Geometry::getRangeGeoProperty(m_mesh, range));
         std::size_t missing = 0;
-        const Ptr<Array<T>> out = makeMutable<Array<T>>(
-            expanded(*values, *indices, entryOr(property, Geometry::sDefault, T()), missing));
+        Ptr<Array<T>> out = makeMutable<Array<T>>(expanded(
+            *values, *indices, entryOf<T>(property, Geometry::sDefault).value_or(T()), missing));
         std::string warning = shown +
                               " is indexed, which PLY cannot hold; it is written value by "
                               "value, without " +
@@ -271,7 +250,7 @@ private:
     // What the entries of a list are called NAME, its offsets must be called.
     bool isListOffset(const String& name, const Object& property) const
     {
-        const String list = entryOr(property, Geometry::sTarget, String());
+        const String list = targetOf(property);
         return name.view() == std::string(list.view()) + kListOffsetEnding &&
                ownerOfList(list).has_value();
     }
@@ -283,29 +262,17 @@ private:
         const Ptr<Object> list = Geometry::getDataGeoProperty(m_mesh, name);
         const Ptr<Object> offsetProperty = Geometry::getDataGeoProperty(m_mesh, offsetName);
         const auto offsets = Geometry::dataArray<uint>(m_mesh, offsetName);
-        if (!list || !offsets || offsets->empty() ||
-            entryOr(*offsetProperty, Geometry::sTarget, String()) != name ||
-            entryOr(*list, Geometry::sTarget, String()).view() !=
-                std::string(name.view()) + kListComponentEnding)
+        if (!list || !offsets || offsets->empty() || targetOf(*offsetProperty) != name ||
+            targetOf(*list).view() != std::string(name.view()) + kListComponentEnding)
             return std::nullopt;
-        std::optional<Owner> owner = declaredOwner(*offsetProperty);
-        if (!owner)
+        std::optional<Owner> owner = ownerOfComponent(declaredOwner(*offsetProperty));
+        if (!owner || owner == Owner::Corner)
             owner = hasFaces() && offsets->size() == m_faceCount + 1 ? Owner::Face : Owner::Point;
         const bool fits = offsets->size() == countOf(*owner) + 1 && (*offsets)[0] == 0 &&
                           (*offsets)[offsets->size() - 1] == sizeOfScalarList(*list) &&
                           std::is_sorted(offsets->begin(), offsets->end()) &&
                           (*owner == Owner::Point || hasFaces());
         return fits ? owner : std::nullopt;
-    }
-
-    static std::optional<Owner> declaredOwner(const Object& offsetProperty)
-    {
-        const auto names =
-            entryOr<Ptr<Array<String>>>(offsetProperty, Geometry::sDependsOn, nullptr);
-        std::optional<Owner> owner;
-        for (std::size_t i = 0; names && i < names->size() && !owner; ++i)
-            owner = ownerOfComponent((*names)[i]);
-        return owner == Owner::Corner ? std::nullopt : owner;
     }
 
     // The number of entries, or what no offset is where they are not scalars that PLY holds.
@@ -362,5 +329,4 @@ MeshFields fieldsOfMesh(const Object& mesh, const std::string& fileName)
     return Collector(mesh, fileName).collect();
 }
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

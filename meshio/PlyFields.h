@@ -1,16 +1,13 @@
 #pragma once
 
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-
+#include <meshio/Host.h>
 #include <meshio/PlyFormat.h>
 
 #include <any>
 #include <string>
 #include <vector>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 
 /// Values of a mesh as a row of a PLY element holds them: `scalars` numbers under as many names, or
 /// one list.
@@ -20,7 +17,7 @@ struct Field {
     const unsigned char* values;  ///< of all rows, one after the other
     unsigned scalars;             ///< per row; of a list, per step of the offsets
 
-    const Pelon::uint* offsets = nullptr;  ///< of lists: where each row's list begins, and the end
+    const uint* offsets = nullptr;  ///< of lists: where each row's list begins, and the end
     Scalar countType = Scalar::UInt8;
 
     bool isList() const { return offsets != nullptr; }
@@ -43,7 +40,6 @@ struct MeshFields {
 };
 
 /// Throws FileError, which names `fileName`, for a mesh whose face offsets do not fit its corners.
-MeshFields fieldsOfMesh(const Korvane::Object& mesh, const std::string& fileName);
+MeshFields fieldsOfMesh(const Object& mesh, const std::string& fileName);
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

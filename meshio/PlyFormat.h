@@ -1,24 +1,21 @@
 #pragma once
 
 #include <Korvane/ElementTypes.h>
-#include <Korvane/Math.h>
 
 #include <meshio/MeshFile.h>
+#include <meshio/Scalars.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 /// What PLY readers and writers share: the scalar types, how element types of the host are made of
 /// them, and the header as data.
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 
 enum class Scalar : unsigned char { Int8, UInt8, Int16, UInt16, Int32, UInt32, Float32, Float64 };
 
@@ -69,29 +66,12 @@ struct Form {
     unsigned count;
 };
 
-namespace Internal {
-
-template <class T>
-struct ScalarOf {
-    using type = T;
-};
-template <class T>
-struct ScalarOf<Korvane::Math::Vector2<T>> : ScalarOf<T> {};
-template <class T>
-struct ScalarOf<Korvane::Math::Vector3<T>> : ScalarOf<T> {};
-template <class T>
-struct ScalarOf<Korvane::Math::Vector4<T>> : ScalarOf<T> {};
-template <class Row, int Rows>
-struct ScalarOf<Korvane::Math::Matrix<Row, Rows>> : ScalarOf<Row> {};
-
-}  // namespace Internal
-
 /// The form of element type T; none for strings and 64-bit integers, which PLY cannot hold.
 template <class T>
 constexpr std::optional<Form> formOf()
 {
-    using S = typename Internal::ScalarOf<T>::type;
-    constexpr unsigned count = sizeof(T) / sizeof(S);
+    using S = typename Scalars<T>::Type;
+    constexpr unsigned count = Scalars<T>::kCount;
     if constexpr (std::is_same_v<S, signed char>)
         return Form{Scalar::Int8, count};
     else if constexpr (std::is_same_v<S, unsigned char> || std::is_same_v<S, bool>)
@@ -176,33 +156,4 @@ struct Header {
 /// Throws FileError with the line.
 Header parseHeader(std::string_view bytes, const std::string& fileName);
 
-/// A name as one word of UTF-8: other bytes become %20, and the empty name a lone %.
-std::string encodedName(std::string_view name);
-std::string decodedName(std::string_view word);
-
-/// Whether binary values of this format have to be turned round on this machine.
-bool needsSwap(MeshFormat format);
-
-/// Turns the bytes of `count` scalars of 1, 2, 4 or 8 bytes round.
-void swapScalars(unsigned char* values, std::size_t scalarSize, std::size_t count);
-
-/// Copies `count` scalars of `Size` bytes, turned round with `Swap`. Meant for few of them: a call of
-/// memcpy takes longer than the numbers of most rows and lists.
-template <std::size_t Size, bool Swap>
-inline void copyScalars(unsigned char* to, const unsigned char* from, std::size_t count)
-{
-    if (!Swap && count > 16) {
-        std::memcpy(to, from, count * Size);
-        return;
-    }
-    for (std::size_t k = 0; k < count; ++k, to += Size, from += Size) {
-        unsigned char bytes[Size];
-        std::memcpy(bytes, from, Size);
-        for (std::size_t b = 0; Swap && b < Size / 2; ++b)
-            std::swap(bytes[b], bytes[Size - 1 - b]);
-        std::memcpy(to, bytes, Size);
-    }
-}
-
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

@@ -1,13 +1,13 @@
 #include <meshio/PlyFormat.h>
 
+#include <meshio/MessageText.h>
 #include <meshio/NumberText.h>
-#include <meshio/ReadFile.h>
+#include <meshio/PlyNames.h>
 
 #include <algorithm>
 #include <set>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 namespace {
 
 struct ScalarNames {
@@ -217,13 +217,6 @@ private:
     std::set<std::string> m_propertyNames;  // of the last element
 };
 
-int hexDigit(char c)
-{
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    const std::size_t place = digits.find(c);
-    return place == std::string_view::npos ? -1 : static_cast<int>(place);
-}
-
 }  // namespace
 
 const char* nameOf(Scalar scalar)
@@ -257,45 +250,4 @@ Header parseHeader(std::string_view bytes, const std::string& fileName)
     return HeaderParser(bytes, fileName).parse();
 }
 
-std::string encodedName(std::string_view name)
-{
-    if (name.empty())
-        return "%";
-    const bool keepsHighBytes = isUtf8(name);
-    std::string word;
-    for (const char c : name) {
-        const unsigned byte = static_cast<unsigned char>(c);
-        if (byte > 0x20 && c != '%' && c != 0x7F && (byte < 0x80 || keepsHighBytes)) {
-            word += c;
-            continue;
-        }
-        word += '%';
-        word += "0123456789ABCDEF"[byte >> 4];
-        word += "0123456789ABCDEF"[byte & 15];
-    }
-    return word;
-}
-
-std::string decodedName(std::string_view word)
-{
-    std::string name;
-    for (std::size_t i = 0; i < word.size(); ++i) {
-        const bool coded = word[i] == '%' && i + 2 < word.size() && hexDigit(word[i + 1]) >= 0 &&
-                           hexDigit(word[i + 2]) >= 0;
-        name +=
-            coded ? static_cast<char>(hexDigit(word[i + 1]) * 16 + hexDigit(word[i + 2])) : word[i];
-        i += coded ? 2 : 0;
-    }
-    return name == "%" && word == "%" ? std::string() : name;
-}
-
-bool needsSwap(MeshFormat format)
-{
-    const std::uint16_t one = 1;
-    const bool isLittleMachine = *reinterpret_cast<const unsigned char*>(&one) == 1;
-    return (format == MeshFormat::PlyBinary && !isLittleMachine) ||
-           (format == MeshFormat::PlyBinaryBigEndian && isLittleMachine);
-}
-
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

@@ -1,9 +1,10 @@
 #include <meshio/PlyNames.h>
 
+#include <meshio/MessageText.h>
+
 #include <algorithm>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 namespace {
 
 using Names = std::vector<std::string>;
@@ -34,7 +35,46 @@ Names numberedNames(const std::string& stem, unsigned count)
     return names;
 }
 
+int hexDigit(char c)
+{
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    const std::size_t place = digits.find(c);
+    return place == std::string_view::npos ? -1 : static_cast<int>(place);
+}
+
 }  // namespace
+
+std::string encodedName(std::string_view name)
+{
+    if (name.empty())
+        return "%";
+    const bool keepsHighBytes = isUtf8(name);
+    std::string word;
+    for (const char c : name) {
+        const unsigned byte = static_cast<unsigned char>(c);
+        if (byte > 0x20 && c != '%' && c != 0x7F && (byte < 0x80 || keepsHighBytes)) {
+            word += c;
+            continue;
+        }
+        word += '%';
+        word += "0123456789ABCDEF"[byte >> 4];
+        word += "0123456789ABCDEF"[byte & 15];
+    }
+    return word;
+}
+
+std::string decodedName(std::string_view word)
+{
+    std::string name;
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        const bool coded = word[i] == '%' && i + 2 < word.size() && hexDigit(word[i + 1]) >= 0 &&
+                           hexDigit(word[i + 2]) >= 0;
+        name +=
+            coded ? static_cast<char>(hexDigit(word[i + 1]) * 16 + hexDigit(word[i + 2])) : word[i];
+        i += coded ? 2 : 0;
+    }
+    return name == "%" && word == "%" ? std::string() : name;
+}
 
 ColumnNames::ColumnNames() : m_used{{"x", "y", "z"}, {"vertex_indices", "vertex_index"}} {}
 
@@ -64,5 +104,4 @@ std::vector<std::string> ColumnNames::columnsFor(std::string_view name, Owner ow
     return names;
 }
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

@@ -7,8 +7,11 @@
 #include <string_view>
 #include <vector>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
+
+/// A name as one word of UTF-8: other bytes become %20, and the empty name a lone %.
+std::string encodedName(std::string_view name);
+std::string decodedName(std::string_view word);
 
 /// Gives out names of PLY properties, each once per element.
 class ColumnNames {
@@ -28,5 +31,4 @@ private:
     std::set<std::string> m_used[2];  // of points; of faces, which hold the corners too
 };
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

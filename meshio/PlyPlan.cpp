@@ -1,15 +1,12 @@
 #include <meshio/PlyPlan.h>
 
-#include <meshio/ReadFile.h>
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
 
 #include <optional>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 namespace {
-
-using Pelon::Array;
-using Pelon::uint;
 
 std::optional<std::size_t> findProperty(const Element& element, std::string_view name)
 {
@@ -214,5 +211,4 @@ void demoteUnevenCorners(Plan& plan, const Rows& faces, std::vector<std::string>
     }
 }
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 
 /// One property of the mesh to be, and the PLY properties that it is made of.
 struct PlannedProperty {
@@ -37,5 +36,4 @@ Plan planProperties(const Header& header, const std::string& fileName,
 /// lists, with a warning each.
 void demoteUnevenCorners(Plan& plan, const Rows& faces, std::vector<std::string>& warnings);
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

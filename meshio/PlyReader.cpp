@@ -1,10 +1,11 @@
 #include <meshio/Ply.h>
 
-#include <Korvane/Geometry.h>
-
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
+#include <meshio/PlyBytes.h>
 #include <meshio/PlyPlan.h>
-#include <meshio/ReadFile.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -13,21 +14,19 @@ namespace MeshIo {
 namespace {
 
 using namespace Ply;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::makeMutable;
-using Pelon::MutablePtr;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
-namespace Geometry = Korvane::Geometry;
+
+/// What a mesh is made of, and how many bytes of the body are behind all elements.
+struct Elements {
+    Rows points{}, faces{};
+    std::size_t bytesLeft = 0;
+};
 
 /// The array that a planned property fills, and how it gets into the mesh.
 struct Storage {
     unsigned char* bytes = nullptr;
     Form form{};
     std::size_t count = 0;  // elements
-    std::function<void(Korvane::Object&, const String& name, const String& target)> addTo;
+    std::function<void(Object&, const String& name, const String& target)> addTo;
 };
 
 template <class T>
@@ -35,7 +34,7 @@ Storage makeStorage(std::size_t count, Form form)
 {
     const auto array = makeMutable<Array<T>>(count);
     return {reinterpret_cast<unsigned char*>(array->data()), form, count,
-            [array](Korvane::Object& mesh, const String& name, const String& target) {
+            [array](Object& mesh, const String& name, const String& target) {
                 Geometry::addDataGeoProperty<T>(mesh, name, target, array);
             }};
 }
@@ -65,17 +64,17 @@ String componentOf(Owner owner)
 
 class MeshBuilder {
 public:
-    MeshBuilder(Plan plan, Rows points, Rows faces, bool swap, const std::string& fileName,
+    MeshBuilder(Plan plan, Elements elements, bool swap, const std::string& fileName,
                 std::vector<std::string>& warnings)
         : m_plan(std::move(plan)),
-          m_points(std::move(points)),
-          m_faces(std::move(faces)),
+          m_points(std::move(elements.points)),
+          m_faces(std::move(elements.faces)),
           m_swap(swap),
           m_fileName(fileName),
           m_warnings(warnings)
     {}
 
-    MutablePtr<Korvane::Object> build()
+    MutablePtr<Object> build()
     {
         for (const PlannedProperty& property : m_plan.properties)
             m_storages.push_back(allocate(property));
@@ -84,7 +83,7 @@ public:
         Array<uint> faceOffset =
             m_plan.face ? std::move(m_faces.offsets[m_plan.topology]) : Array<uint>{0};
         finishStorages();
-        const auto mesh =
+        MutablePtr<Object> mesh =
             Geometry::makeMesh(std::move(positions), std::move(faceOffset), std::move(faceVertex));
         for (std::size_t i = 0; i < m_storages.size(); ++i)
             add(m_plan.properties[i], m_storages[i], *mesh);
@@ -100,7 +99,7 @@ private:
     Storage allocate(const PlannedProperty& property)
     {
         const Rows& rows = rowsOf(property);
-        const std::size_t rowCount = static_cast<std::size_t>(rows.element->count);
+        const std::size_t rowCount = rows.count();
         if (property.isList()) {
             const Array<uint>& offsets = rows.offsets[property.columns[0]];
             return makeStorage(nameOf(rows.element->properties[property.columns[0]].type),
@@ -130,7 +129,7 @@ private:
     Array<float3> readPoints()
     {
         std::vector<Sink> sinks = sinksFor(m_points);
-        Array<float3> positions(static_cast<std::size_t>(m_plan.vertex->count));
+        Array<float3> positions(m_points.count());
         bool isFloat3 = true;
         for (const std::size_t column : m_plan.position)
             isFloat3 = isFloat3 && m_plan.vertex->properties[column].type == Scalar::Float32;
@@ -149,7 +148,7 @@ private:
 
     Array<float3> convertPoints(std::vector<Sink> sinks)
     {
-        const std::size_t count = static_cast<std::size_t>(m_plan.vertex->count);
+        const std::size_t count = m_points.count();
         Storage coordinates[3];
         for (std::size_t k = 0; k < 3; ++k) {
             const Scalar type = m_plan.vertex->properties[m_plan.position[k]].type;
@@ -200,8 +199,7 @@ private:
             return {};
         std::vector<Sink> sinks = sinksFor(m_faces);
         const Scalar type = m_plan.face->properties[m_plan.topology].type;
-        Array<uint> faceVertex(
-            m_faces.offsets[m_plan.topology][static_cast<std::size_t>(m_plan.face->count)]);
+        Array<uint> faceVertex(m_faces.offsets[m_plan.topology][m_faces.count()]);
         const bool isWide = sizeOf(type) == sizeof(uint);
         Storage narrow = isWide ? Storage() : makeStorage(nameOf(type), faceVertex.size());
         auto* const bytes = reinterpret_cast<unsigned char*>(faceVertex.data());
@@ -221,8 +219,7 @@ private:
         swapIfNeeded(narrow);
         withScalar(narrow.form.scalar, [&](auto zero) {
             const auto* const values = reinterpret_cast<const decltype(zero)*>(narrow.bytes);
-            for (std::size_t i = 0; i < faceVertex.size(); ++i)
-                faceVertex[i] = static_cast<uint>(values[i]);
+            std::copy(values, values + faceVertex.size(), faceVertex.begin());
         });
     }
 
@@ -263,7 +260,7 @@ private:
         }
     }
 
-    void add(const PlannedProperty& property, const Storage& storage, Korvane::Object& mesh)
+    void add(const PlannedProperty& property, const Storage& storage, Object& mesh)
     {
         const std::string name = freeName(property, mesh);
         if (property.isList())
@@ -272,8 +269,7 @@ private:
             storage.addTo(mesh, name, componentOf(property.owner));
     }
 
-    static bool isFree(const std::string& name, const PlannedProperty& property,
-                       const Korvane::Object& mesh)
+    static bool isFree(const std::string& name, const PlannedProperty& property, const Object& mesh)
     {
         if (mesh.hasProperty(name) || name == Geometry::sRenderSettings.view())
             return false;
@@ -282,7 +278,7 @@ private:
     }
 
     // A mesh has one property of a name; a PLY file may have it on points and on faces.
-    std::string freeName(const PlannedProperty& property, const Korvane::Object& mesh)
+    std::string freeName(const PlannedProperty& property, const Object& mesh)
     {
         if (isFree(property.name, property, mesh))
             return property.name;
@@ -296,7 +292,7 @@ private:
     }
 
     void addList(const PlannedProperty& property, const Storage& storage, const std::string& name,
-                 Korvane::Object& mesh)
+                 Object& mesh)
     {
         const auto component = Korvane::createObject();
         Geometry::populateComponentGeoProperty(static_cast<uint>(storage.count), *component);
@@ -308,7 +304,7 @@ private:
         Geometry::addDataGeoProperty<uint>(mesh, offsetName, name,
                                            makeMutable<Array<uint>>(std::move(offsets)));
         const auto offsetProperty =
-            makeMutable<Korvane::Object>(*Geometry::getDataGeoProperty(mesh, offsetName));
+            makeMutable<Object>(*Geometry::getDataGeoProperty(mesh, offsetName));
         offsetProperty->setProperty(
             Geometry::sDependsOn,
             makeMutable<Array<String>>(Array<String>{componentOf(property.owner)}));
@@ -324,6 +320,27 @@ private:
     std::vector<Storage> m_storages;
 };
 
+// Of the body's elements a mesh takes two.
+Elements findRows(const Header& header, const Plan& plan, std::string_view body,
+                  const std::string& fileName, std::vector<std::string>& warnings)
+{
+    RowFinder finder(body, header.size, needsSwap(header.format), fileName);
+    Elements found;
+    for (const Element& element : header.elements) {
+        Rows rows = finder.take(element);
+        if (&element == plan.vertex)
+            found.points = std::move(rows);
+        else if (&element == plan.face)
+            found.faces = std::move(rows);
+        else if (element.count > 0)
+            warnings.push_back("element " + quoted(element.name) + " of " +
+                               std::to_string(element.count) +
+                               " rows is left out; a mesh has points and faces only");
+    }
+    found.bytesLeft = finder.bytesLeft();
+    return found;
+}
+
 }  // namespace
 
 MeshRead readPly(std::string_view bytes, const std::string& name)
@@ -332,35 +349,22 @@ MeshRead readPly(std::string_view bytes, const std::string& name)
     MeshRead read{nullptr, header.format, {}};
     Plan plan = planProperties(header, name, read.warnings);
 
-    const bool isText = header.format == MeshFormat::PlyAscii;
     std::string_view body = bytes.substr(header.size);
     Array<unsigned char> binary;
     std::size_t bytesLeft = 0;
-    if (isText) {
+    if (header.format == MeshFormat::PlyAscii) {
         binary = binaryOfText(header, body, name, bytesLeft);
         body = {reinterpret_cast<const char*>(binary.data()), binary.size()};
     }
-    RowFinder finder(body, header.size, needsSwap(header.format), name);
-    Rows points{}, faces{};
-    for (const Element& element : header.elements) {
-        Rows rows = finder.take(element);
-        if (&element == plan.vertex)
-            points = std::move(rows);
-        else if (&element == plan.face)
-            faces = std::move(rows);
-        else if (element.count > 0)
-            read.warnings.push_back("element " + quoted(element.name) + " of " +
-                                    std::to_string(element.count) +
-                                    " rows is left out; a mesh has points and faces only");
-    }
-    bytesLeft += finder.bytesLeft();
+    Elements elements = findRows(header, plan, body, name, read.warnings);
+    bytesLeft += elements.bytesLeft;
     if (bytesLeft > 0)
         read.warnings.push_back(std::to_string(bytesLeft) +
                                 " bytes follow the last element and are left out");
     if (plan.face)
-        demoteUnevenCorners(plan, faces, read.warnings);
-    read.mesh = MeshBuilder(std::move(plan), std::move(points), std::move(faces),
-                            needsSwap(header.format), name, read.warnings)
+        demoteUnevenCorners(plan, elements.faces, read.warnings);
+    read.mesh = MeshBuilder(std::move(plan), std::move(elements), needsSwap(header.format), name,
+                            read.warnings)
                     .build();
     return read;
 }

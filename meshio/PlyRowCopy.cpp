@@ -1,20 +1,13 @@
 #include <meshio/PlyRows.h>
 
-#include <meshio/ReadFile.h>
+#include <meshio/Host.h>
+#include <meshio/PlyBytes.h>
 
 #include <algorithm>
 #include <cstring>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 namespace {
-
-using Pelon::Array;
-using Pelon::uint;
-
-// Rows are copied property by property in blocks that stay in the nearest cache.
-constexpr std::size_t kRowsPerBlock = 1024;
-constexpr std::size_t kBlocksPerPoll = 1024;
 
 /// Consecutive scalars of a row that go to consecutive bytes, or a list.
 struct Run {
@@ -49,40 +42,40 @@ std::vector<Run> runsOf(const Rows& rows, const std::vector<Sink>& sinks)
     return runs;
 }
 
-template <std::size_t Bytes>
-void copyStrided(const unsigned char* from, std::size_t fromStride, const Sink& to, std::size_t row,
-                 std::size_t count)
-{
-    unsigned char* target = to.first + row * to.stride;
-    for (std::size_t i = 0; i < count; ++i, from += fromStride, target += to.stride)
-        std::memcpy(target, from, Bytes);
-}
-
-void copyStrided(const unsigned char* from, std::size_t fromStride, std::size_t bytes,
-                 const Sink& to, std::size_t row, std::size_t count)
+// Calls `f` with a number of bytes, which is a constant where it is a common one.
+template <class F>
+void withRunSize(std::size_t bytes, const F& f)
 {
     switch (bytes) {
-        case 1:
-            return copyStrided<1>(from, fromStride, to, row, count);
-        case 2:
-            return copyStrided<2>(from, fromStride, to, row, count);
         case 3:
-            return copyStrided<3>(from, fromStride, to, row, count);
-        case 4:
-            return copyStrided<4>(from, fromStride, to, row, count);
-        case 8:
-            return copyStrided<8>(from, fromStride, to, row, count);
+            return f(Bytes<3>());
         case 12:
-            return copyStrided<12>(from, fromStride, to, row, count);
+            return f(Bytes<12>());
         case 16:
-            return copyStrided<16>(from, fromStride, to, row, count);
+            return f(Bytes<16>());
         case 24:
-            return copyStrided<24>(from, fromStride, to, row, count);
+            return f(Bytes<24>());
+        case 1:
+        case 2:
+        case 4:
+        case 8:
+            return withScalarSize(bytes, f);
         default:
-            break;
+            return f(bytes);
     }
-    for (std::size_t i = 0; i < count; ++i)
-        std::memcpy(to.first + (row + i) * to.stride, from + i * fromStride, bytes);
+}
+
+// Copies a run of each row of a block, which is found at `from(i)`.
+template <class From>
+void copyRun(const Run& run, std::size_t row, std::size_t count, const From& from)
+{
+    const std::size_t stride = run.sink.stride;
+    unsigned char* const first = run.sink.first + row * stride;
+    withRunSize(run.bytes, [&](auto bytes) {
+        unsigned char* target = first;
+        for (std::size_t i = 0; i < count; ++i, target += stride)
+            std::memcpy(target, from(i), bytes);
+    });
 }
 
 void copyFixedRows(const Rows& rows, const std::vector<Run>& runs)
@@ -90,20 +83,16 @@ void copyFixedRows(const Rows& rows, const std::vector<Run>& runs)
     std::size_t rowSize = 0;
     for (const Run& run : runs)
         rowSize += run.bytes;
-    const std::size_t rowCount = static_cast<std::size_t>(rows.element->count);
-    for (std::size_t row = 0; row < rowCount; row += kRowsPerBlock) {
-        if (row / kRowsPerBlock % kBlocksPerPoll == 0)
-            throwIfCancelled();
-        const std::size_t count = std::min(kRowsPerBlock, rowCount - row);
+    forEachBlock(rows.count(), [&, rowSize](std::size_t row, std::size_t count) {
         const unsigned char* from = rows.first + row * rowSize;
         for (const Run& run : runs) {
             if (run.sink.first && run.bytes == rowSize && run.sink.stride == rowSize)
                 std::memcpy(run.sink.first + row * rowSize, from, count * rowSize);
             else if (run.sink.first)
-                copyStrided(from, rowSize, run.bytes, run.sink, row, count);
+                copyRun(run, row, count, [=](std::size_t i) { return from + i * rowSize; });
             from += run.bytes;
         }
-    }
+    });
 }
 
 /// Copies rows of different sizes: the place of every row of a block is found first, then each
@@ -116,16 +105,10 @@ public:
     {
         findPlaces(row, count);
         for (const Run& run : m_runs) {
-            if (!run.offsets)
-                gatherRun(run, row, count);
-            else if (run.entrySize == 4)
-                gatherLists<4>(run, row, count);
-            else if (run.entrySize == 8)
-                gatherLists<8>(run, row, count);
-            else if (run.entrySize == 2)
-                gatherLists<2>(run, row, count);
+            if (run.offsets)
+                withScalarSize(run.entrySize, [&](auto size) { copyLists<size>(run, row, count); });
             else
-                gatherLists<1>(run, row, count);
+                copyScalars(run, row, count);
         }
     }
 
@@ -145,45 +128,23 @@ private:
         }
     }
 
-    void gatherRun(const Run& run, std::size_t row, std::size_t count)
+    void copyScalars(const Run& run, std::size_t row, std::size_t count)
     {
         if (run.sink.first)
-            switch (run.bytes) {
-                case 1:
-                    gather<1>(run.sink, row, count);
-                    break;
-                case 4:
-                    gather<4>(run.sink, row, count);
-                    break;
-                case 12:
-                    gather<12>(run.sink, row, count);
-                    break;
-                default:
-                    for (std::size_t i = 0; i < count; ++i)
-                        std::memcpy(run.sink.first + (row + i) * run.sink.stride, m_places[i],
-                                    run.bytes);
-            }
+            copyRun(run, row, count, [this](std::size_t i) { return m_places[i]; });
         for (std::size_t i = 0; i < count; ++i)
             m_places[i] += run.bytes;
     }
 
-    template <std::size_t Bytes>
-    void gather(const Sink& sink, std::size_t row, std::size_t count)
-    {
-        unsigned char* target = sink.first + row * sink.stride;
-        for (std::size_t i = 0; i < count; ++i, target += sink.stride)
-            std::memcpy(target, m_places[i], Bytes);
-    }
-
     template <std::size_t Size>
-    void gatherLists(const Run& run, std::size_t row, std::size_t count)
+    void copyLists(const Run& run, std::size_t row, std::size_t count)
     {
         for (std::size_t i = 0; i < count; ++i) {
             const unsigned char* const from = m_places[i] + run.bytes;
             const std::size_t entries = run.offsets[row + i + 1] - run.offsets[row + i];
             if (run.sink.first)
-                copyScalars<Size, false>(run.sink.first + run.offsets[row + i] * Size, from,
-                                         entries);
+                Ply::copyScalars<Size, false>(run.sink.first + run.offsets[row + i] * Size, from,
+                                              entries);
             m_places[i] = from + entries * Size;
         }
     }
@@ -196,13 +157,9 @@ private:
 
 void copyVaryingRows(const Rows& rows, const std::vector<Run>& runs)
 {
-    const std::size_t rowCount = static_cast<std::size_t>(rows.element->count);
     BlockCopy blocks(rows, runs);
-    for (std::size_t row = 0; row < rowCount; row += kRowsPerBlock) {
-        if (row / kRowsPerBlock % kBlocksPerPoll == 0)
-            throwIfCancelled();
-        blocks.copy(row, std::min(kRowsPerBlock, rowCount - row));
-    }
+    forEachBlock(rows.count(),
+                 [&blocks](std::size_t row, std::size_t count) { blocks.copy(row, count); });
 }
 
 }  // namespace
@@ -218,15 +175,4 @@ void copyRows(const Rows& rows, const std::vector<Sink>& sinks)
         copyFixedRows(rows, runs);
 }
 
-void swapScalars(unsigned char* values, std::size_t scalarSize, std::size_t count)
-{
-    if (scalarSize == 2)
-        copyScalars<2, true>(values, values, count);
-    else if (scalarSize == 4)
-        copyScalars<4, true>(values, values, count);
-    else if (scalarSize == 8)
-        copyScalars<8, true>(values, values, count);
-}
-
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

@@ -1,16 +1,14 @@
 #include <meshio/PlyRows.h>
 
-#include <meshio/ReadFile.h>
+#include <meshio/Cancelled.h>
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
 
 #include <algorithm>
 #include <cstring>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 namespace {
-
-using Pelon::Array;
-using Pelon::uint;
 
 constexpr std::uint64_t kRowsPerPoll = std::uint64_t(1) << 20;
 constexpr std::uint64_t kMostEntries = 0xFFFFFFFE;  // what 32-bit offsets can name
@@ -156,5 +154,4 @@ Rows RowFinder::take(const Element& element)
     return rows;
 }
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

@@ -1,20 +1,13 @@
 #include <meshio/PlyRowWriter.h>
 
-#include <meshio/NumberText.h>
-#include <meshio/OutputFile.h>
-#include <meshio/ReadFile.h>
+#include <meshio/PlyBytes.h>
+#include <meshio/TextWriter.h>
 
 #include <algorithm>
 #include <cstring>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 namespace {
-
-// Rows are put together field by field in blocks that stay in the nearer caches.
-constexpr std::size_t kRowsPerBlock = 1024;
-constexpr std::size_t kBlocksPerPoll = 1024;
-constexpr std::size_t kTextPerWrite = std::size_t(1) << 20;
 
 std::size_t listLength(const Field& field, std::size_t row)
 {
@@ -30,22 +23,8 @@ public:
     std::string_view make(std::size_t row, std::size_t count)
     {
         findPlaces(row, count);
-        for (const Field& field : m_element.fields) {
-            switch (sizeOf(field.type)) {
-                case 1:
-                    put<1>(field, row, count);
-                    break;
-                case 2:
-                    put<2>(field, row, count);
-                    break;
-                case 4:
-                    put<4>(field, row, count);
-                    break;
-                default:
-                    put<8>(field, row, count);
-                    break;
-            }
-        }
+        for (const Field& field : m_element.fields)
+            withScalarSize(sizeOf(field.type), [&](auto size) { put<size>(field, row, count); });
         return {reinterpret_cast<const char*>(m_bytes.data()), m_size};
     }
 
@@ -130,56 +109,45 @@ private:
     std::size_t m_places[kRowsPerBlock];  // where the next field of each row begins
 };
 
-void appendScalars(std::string& text, Scalar type, const unsigned char* from, std::size_t count)
+void writeScalars(Scalar type, const unsigned char* from, std::size_t count, TextWriter& out)
 {
     withScalar(type, [&](auto value) {
         for (std::size_t k = 0; k < count; ++k) {
             std::memcpy(&value, from + k * sizeof(value), sizeof(value));
-            appendNumber(text, value);
-            text += ' ';
+            out << (k > 0 ? " " : "") << value;
         }
     });
 }
 
-void appendRow(std::string& text, const ElementFields& element, std::size_t row)
+void writeTextRow(const ElementFields& element, std::size_t row, TextWriter& out)
 {
+    const char* before = "";
     for (const Field& field : element.fields) {
-        if (!field.isList()) {
-            appendScalars(text, field.type, field.values + row * field.rowBytes(), field.scalars);
-            continue;
-        }
-        appendNumber(text, static_cast<unsigned long long>(listLength(field, row)));
-        text += ' ';
-        appendScalars(text, field.type, field.values + field.offsets[row] * field.rowBytes(),
-                      listLength(field, row));
+        out << std::exchange(before, " ");
+        const std::size_t first = field.isList() ? field.offsets[row] : row;
+        const std::size_t count = field.isList() ? listLength(field, row) : field.scalars;
+        if (field.isList())
+            out << count << (count > 0 ? " " : "");
+        writeScalars(field.type, field.values + first * field.rowBytes(), count, out);
     }
-    text.back() = '\n';
-}
-
-void writeText(const ElementFields& element, OutputFile& output)
-{
-    std::string text;
-    for (std::size_t row = 0; row < element.count; ++row) {
-        if (row % (kRowsPerBlock * kBlocksPerPoll) == 0)
-            throwIfCancelled();
-        appendRow(text, element, row);
-        if (text.size() > kTextPerWrite) {
-            output.write(text);
-            text.clear();
-        }
-    }
-    output.write(text);
+    out << '\n';
 }
 
 template <bool Swap>
 void writeBinary(const ElementFields& element, OutputFile& output)
 {
     BinaryBlocks<Swap> blocks(element);
-    for (std::size_t row = 0; row < element.count; row += kRowsPerBlock) {
-        if (row / kRowsPerBlock % kBlocksPerPoll == 0)
-            throwIfCancelled();
-        output.write(blocks.make(row, std::min(kRowsPerBlock, element.count - row)));
-    }
+    forEachBlock(element.count, [&](std::size_t row, std::size_t count) {
+        output.write(blocks.make(row, count));
+    });
+}
+
+void writeText(const ElementFields& element, OutputFile& output)
+{
+    TextWriter out(output);
+    for (std::size_t row = 0; row < element.count; ++row)
+        writeTextRow(element, row, out);
+    out.flush();
 }
 
 }  // namespace
@@ -194,5 +162,4 @@ void writeRows(const ElementFields& element, MeshFormat format, OutputFile& outp
         writeBinary<false>(element, output);
 }
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

@@ -3,13 +3,12 @@
 #include <meshio/PlyFields.h>
 
 namespace MeshIo {
-
 class OutputFile;
+}
 
-namespace Ply {
+namespace MeshIo::Ply {
 
 /// Writes the rows of an element in the given format.
 void writeRows(const ElementFields& element, MeshFormat format, OutputFile& output);
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

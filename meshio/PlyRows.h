@@ -1,15 +1,13 @@
 #pragma once
 
-#include <Pelon/Array.h>
-
+#include <meshio/Host.h>
 #include <meshio/PlyFormat.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 
 /// The rows of one element, found in the body and known to lie inside it.
 struct Rows {
@@ -17,7 +15,9 @@ struct Rows {
     const unsigned char* first;
     /// Per property: where the list of each row begins among the entries of all rows, and the end;
     /// nothing for scalars.
-    std::vector<Pelon::Array<Pelon::uint>> offsets;
+    std::vector<Array<uint>> offsets;
+
+    std::size_t count() const { return static_cast<std::size_t>(element->count); }
 };
 
 /// Walks through a body in binary form and finds the elements' rows.
@@ -66,8 +66,7 @@ void copyRows(const Rows& rows, const std::vector<Sink>& sinks);
 
 /// An ASCII body in the binary form of this machine; `bytesLeft` becomes what follows the rows.
 /// Throws FileError with the line.
-Pelon::Array<unsigned char> binaryOfText(const Header& header, std::string_view body,
-                                         const std::string& fileName, std::size_t& bytesLeft);
+Array<unsigned char> binaryOfText(const Header& header, std::string_view body,
+                                  const std::string& fileName, std::size_t& bytesLeft);
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

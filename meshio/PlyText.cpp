@@ -1,16 +1,15 @@
 #include <meshio/PlyRows.h>
 
+#include <meshio/Cancelled.h>
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
 #include <meshio/NumberText.h>
-#include <meshio/ReadFile.h>
 
 #include <algorithm>
 #include <cstring>
 
-namespace MeshIo {
-namespace Ply {
+namespace MeshIo::Ply {
 namespace {
-
-using Pelon::Array;
 
 constexpr std::uint64_t kRowsPerPoll = std::uint64_t(1) << 20;
 
@@ -191,5 +190,4 @@ Array<unsigned char> binaryOfText(const Header& header, std::string_view body,
     return rows.takeBinary();
 }
 
-}  // namespace Ply
-}  // namespace MeshIo
+}  // namespace MeshIo::Ply

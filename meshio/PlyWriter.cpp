@@ -1,7 +1,9 @@
 #include <meshio/Ply.h>
 
+#include <meshio/Host.h>
 #include <meshio/OutputFile.h>
 #include <meshio/PlyFields.h>
+#include <meshio/PlyNames.h>
 #include <meshio/PlyRowWriter.h>
 
 namespace MeshIo {
@@ -51,8 +53,7 @@ std::string headerText(const MeshFields& fields, MeshFormat format)
 
 }  // namespace
 
-std::vector<std::string> writePly(const Korvane::Object& mesh, MeshFormat format,
-                                  OutputFile& output)
+std::vector<std::string> writePly(const Object& mesh, MeshFormat format, OutputFile& output)
 {
     MeshFields fields = fieldsOfMesh(mesh, output.path());
     output.write(headerText(fields, format));

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/TypeRep.h>
-
-#include <meshio/ReadFile.h>
+#include <meshio/Cancelled.h>
+#include <meshio/Host.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -15,8 +12,8 @@ namespace MeshIo {
 
 /// One side of a face, by the corner at which it starts.
 struct EdgeSide {
-    Pelon::uint smaller;  ///< the edge's point of smaller index
-    Pelon::uint corner;
+    uint smaller;  ///< the edge's point of smaller index
+    uint corner;
     bool isDescending;  ///< whether the face runs from the larger point to the smaller one
 
     bool operator<(const EdgeSide& other) const
@@ -28,7 +25,7 @@ struct EdgeSide {
 /// An edge of polygons, with the sides of all faces that run along it, in corner order. Its points
 /// are the same where a face names one point twice in a row.
 struct PolygonEdge {
-    Pelon::uint smaller, larger;
+    uint smaller, larger;
     const EdgeSide* first;
     const EdgeSide* last;
 
@@ -47,20 +44,21 @@ struct PolygonEdge {
 };
 
 /// The edges of a mesh without errors (see Validate.h), those of its polygons and not of the
-/// triangles in them. A mesh without faces has none. Memory is 12 bytes per corner and 4 per point.
+/// triangles in them. A mesh without faces has none. Memory is 8 bytes per corner and 4 per point.
 class PolygonEdges {
 public:
-    explicit PolygonEdges(const Korvane::Object& mesh);
+    explicit PolygonEdges(const Object& mesh);
+    PolygonEdges(Ptr<Array<uint>> faceOffset, Ptr<Array<uint>> faceVertex, std::size_t pointCount);
 
-    const Pelon::Array<Pelon::uint>& faceVertex() const { return m_faceVertex; }
-    std::size_t faceCount() const { return m_faceOffset.empty() ? 0 : m_faceOffset.size() - 1; }
+    const Array<uint>& faceVertex() const { return *m_faceVertex; }
+    std::size_t faceCount() const { return m_faceOffset->size() - 1; }
     std::size_t pointCount() const { return m_sideOffset.size() - 1; }
 
     /// The next corner of the same face.
-    Pelon::uint next(Pelon::uint corner) const { return m_next[corner]; }
+    uint next(uint corner) const { return m_next[corner]; }
 
     /// "corner 7 of face 2".
-    std::string cornerName(Pelon::uint corner) const;
+    std::string cornerName(uint corner) const;
 
     /// Calls visit(const PolygonEdge&) for every edge, by larger and then smaller point. Time is
     /// linear but for long lists of one point's edges, which are sorted. Throws std::runtime_error
@@ -72,13 +70,13 @@ public:
         for (std::size_t point = 0; point < pointCount(); ++point) {
             if (point % kPollEvery == 0)
                 throwIfCancelled();
-            sidesOf(static_cast<Pelon::uint>(point), sides);
+            sidesOf(static_cast<uint>(point), sides);
             const EdgeSide* const end = sides.data() + sides.size();
             for (const EdgeSide* side = sides.data(); side != end;) {
                 const EdgeSide* const first = side;
                 while (side != end && side->smaller == first->smaller)
                     ++side;
-                visit(PolygonEdge{first->smaller, static_cast<Pelon::uint>(point), first, side});
+                visit(PolygonEdge{first->smaller, static_cast<uint>(point), first, side});
             }
         }
     }
@@ -86,11 +84,11 @@ public:
 private:
     static constexpr std::size_t kPollEvery = 1 << 16;  // points
 
-    void sidesOf(Pelon::uint larger, std::vector<EdgeSide>& sides) const;
+    void sidesOf(uint larger, std::vector<EdgeSide>& sides) const;
 
-    Pelon::Array<Pelon::uint> m_faceOffset, m_faceVertex;
-    Pelon::Array<Pelon::uint> m_next;
-    Pelon::Array<Pelon::uint> m_sideOffset, m_side;  // corners by the larger point of their side
+    Ptr<Array<uint>> m_faceOffset, m_faceVertex;
+    Array<uint> m_next;
+    Array<uint> m_sideOffset, m_side;  // corners by the larger point of their side
 };
 
 }  // namespace MeshIo

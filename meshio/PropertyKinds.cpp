@@ -1,15 +1,10 @@
 #include <meshio/PropertyKinds.h>
 
-#include <Korvane/ElementTypes.h>
-#include <Korvane/Geometry.h>
+#include <meshio/Host.h>
 
 namespace MeshIo {
 
 using namespace Korvane::Geometry;
-using Korvane::Object;
-using Pelon::Array;
-using Pelon::Ptr;
-using Pelon::String;
 
 bool isTopology(const String& name)
 {
@@ -21,9 +16,33 @@ bool isMeshComponent(const String& name)
     return name == sPointComp || name == sFaceComp || name == sFaceVertexComp;
 }
 
+std::string elementWord(const String& component)
+{
+    return component == sPointComp        ? "point"
+           : component == sFaceComp       ? "face"
+           : component == sFaceVertexComp ? "corner"
+                                          : "";
+}
+
+bool isComponent(const Object& mesh, const String& name)
+{
+    Object scratch(mesh);  // shallow; only a component takes an element count
+    return setElementCount(name, 0, scratch);
+}
+
 bool isOwnValue(const Object& mesh, const String& name)
 {
     return name != sRenderSettings && !mesh.getProperty(name).get<Ptr<Object>>();
+}
+
+String declaredOwner(const Object& offsets)
+{
+    const auto names = entryOf<Ptr<Array<String>>>(offsets, sDependsOn);
+    if (names && *names)
+        for (const String& name : **names)
+            if (isMeshComponent(name))
+                return name;
+    return String();
 }
 
 std::optional<ElementProperty> findElementProperty(const Object& mesh, const String& name)

@@ -1,15 +1,14 @@
 #include <meshio/QuadMesh.h>
 
-#include <Korvane/Geometry.h>
 #include <Tessary/Topology.h>
-#include <Tessary/Triangulation.h>
 
+#include <meshio/Cancelled.h>
 #include <meshio/Creases.h>
 #include <meshio/CutPoints.h>
-#include <meshio/EdgeProblem.h>
 #include <meshio/EdgeReport.h>
+#include <meshio/Host.h>
+#include <meshio/MeshArrays.h>
 #include <meshio/QuadProperties.h>
-#include <meshio/ReadFile.h>
 #include <meshio/Validate.h>
 
 #include <algorithm>
@@ -19,32 +18,19 @@ namespace MeshIo {
 namespace {
 
 using namespace Korvane::Geometry;
-using Korvane::Object;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
-
-constexpr uint kNone = 0xFFFFFFFF;
 
 // A polygon mesh and its way to quads.
-struct Topology {
-    Array<float3> points;
-    Array<uint> faceOffset, faceVertex;
+struct Topology : MeshArrays {
+    explicit Topology(const Object& mesh)
+        : MeshArrays(mesh), triFaceVertex(fanTriangles(*faceOffset, *faceVertex))
+    {}
+
+    TriangulatedView view() const { return {*faceOffset, *faceVertex, triFaceVertex, triEdges}; }
+
     Array<uint> triFaceVertex, triEdges;
     Array<uint> quadFaceVertex;
     uint pointCount = 0;  // of the quad mesh
-
-    TriangulatedView view() const { return {faceOffset, faceVertex, triFaceVertex, triEdges}; }
 };
-
-[[noreturn]] void reject(const std::string& name, Problem problem)
-{
-    ValidationReport report;
-    report.problems.push_back(std::move(problem));
-    throw InvalidMesh(name, std::move(report));
-}
 
 void checkOptions(const QuadOptions& options)
 {
@@ -62,54 +48,36 @@ void checkOptions(const QuadOptions& options)
     expect(isShare(options.gap), "the gap is outside 0 to 1");
 }
 
-template <class T>
-Array<T> arrayOr(const Object& mesh, const String& name, Array<T> otherwise)
-{
-    const Ptr<Array<T>> array = dataArray<T>(mesh, name);
-    return array ? *array : std::move(otherwise);
-}
-
-Topology triangulated(const Object& mesh)
-{
-    Topology topology;
-    topology.points = arrayOr<float3>(mesh, sPointPosition, {});
-    topology.faceOffset = arrayOr<uint>(mesh, sFaceOffset, {0});
-    topology.faceVertex = arrayOr<uint>(mesh, sFaceVertex, {});
-    Array<uint> triFaceOffset;
-    if (!Tessary::computeTriangulation(topology.faceOffset, topology.faceVertex, triFaceOffset,
-                                       topology.triFaceVertex))
-        throw std::invalid_argument("the mesh has faces that cannot be triangulated; validate it");
-    return topology;
-}
-
 // Two bits of the codes that place the new points are taken.
 void rejectTooLarge(const Topology& mesh, const std::string& name)
 {
     constexpr std::uint64_t kMost = (std::uint64_t{1} << 30) - 1;
     const std::uint64_t corners = mesh.triFaceVertex.size();
-    if (corners + mesh.points.size() <= kMost)
+    const std::uint64_t points = mesh.points->size();
+    if (corners + points <= kMost)
         return;
-    reject(name, {Problem::Severity::Error,
-                  "too-large",
-                  "more corners than indices of a quad mesh can name",
-                  1,
-                  {"a mesh of " + std::to_string(mesh.points.size()) + " points and " +
-                   std::to_string(corners / 3) + " triangles"},
-                  "split the mesh into parts"});
+    throw InvalidMesh(name, Problem{Problem::Severity::Error,
+                                    "too-large",
+                                    "more corners than indices of a quad mesh can name",
+                                    1,
+                                    {"a mesh of " + std::to_string(points) + " points and " +
+                                     std::to_string(corners / 3) + " triangles"},
+                                    "split the mesh into parts"});
 }
 
 // Returns how many edges had to be split.
 std::uint64_t findEdges(Topology& mesh, const std::string& name, bool splitEdges)
 {
-    const EdgeReport report = findSameDirectionEdges(mesh.triFaceVertex, mesh.points.size(), 3);
+    const std::size_t points = mesh.points->size();
+    const EdgeReport report = findSameDirectionEdges(mesh.triFaceVertex, points, 3);
     if (!splitEdges)
         rejectSameDirection(
-            mesh.faceOffset, report, name,
+            *mesh.faceOffset, report, name,
             "turn one of the faces round, give it points of its own, or use --split-edges");
     if (report.count == 0)
         Tessary::computeTriEdges(mesh.triFaceVertex, mesh.triEdges);
     else
-        mesh.triEdges = separatedTriEdges(mesh.triFaceVertex, mesh.points.size());
+        mesh.triEdges = separatedTriEdges(mesh.triFaceVertex, points);
     throwIfCancelled();
     return report.count;
 }
@@ -119,7 +87,7 @@ Array<bool> creasesOf(const Topology& topology, const Object& mesh, const QuadOp
     if (!options.creaseProperty.empty())
         return creasesByProperty(topology.view(), mesh, options.creaseProperty);
     if (options.creaseAngle)
-        return creasesByAngle(topology.view(), topology.points, *options.creaseAngle);
+        return creasesByAngle(topology.view(), *topology.points, *options.creaseAngle);
     return Array<bool>(topology.triFaceVertex.size());
 }
 
@@ -151,8 +119,8 @@ void openGaps(const Topology& mesh, const CutPoints& cut, float gap, Array<float
     if (gap == 0)
         return;
     forEachCrease(mesh, [&](uint corner, uint first, uint second) {
-        const float3& start = mesh.points[mesh.triFaceVertex[corner]];
-        const float3& end = mesh.points[mesh.triFaceVertex[after(corner)]];
+        const float3& start = (*mesh.points)[mesh.triFaceVertex[corner]];
+        const float3& end = (*mesh.points)[mesh.triFaceVertex[after(corner)]];
         const float t = cut.edgeWeights[corner];
         const float nearStart = std::min(1.0f, t + gap / 2);
         const float nearEnd = std::max(0.0f, t - gap / 2);
@@ -176,15 +144,16 @@ QuadMesh makeQuadMesh(const Object& mesh, const std::string& name,
 {
     checkOptions(options);
     QuadMesh result;
-    Topology topology = triangulated(mesh);
+    Topology topology(mesh);
+    const std::size_t pointCount = topology.points->size();
     rejectTooLarge(topology, name);
     result.splitEdges = findEdges(topology, name, options.splitEdges);
     topology.pointCount = Tessary::computeQuadMesh(
         topology.triFaceVertex, topology.triEdges, creasesOf(topology, mesh, options),
-        static_cast<uint>(topology.points.size()), topology.quadFaceVertex);
+        static_cast<uint>(pointCount), topology.quadFaceVertex);
     throwIfCancelled();
-    const CutPoints cut = cutPointsOf(topology.triFaceVertex, topology.quadFaceVertex,
-                                      topology.points.size(), topology.pointCount, options);
+    const CutPoints cut = cutPointsOf(topology.triFaceVertex, topology.quadFaceVertex, pointCount,
+                                      topology.pointCount, options);
     QuadProperties properties(mesh, propertyNames);
     properties.interpolate(cut);
     Array<float3> positions = properties.takePositions();

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/Ptr.h>
-#include <Pelon/String.h>
-#include <Pelon/TypeRep.h>
+#include <meshio/Host.h>
 
 #include <cstdint>
 #include <optional>
@@ -32,8 +28,8 @@ struct QuadOptions {
 };
 
 struct QuadMesh {
-    Pelon::MutablePtr<Korvane::Object> mesh;
-    Pelon::uint edges = 0, creasedEdges = 0;
+    MutablePtr<Object> mesh;
+    uint edges = 0, creasedEdges = 0;
     std::uint64_t splitEdges = 0;
     std::vector<std::string> warnings;  ///< one line per property that could not be carried
 };
@@ -53,7 +49,7 @@ struct QuadMesh {
 /// run along an edge in one direction or the result is too large for its indices;
 /// std::invalid_argument for a crease property that does not fit; std::runtime_error when the
 /// caller's job is cancelled.
-QuadMesh makeQuadMesh(const Korvane::Object& mesh, const std::string& name,
-                      const Pelon::Array<Pelon::String>& propertyNames, const QuadOptions& options);
+QuadMesh makeQuadMesh(const Object& mesh, const std::string& name,
+                      const Array<String>& propertyNames, const QuadOptions& options);
 
 }  // namespace MeshIo

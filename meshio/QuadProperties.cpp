@@ -1,13 +1,12 @@
 #include <meshio/QuadProperties.h>
 
-#include <Korvane/ElementTypes.h>
-#include <Korvane/Geometry.h>
 #include <Tessary/CutMesh.h>
 #include <Tessary/Topology.h>
-#include <Tessary/Triangulation.h>
 
-#include <meshio/PropertyKinds.h>
-#include <meshio/ReadFile.h>
+#include <meshio/Cancelled.h>
+#include <meshio/Host.h>
+#include <meshio/MeshArrays.h>
+#include <meshio/MessageText.h>
 #include <meshio/SeamCorners.h>
 
 #include <algorithm>
@@ -18,16 +17,7 @@ namespace {
 
 using namespace Korvane::Geometry;
 using Common::DataInterpolationMode;
-using Korvane::Object;
-using Korvane::Math::float3;
-using Pelon::Any;
-using Pelon::Array;
-using Pelon::MutablePtr;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
 
-constexpr uint kNone = 0xFFFFFFFF;
 const String kPositions = "positions";  // no other name in a stage begins with this letter
 
 // A mesh without faces may lack the offsets, which the kernel needs for nothing then.
@@ -53,13 +43,6 @@ MutablePtr<Object> emptyQuads(const CutPoints& cut)
 MutablePtr<Object> trianglesOf(uint pointCount, Array<uint> cornerPoint)
 {
     return makeMesh(Array<float3>(pointCount), {0}, std::move(cornerPoint));
-}
-
-Array<uint> onTriangles(const Array<uint>& faceOffset, const Array<uint>& corners)
-{
-    Array<uint> offset, triangles;
-    Tessary::computeTriangulation(faceOffset, corners, offset, triangles);
-    return triangles;
 }
 
 void interpolateWith(const CutPoints& cut, const Object& source, const Object& triangles,
@@ -92,8 +75,8 @@ void unsetBesideUnset(Array<uint>& indices)
 
 void unsetBesideUnset(const String& range, Object& quads)
 {
-    const auto indices = Pelon::makeMutable<Array<uint>>(
-        *getRangeGeoPropIndices(*getRangeGeoProperty(quads, range)));
+    const auto indices =
+        makeMutable<Array<uint>>(*getRangeGeoPropIndices(*getRangeGeoProperty(quads, range)));
     unsetBesideUnset(*indices);
     addRangeGeoProperty(quads, range, sFaceVertexComp, indices);
 }
@@ -139,19 +122,17 @@ void QuadProperties::plan(const String& name)
 void QuadProperties::stage(const Carried& carried, const Array<uint>* indices, Object& source) const
 {
     const Ptr<Object> property = getDataGeoProperty(m_mesh, carried.name);
-    const Any mode = property->getProperty(sInterp);
+    const auto mode =
+        entryOf<DataInterpolationMode>(*property, sInterp).value_or(DataInterpolationMode::Linear);
     Korvane::visitArray(property->getProperty(sData), [&](const auto& array, const char*) {
         using T = typename std::decay_t<decltype(*array)>::value_type;
-        const Any given = property->getProperty(sDefault);
         addDataGeoProperty<T>(source, carried.stageName,
                               indices ? carried.stageRange : carried.component, array,
-                              given.get<T>() ? *given.get<T>() : T(),
-                              mode.get<DataInterpolationMode>() ? *mode.get<DataInterpolationMode>()
-                                                                : DataInterpolationMode::Linear);
+                              entryOf<T>(*property, sDefault).value_or(T()), mode);
     });
     if (indices)
         addRangeGeoProperty(source, carried.stageRange, carried.component,
-                            Pelon::makeMutable<Array<uint>>(*indices));
+                            makeMutable<Array<uint>>(*indices));
 }
 
 void QuadProperties::interpolate(const CutPoints& cut)
@@ -193,7 +174,7 @@ void QuadProperties::interpolateCornersOf(const String& range, const CutPoints& 
     const SeamCorners seams = seamCorners(*dataArray<uint>(m_mesh, sFaceVertex),
                                           getElementCount(m_mesh, sPointComp), *indices);
     const MutablePtr<Object> triangles =
-        trianglesOf(seams.count, onTriangles(*dataArray<uint>(m_mesh, sFaceOffset), seams.number));
+        trianglesOf(seams.count, fanTriangles(*dataArray<uint>(m_mesh, sFaceOffset), seams.number));
     Tessary::addDual(*triangles, sPointComp, sFaceVertex, "dual_component", "dual_face_vertex",
                      "dual_face_offset");
     interpolateWith(cut, *source, *triangles, *m_result);
@@ -235,14 +216,14 @@ void QuadProperties::addTo(Object& quads) const
         quads.setProperty(sRenderSettings, m_mesh.getProperty(sRenderSettings));
     for (const Carried& carried : m_carried) {
         const auto property =
-            Pelon::makeMutable<Object>(*getDataGeoProperty(*m_result, carried.stageName));
+            makeMutable<Object>(*getDataGeoProperty(*m_result, carried.stageName));
         const Any mode = getDataGeoProperty(m_mesh, carried.name)->getProperty(sInterp);
         if (!mode.empty())
             property->setProperty(sInterp, mode);
         // A property that is not interpolated comes back plain.
         if (const auto range = getRangeGeoProperty(*m_result, carried.stageRange)) {
             const String rangeName = rangeNameFor(carried, quads);
-            quads.setProperty(rangeName, Pelon::makeMutable<Object>(*range));
+            quads.setProperty(rangeName, makeMutable<Object>(*range));
             property->setProperty(sTarget, rangeName);
         }
         quads.setProperty(carried.name, property);

@@ -1,12 +1,7 @@
 #pragma once
 
-#include <Korvane/Math.h>
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/String.h>
-#include <Pelon/TypeRep.h>
-
 #include <meshio/CutPoints.h>
+#include <meshio/Host.h>
 #include <meshio/PropertyKinds.h>
 
 #include <string>
@@ -23,37 +18,36 @@ namespace MeshIo {
 class QuadProperties {
 public:
     /// `mesh` has no errors; of `names` those that the mesh has are carried.
-    QuadProperties(const Korvane::Object& mesh, const Pelon::Array<Pelon::String>& names);
+    QuadProperties(const Object& mesh, const Array<String>& names);
 
     /// Makes the values for all points, faces and corners of the quads.
     void interpolate(const CutPoints& cut);
 
     /// The positions of the quads' points, handed over.
-    Pelon::Array<Korvane::Math::float3> takePositions();
+    Array<float3> takePositions();
 
     /// Stores the properties, in the order of the mesh, and its values that are no properties.
-    void addTo(Korvane::Object& quads) const;
+    void addTo(Object& quads) const;
 
     /// One line per property that cannot be carried.
     const std::vector<std::string>& warnings() const { return m_warnings; }
 
 private:
     struct Carried : ElementProperty {
-        Pelon::String stageName;  // while it is interpolated
-        Pelon::String stageRange;
+        String stageName;  // while it is interpolated
+        String stageRange;
     };
 
-    void plan(const Pelon::String& name);
-    void stage(const Carried& carried, const Pelon::Array<Pelon::uint>* indices,
-               Korvane::Object& source) const;
+    void plan(const String& name);
+    void stage(const Carried& carried, const Array<uint>* indices, Object& source) const;
     void interpolateSeparately(const CutPoints& cut);
-    void interpolateCornersOf(const Pelon::String& range, const CutPoints& cut);
-    Pelon::String rangeNameFor(const Carried& carried, const Korvane::Object& quads) const;
+    void interpolateCornersOf(const String& range, const CutPoints& cut);
+    String rangeNameFor(const Carried& carried, const Object& quads) const;
 
-    const Korvane::Object& m_mesh;
+    const Object& m_mesh;
     std::vector<Carried> m_carried;
     bool m_hasRenderSettings = false;
-    Pelon::MutablePtr<Korvane::Object> m_result;
+    MutablePtr<Object> m_result;
     std::vector<std::string> m_warnings;
 };
 

@@ -1,9 +1,9 @@
 #include <meshio/ReadFile.h>
 
-#include <KOR/ExceptionMessage.h>
-#include <Pelon/Job.h>
-
+#include <meshio/Cancelled.h>
+#include <meshio/Host.h>
 #include <meshio/MeshFile.h>
+#include <meshio/MessageText.h>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -18,7 +18,6 @@ namespace MeshIo {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t(1) << 20;
-constexpr std::size_t kLongestQuote = 40;
 
 [[noreturn]] void fail(const std::string& path, const std::string& what)
 {
@@ -86,37 +85,12 @@ std::size_t readSome(int descriptor, char* to, std::size_t count, const std::str
     }
 }
 
-bool isContinuation(std::string_view text, std::size_t i)
-{
-    return i < text.size() && (static_cast<unsigned char>(text[i]) & 0xC0) == 0x80;
-}
-
-// The length of the character at `i`, 0 where there is none: no overlong forms, no surrogates,
-// nothing beyond U+10FFFF.
-std::size_t utf8Length(std::string_view text, std::size_t i)
-{
-    const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[k]); };
-    const unsigned lead = byte(i);
-    if (lead < 0x80)
-        return 1;
-    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4)
-        return 0;
-    for (std::size_t k = 1; k < length; ++k)
-        if (!isContinuation(text, i + k))
-            return 0;
-    const unsigned second = byte(i + 1);
-    const bool wrong = (lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
-                       (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F);
-    return wrong ? 0 : length;
-}
-
 }  // namespace
 
-Pelon::Array<char> readFile(const std::string& path)
+Array<char> readFile(const std::string& path)
 {
     const Descriptor file(path);
-    Pelon::Array<char> bytes;
+    Array<char> bytes;
     // One byte more, so that the end is seen without growing.
     bytes.resize(std::max(expectedSize(file.get(), path) + 1, kBlock));
     std::size_t size = 0;
@@ -133,42 +107,6 @@ Pelon::Array<char> readFile(const std::string& path)
         fail(path, "is empty; a mesh file was expected");
     bytes.resize(size);
     return bytes;
-}
-
-std::string inputName(const std::string& path)
-{
-    return path == "-" ? "standard input" : path;
-}
-
-void throwIfCancelled()
-{
-    if (Pelon::isJobCancelled())
-        throw std::runtime_error(KOR::exceptionMessage.c_str());
-}
-
-bool isUtf8(std::string_view text)
-{
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = utf8Length(text, i);
-        if (length == 0)
-            return false;
-        i += length;
-    }
-    return true;
-}
-
-std::string quoted(std::string_view text)
-{
-    std::string out = "\"";
-    std::size_t i = 0;
-    while (i < text.size() && out.size() <= kLongestQuote) {
-        const std::size_t length = utf8Length(text, i);
-        const bool shown =
-            length > 0 && static_cast<unsigned char>(text[i]) >= 0x20 && text[i] != 0x7F;
-        out += shown ? text.substr(i, length) : std::string_view("?");
-        i += std::max<std::size_t>(length, 1);
-    }
-    return out + (i < text.size() ? "...\"" : "\"");
 }
 
 }  // namespace MeshIo

@@ -1,10 +1,11 @@
 #include <meshio/SampleCloud.h>
 
-#include <Korvane/ElementTypes.h>
-#include <Korvane/Geometry.h>
-
+#include <meshio/Cancelled.h>
+#include <meshio/Host.h>
+#include <meshio/MessageText.h>
 #include <meshio/PropertyKinds.h>
-#include <meshio/ReadFile.h>
+#include <meshio/Scalars.h>
+#include <meshio/Vectors.h>
 
 #include <tbb/parallel_for.h>
 #include <algorithm>
@@ -18,13 +19,6 @@ namespace {
 using namespace Korvane::Geometry;
 using namespace Korvane::Math;
 using Common::DataInterpolationMode;
-using Korvane::Object;
-using Pelon::Any;
-using Pelon::Array;
-using Pelon::makeMutable;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
 
 template <class Body>
 void forEach(std::size_t count, const Body& body)
@@ -36,36 +30,20 @@ void forEach(std::size_t count, const Body& body)
     });
 }
 
-template <class T>
-T blended(T v0, T v1, T v2, const float* w)
-{
-    return (v1 * w[1] + v2 * w[2]) + v0 * w[0];
-}
-
-template <class T>
-Vector2<T> blended(const Vector2<T>& a, const Vector2<T>& b, const Vector2<T>& c, const float* w)
-{
-    return {blended(a.x, b.x, c.x, w), blended(a.y, b.y, c.y, w)};
-}
-
-template <class T>
-Vector3<T> blended(const Vector3<T>& a, const Vector3<T>& b, const Vector3<T>& c, const float* w)
-{
-    return {blended(a.x, b.x, c.x, w), blended(a.y, b.y, c.y, w), blended(a.z, b.z, c.z, w)};
-}
-
-template <class T>
-Vector4<T> blended(const Vector4<T>& a, const Vector4<T>& b, const Vector4<T>& c, const float* w)
-{
-    return {blended(a.x, b.x, c.x, w), blended(a.y, b.y, c.y, w), blended(a.z, b.z, c.z, w),
-            blended(a.w, b.w, c.w, w)};
-}
-
+// Real numbers and vectors of them are blended.
 template <class T>
 constexpr bool isReal =
-    std::is_same_v<T, float> || std::is_same_v<T, float2> || std::is_same_v<T, float3> ||
-    std::is_same_v<T, float4> || std::is_same_v<T, double> || std::is_same_v<T, double2> ||
-    std::is_same_v<T, double3> || std::is_same_v<T, double4>;
+    Scalars<T>::kRows == 0 && std::is_floating_point_v<typename Scalars<T>::Type>;
+
+template <class T>
+T blended(const T& v0, const T& v1, const T& v2, const float* w)
+{
+    T blend{};
+    for (unsigned k = 0; k < Scalars<T>::kCount; ++k)
+        scalarsOf(&blend)[k] =
+            (scalarsOf(&v1)[k] * w[1] + scalarsOf(&v2)[k] * w[2]) + scalarsOf(&v0)[k] * w[0];
+    return blend;
+}
 
 int largest(const float* w)
 {
@@ -115,16 +93,8 @@ private:
 
     Ptr<Array<uint>> m_offset, m_corner;
     const SurfaceSamples& m_samples;
-    Pelon::MutablePtr<Array<uint>> m_faceIds;
+    MutablePtr<Array<uint>> m_faceIds;
 };
-
-template <class T>
-T entryOr(const Object& property, const String& entry, T otherwise)
-{
-    const Any value = property.getProperty(entry);
-    const T* const typed = value.get<T>();
-    return typed ? *typed : otherwise;
-}
 
 // The values of one property, by element.
 template <class T>
@@ -134,10 +104,9 @@ public:
         : m_component(property.component), m_values(values)
     {
         const Ptr<Object> object = getDataGeoProperty(mesh, property.name);
-        m_default = entryOr(*object, sDefault, T());
-        m_blends =
-            isReal<T> && m_component != sFaceComp &&
-            entryOr(*object, sInterp, DataInterpolationMode::Linear) != DataInterpolationMode::None;
+        m_default = entryOf<T>(*object, sDefault).value_or(T());
+        m_blends = isReal<T> && m_component != sFaceComp &&
+                   entryOf<DataInterpolationMode>(*object, sInterp) != DataInterpolationMode::None;
         if (!property.range.empty())
             m_indices = getRangeGeoPropIndices(*getRangeGeoProperty(mesh, property.range));
     }
@@ -184,25 +153,14 @@ Ptr<Array<float3>> weightVectors(const Places& places)
     return vectors;
 }
 
-float3 normalOf(const float3& a, const float3& b, const float3& c)
-{
-    const double3 u = {double{b.x} - a.x, double{b.y} - a.y, double{b.z} - a.z};
-    const double3 v = {double{c.x} - a.x, double{c.y} - a.y, double{c.z} - a.z};
-    const double3 n = {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
-    const double length = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
-    if (!(length > 0))
-        return {0, 0, 0};
-    return {static_cast<float>(n.x / length), static_cast<float>(n.y / length),
-            static_cast<float>(n.z / length)};
-}
-
 Ptr<Array<float3>> normals(const Object& mesh, const Places& places)
 {
     const Array<float3>& points = *dataArray<float3>(mesh, sPointPosition);
     const auto result = makeMutable<Array<float3>>(places.count());
     forEach(places.count(), [&](std::size_t i) {
         const auto point = [&](uint k) { return points[places.element(sPointComp, i, k)]; };
-        (*result)[i] = normalOf(point(0), point(1), point(2));
+        const float3 apex = point(0);
+        (*result)[i] = unit(cross(difference(point(1), apex), difference(point(2), apex)));
     });
     return result;
 }
@@ -298,7 +256,7 @@ private:
     const Object& m_mesh;
     const Array<String>& m_names;
     Places m_places;
-    Pelon::MutablePtr<Object> m_cloud;
+    MutablePtr<Object> m_cloud;
     std::vector<std::string> m_warnings;
 };
 

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/Ptr.h>
-#include <Pelon/String.h>
-
+#include <meshio/Host.h>
 #include <meshio/SampledSurface.h>
 
 #include <string>
@@ -13,7 +9,7 @@
 namespace MeshIo {
 
 struct SampleCloud {
-    Pelon::MutablePtr<Korvane::Object> cloud;
+    MutablePtr<Object> cloud;
     std::vector<std::string> warnings;
 };
 
@@ -43,8 +39,7 @@ struct SampleCloud {
 ///
 /// Parallel, in time linear in the samples and the mesh. Throws std::runtime_error when the caller's
 /// job is cancelled.
-SampleCloud makeSampleCloud(const Korvane::Object& mesh, const SurfaceSamples& samples,
-                            const Pelon::Array<Pelon::String>& propertyNames,
-                            bool withPlaces = true);
+SampleCloud makeSampleCloud(const Object& mesh, const SurfaceSamples& samples,
+                            const Array<String>& propertyNames, bool withPlaces = true);
 
 }  // namespace MeshIo

@@ -1,16 +1,17 @@
 #include <meshio/SampledSurface.h>
 
-#include <Korvane/Geometry.h>
 #include <Pelon/RuntimeServices.h>
 #include <Tessary/Primitives.h>
 #include <Tessary/Sampling.h>
-#include <Tessary/Triangulation.h>
 
+#include <meshio/Cancelled.h>
 #include <meshio/CountSearch.h>
+#include <meshio/Host.h>
 #include <meshio/MachineMemory.h>
+#include <meshio/MeshArrays.h>
 #include <meshio/MeshFile.h>
-#include <meshio/ReadFile.h>
 #include <meshio/Validate.h>
+#include <meshio/Vectors.h>
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_reduce.h>
@@ -24,11 +25,6 @@ namespace MeshIo {
 namespace {
 
 using namespace Korvane::Geometry;
-using Korvane::Object;
-using Korvane::Math::double3;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::uint;
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kCandidateBytes = 120;                      // the kernel's promise
@@ -42,9 +38,7 @@ constexpr double kCandidatesPerSample = 11.25;  // measured on smooth surfaces
 [[noreturn]] void reject(const std::string& name, const char* kind, const char* message,
                          const char* advice)
 {
-    ValidationReport report;
-    report.problems.push_back({Problem::Severity::Error, kind, message, 1, {}, advice});
-    throw InvalidMesh(name, std::move(report));
+    throw InvalidMesh(name, Problem{Problem::Severity::Error, kind, message, 1, {}, advice});
 }
 
 std::string text(double number)
@@ -71,26 +65,17 @@ std::string lackOfMemory(double candidates)
                                  memoryText(memory);
 }
 
-Pelon::MutablePtr<Object> trianglesOf(const Object& mesh, const std::string& name)
+MutablePtr<Object> trianglesOf(const Object& mesh, const std::string& name)
 {
-    const auto points = dataArray<float3>(mesh, sPointPosition);
-    const auto offsets = dataArray<uint>(mesh, sFaceOffset);
-    const auto corners = dataArray<uint>(mesh, sFaceVertex);
-    Array<uint> triangleOffsets, triangleCorners;
-    if (points && offsets && corners)
-        Tessary::computeTriangulation(*offsets, *corners, triangleOffsets, triangleCorners);
-    if (triangleCorners.empty())
+    const MeshArrays arrays(mesh);
+    Array<uint> corners = fanTriangles(*arrays.faceOffset, *arrays.faceVertex);
+    if (corners.empty())
         reject(name, "no-faces", "there are no faces, so there is no surface to sample",
                "sample a mesh that has faces");
-    return makeMesh(*points, std::move(triangleOffsets), std::move(triangleCorners));
-}
-
-double areaOf(const float3& a, const float3& b, const float3& c)
-{
-    const double3 u = {double{b.x} - a.x, double{b.y} - a.y, double{b.z} - a.z};
-    const double3 v = {double{c.x} - a.x, double{c.y} - a.y, double{c.z} - a.z};
-    const double3 n = {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
-    return 0.5 * std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+    Array<uint> offsets(corners.size() / 3 + 1);
+    for (std::size_t t = 0; t < offsets.size(); ++t)
+        offsets[t] = static_cast<uint>(3 * t);
+    return makeMesh(*arrays.points, std::move(offsets), std::move(corners));
 }
 
 struct Measures {
@@ -113,7 +98,7 @@ Measures measure(const Object& triangles)
                     for (const float x : {p[k]->x, p[k]->y, p[k]->z})
                         m.farthest = std::max(m.farthest, std::abs(double{x}));
                 }
-                m.area += areaOf(*p[0], *p[1], *p[2]);
+                m.area += 0.5 * length(cross(difference(*p[1], *p[0]), difference(*p[2], *p[0])));
             }
             return m;
         },

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <Korvane/Math.h>
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/Ptr.h>
-#include <Pelon/TypeRep.h>
+#include <meshio/Host.h>
 
 #include <cstdint>
 #include <string>
@@ -13,9 +9,9 @@ namespace MeshIo {
 
 /// Points on the fan triangles of a mesh, no two closer than the distance, grouped by triangle.
 struct SurfaceSamples {
-    Pelon::Ptr<Pelon::Array<Korvane::Math::float3>> positions;
-    Pelon::Ptr<Pelon::Array<float>> weights;            ///< 3 for each: of the triangle's corners
-    Pelon::Ptr<Pelon::Array<Pelon::uint>> triangleIds;  ///< of the triangle that holds each
+    Ptr<Array<float3>> positions;
+    Ptr<Array<float>> weights;     ///< 3 for each: of the triangle's corners
+    Ptr<Array<uint>> triangleIds;  ///< of the triangle that holds each
     float distance = 0;
 
     std::size_t count() const { return positions ? positions->size() : 0; }
@@ -29,7 +25,7 @@ class SampledSurface {
 public:
     /// `name` stands for the mesh in messages. Throws InvalidMesh where there are no faces, no area,
     /// or coordinates so large or so small that single precision does not hold the area.
-    SampledSurface(const Korvane::Object& mesh, std::string name);
+    SampledSurface(const Object& mesh, std::string name);
 
     double area() const { return m_area; }
 
@@ -46,11 +42,11 @@ public:
     /// Throws std::invalid_argument for a distance that is no number above zero, too small for the
     /// area, or too small for coordinates so far from the origin; FileError where only memory stands
     /// in the way; std::runtime_error when the caller's job is cancelled.
-    SurfaceSamples sample(float distance, Pelon::uint seed) const;
+    SurfaceSamples sample(float distance, uint seed) const;
 
     /// Looks for the distance that yields `count` samples (at least 1) until it is met within 2 %,
     /// or the search ends; returns the nearest that was found. Throws as sample() does.
-    SurfaceSamples sampleCount(std::uint64_t count, Pelon::uint seed) const;
+    SurfaceSamples sampleCount(std::uint64_t count, uint seed) const;
 
 private:
     double candidates(double distance) const;
@@ -58,7 +54,7 @@ private:
     double distanceForCount(std::uint64_t count) const;  // about
 
     std::string m_name;
-    Pelon::MutablePtr<Korvane::Object> m_triangles;
+    MutablePtr<Object> m_triangles;
     double m_area = 0;
     double m_farthest = 0;  // coordinate of a corner from the origin
 };

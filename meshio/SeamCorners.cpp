@@ -2,17 +2,15 @@
 
 #include <Tessary/Topology.h>
 
+#include <meshio/Host.h>
+
 #include <algorithm>
 
 namespace MeshIo {
 
-using Pelon::Array;
-using Pelon::uint;
-
 SeamCorners seamCorners(const Array<uint>& faceVertex, std::size_t pointCount,
                         const Array<uint>& indices)
 {
-    constexpr uint kNone = 0xFFFFFFFF;
     Array<uint> offset(pointCount + 1), corners(faceVertex.size(), kNone);
     Tessary::constructDualMesh(faceVertex, offset, corners);
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <Pelon/Array.h>
-#include <Pelon/TypeRep.h>
+#include <meshio/Host.h>
 
 #include <cstddef>
 
@@ -11,11 +10,11 @@ namespace MeshIo {
 /// mesh of these numbers in the place of points comes apart along the index seams. Counts up from 0
 /// by point, then index. Near linear time.
 struct SeamCorners {
-    Pelon::Array<Pelon::uint> number;
-    Pelon::uint count = 0;
+    Array<uint> number;
+    uint count = 0;
 };
 
-SeamCorners seamCorners(const Pelon::Array<Pelon::uint>& faceVertex, std::size_t pointCount,
-                        const Pelon::Array<Pelon::uint>& indices);
+SeamCorners seamCorners(const Array<uint>& faceVertex, std::size_t pointCount,
+                        const Array<uint>& indices);
 
 }  // namespace MeshIo

@@ -1,27 +1,16 @@
 #include <meshio/TriangleTables.h>
 
-#include <Korvane/Geometry.h>
 #include <Tessary/Topology.h>
-#include <Tessary/Triangulation.h>
 
-#include <meshio/EdgeProblem.h>
+#include <meshio/Cancelled.h>
+#include <meshio/EdgeReport.h>
+#include <meshio/Host.h>
+#include <meshio/MeshArrays.h>
 #include <meshio/Npz.h>
-#include <meshio/NumberText.h>
-#include <meshio/OutputFile.h>
-#include <meshio/ReadFile.h>
-
-#include <stdexcept>
+#include <meshio/TextWriter.h>
 
 namespace MeshIo {
 namespace {
-
-using Korvane::Object;
-using Pelon::Array;
-using Pelon::uint;
-namespace Geometry = Korvane::Geometry;
-
-constexpr uint kNone = 0xFFFFFFFF;
-constexpr std::size_t kPiece = std::size_t{1} << 20;  // bytes of text written at once
 
 struct NamedTable {
     const char* name;
@@ -39,57 +28,39 @@ void forEachTable(const TriangleTables& tables, const Visit& visit)
     visit(NamedTable{"dual_face_vertex", tables.dualFaceVertex, 1});
 }
 
-Array<uint> trianglesOf(const Object& mesh, const std::string& name, std::size_t pointCount)
+Array<uint> trianglesOf(const MeshArrays& mesh, const std::string& name)
 {
-    const auto faceOffset = Geometry::dataArray<uint>(mesh, Geometry::sFaceOffset);
-    const auto faceVertex = Geometry::dataArray<uint>(mesh, Geometry::sFaceVertex);
-    Array<uint> triFaceOffset, triFaceVertex;
-    if (!faceOffset || !faceVertex)
-        return triFaceVertex;
-    if (!Tessary::computeTriangulation(*faceOffset, *faceVertex, triFaceOffset, triFaceVertex))
-        throw std::invalid_argument("the mesh has faces that cannot be triangulated; validate it");
+    Array<uint> triangles = fanTriangles(*mesh.faceOffset, *mesh.faceVertex);
     rejectSameDirection(
-        *faceOffset, findSameDirectionEdges(triFaceVertex, pointCount, 3), name,
+        *mesh.faceOffset, findSameDirectionEdges(triangles, mesh.points->size(), 3), name,
         "turn one of the faces round or give it points of its own; tessary validate lists more");
-    return triFaceVertex;
+    return triangles;
 }
 
-void appendValue(std::string& text, uint value)
+void writeRows(const NamedTable& table, TextWriter& out)
 {
-    if (value == kNone)
-        text += "null";
-    else
-        appendNumber(text, value);
-}
-
-void writeRows(const NamedTable& table, OutputFile& output)
-{
-    std::string text;
+    const bool isRow = table.width > 1;
     for (std::size_t i = 0; i < table.values.size(); ++i) {
-        if (text.size() > kPiece) {
-            throwIfCancelled();
-            output.write(text);
-            text.clear();
-        }
-        const bool isRow = table.width > 1;
-        text += i > 0 ? "," : "";
-        text += isRow && i % table.width == 0 ? "[" : "";
-        appendValue(text, table.values[i]);
-        text += isRow && i % table.width == table.width - 1 ? "]" : "";
+        const std::size_t place = i % table.width;
+        out << (i > 0 ? "," : "") << (isRow && place == 0 ? "[" : "");
+        if (table.values[i] == kNone)
+            out << "null";
+        else
+            out << table.values[i];
+        out << (isRow && place == table.width - 1 ? "]" : "");
     }
-    output.write(text);
 }
 
 }  // namespace
 
 TriangleTables makeTriangleTables(const Object& mesh, const std::string& name)
 {
-    const std::size_t points = Geometry::getElementCount(mesh, Geometry::sPointComp);
+    const MeshArrays arrays(mesh);
     TriangleTables tables;
-    tables.faceVertex = trianglesOf(mesh, name, points);
+    tables.faceVertex = trianglesOf(arrays, name);
     Tessary::computeTriEdges(tables.faceVertex, tables.triEdges);
     throwIfCancelled();
-    tables.dualFaceOffset = Array<uint>(points + 1);
+    tables.dualFaceOffset = Array<uint>(arrays.points->size() + 1);
     tables.dualFaceVertex = Array<uint>(tables.faceVertex.size(), kNone);
     Tessary::constructDualMesh(tables.faceVertex, tables.dualFaceOffset, tables.dualFaceVertex);
     throwIfCancelled();
@@ -113,14 +84,16 @@ void writeNpz(const TriangleTables& tables, OutputFile& output)
 
 void writeJson(const TriangleTables& tables, OutputFile& output)
 {
+    TextWriter out(output);
     const char* before = "{";
     forEachTable(tables, [&](const NamedTable& table) {
-        output.write(std::string(before) + "\"" + table.name + "\": [");
-        writeRows(table, output);
-        output.write("]");
+        out << before << "\"" << table.name << "\": [";
+        writeRows(table, out);
+        out << "]";
         before = ",\n ";
     });
-    output.write("}\n");
+    out << "}\n";
+    out.flush();
 }
 
 }  // namespace MeshIo

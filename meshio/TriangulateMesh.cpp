@@ -1,9 +1,8 @@
 #include <meshio/TriangulateMesh.h>
 
-#include <Korvane/ElementTypes.h>
-#include <Korvane/Geometry.h>
 #include <Tessary/Triangulation.h>
 
+#include <meshio/Host.h>
 #include <meshio/PropertyKinds.h>
 
 #include <set>
@@ -13,15 +12,6 @@ namespace MeshIo {
 namespace {
 
 using namespace Korvane::Geometry;
-using Korvane::Object;
-using Pelon::Any;
-using Pelon::Array;
-using Pelon::MutablePtr;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
-
-constexpr uint kNone = 0xFFFFFFFF;
 
 // How each property of the source gets into the result.
 struct Plan {
@@ -32,41 +22,24 @@ struct Plan {
     std::vector<std::string> warnings;
 };
 
-const String* targetOf(const Object& mesh, const String& name, Any& storage)
+std::optional<String> targetOf(const Object& mesh, const String& name)
 {
     const Ptr<Object> property = getDataGeoProperty(mesh, name);
-    storage = property ? property->getProperty(sTarget) : Any();
-    return storage.get<String>();
+    return property ? entryOf<String>(*property, sTarget) : std::nullopt;
 }
 
 // Offsets into the values of another property, which they name as their target.
 bool isOffsets(const Object& mesh, const String& name)
 {
-    Any storage;
-    const String* const target = targetOf(mesh, name, storage);
+    const std::optional<String> target = targetOf(mesh, name);
     return target && getDataGeoProperty(mesh, *target);
 }
 
 String offsetsOf(const Object& mesh, const String& list)
 {
-    Any storage;
-    for (const String& name : mesh.propertyNames()) {
-        const String* const target = targetOf(mesh, name, storage);
-        if (target && *target == list && dataArray<uint>(mesh, name))
+    for (const String& name : mesh.propertyNames())
+        if (targetOf(mesh, name) == list && dataArray<uint>(mesh, name))
             return name;
-    }
-    return String();
-}
-
-// The first component of the mesh that the offsets depend on, empty where they name none.
-String declaredOwner(const Object& mesh, const String& offsets)
-{
-    const Any value = getDataGeoProperty(mesh, offsets)->getProperty(sDependsOn);
-    const auto* const names = value.get<Ptr<Array<String>>>();
-    if (names && *names)
-        for (const String& name : **names)
-            if (isMeshComponent(name))
-                return name;
     return String();
 }
 
@@ -77,7 +50,7 @@ bool isPointList(const Object& mesh, const String& offsets)
     const std::uint64_t count = dataArray<uint>(mesh, offsets)->size();
     const std::uint64_t points = getElementCount(mesh, sPointComp);
     const std::uint64_t faces = getElementCount(mesh, sFaceComp);
-    const String owner = declaredOwner(mesh, offsets);
+    const String owner = declaredOwner(*getDataGeoProperty(mesh, offsets));
     return count == points + 1 && (owner.empty() ? points != faces : owner == sPointComp);
 }
 
@@ -153,12 +126,12 @@ Object withPlainIndices(const Object& mesh, const Plan& plan)
 
 MutablePtr<Object> trianglesOf(const Object& mesh, const Array<String>& names)
 {
-    const MutablePtr<Object> triangles = Korvane::createObject();
+    MutablePtr<Object> triangles = Korvane::createObject();
     if (!Tessary::triangulatePolyMesh(mesh, names, *triangles))
         throw std::invalid_argument("the mesh has faces that cannot be triangulated; validate it");
     if (getElementCount(mesh, sFaceComp) == 0) {
         // The kernel leaves the target of a mesh without faces empty, even of points.
-        populatePointCloud(dataArray<Korvane::Math::float3>(mesh, sPointPosition), *triangles);
+        populatePointCloud(dataArray<float3>(mesh, sPointPosition), *triangles);
         Tessary::copyPropertiesToTriangulatedMesh(mesh, names, *triangles);
     }
     return triangles;
@@ -175,8 +148,8 @@ Any rangeFrom(const Object& triangles, const String& name)
 // The values are shared. Like every carried property this one depends on nothing.
 Any indexedValuesFrom(const Object& mesh, const String& name)
 {
-    const auto property = Pelon::makeMutable<Object>(*getDataGeoProperty(mesh, name));
-    property->setProperty(sDependsOn, Pelon::makeMutable<Array<String>>());
+    const auto property = makeMutable<Object>(*getDataGeoProperty(mesh, name));
+    property->setProperty(sDependsOn, makeMutable<Array<String>>());
     return property;
 }
 

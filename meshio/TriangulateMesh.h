@@ -1,9 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/Ptr.h>
-#include <Pelon/String.h>
+#include <meshio/Host.h>
 
 #include <string>
 #include <vector>
@@ -11,14 +8,14 @@
 namespace MeshIo {
 
 struct TriangulatedMesh {
-    Pelon::MutablePtr<Korvane::Object> mesh;
+    MutablePtr<Object> mesh;
     std::vector<std::string> warnings;  ///< one line per property that could not be carried
 };
 
 /// Every property of `mesh` that a program may want to carry: data properties other than the
 /// topology, and render settings; in the object's order. The offsets of a list go with the list and
 /// are not named.
-Pelon::Array<Pelon::String> carriedPropertyNames(const Korvane::Object& mesh);
+Array<String> carriedPropertyNames(const Object& mesh);
 
 /// Triangulates a mesh without errors (see Validate.h) and carries the named properties, in the
 /// order of `mesh`.
@@ -32,7 +29,6 @@ Pelon::Array<Pelon::String> carriedPropertyNames(const Korvane::Object& mesh);
 ///
 /// Throws std::invalid_argument where the kernel rejects the mesh, std::runtime_error when the
 /// caller's job is cancelled.
-TriangulatedMesh triangulateMesh(const Korvane::Object& mesh,
-                                 const Pelon::Array<Pelon::String>& propertyNames);
+TriangulatedMesh triangulateMesh(const Object& mesh, const Array<String>& propertyNames);
 
 }  // namespace MeshIo

@@ -1,7 +1,6 @@
 #include <meshio/Validate.h>
 
-#include <Korvane/Geometry.h>
-
+#include <meshio/Host.h>
 #include <meshio/ValidateParts.h>
 
 #include <algorithm>
@@ -11,14 +10,6 @@
 
 namespace MeshIo {
 namespace {
-
-using Korvane::Object;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::Ptr;
-using Pelon::String;
-using Pelon::uint;
-namespace Geometry = Korvane::Geometry;
 
 constexpr std::size_t kBlock = 1024;
 constexpr uint kPairwiseFaceSize = 8;  // up to here comparing each with each is the quickest
@@ -42,11 +33,11 @@ Ptr<Array<T>> topologyArray(const Object& mesh, const String& name, const char* 
                             Finding& missing, Finding& wrongType)
 {
     Ptr<Array<T>> array = Geometry::dataArray<T>(mesh, name);
-    const std::string shown(name.view());
+    const auto shown = [&name] { return std::string(name.view()); };
     if (!array && Geometry::getDataGeoProperty(mesh, name))
-        wrongType.add([&] { return shown + ", which should be an array of " + type; });
+        wrongType.add([&] { return shown() + ", which should be an array of " + type; });
     else if (!array)
-        missing.add([&] { return shown; });
+        missing.add(shown);
     return array;
 }
 
@@ -109,7 +100,7 @@ void checkFaceSizes(const Topology& mesh, ValidationReport& report)
 std::string cornerName(const Topology& mesh, std::size_t corner)
 {
     const Array<uint>& offset = *mesh.faceOffset;
-    const std::string name = "corner " + str(corner);
+    std::string name = "corner " + str(corner);
     if (!std::is_sorted(offset.begin(), offset.end()) || offset.empty() || offset[0] > corner ||
         offset[offset.size() - 1] <= corner)
         return name;
@@ -307,6 +298,10 @@ ValidationReport validateMesh(const Object& mesh)
 
 InvalidMesh::InvalidMesh(const std::string& file, ValidationReport report)
     : std::runtime_error(file + ": " + report.firstError()), m_report(std::move(report))
+{}
+
+InvalidMesh::InvalidMesh(const std::string& file, Problem problem)
+    : InvalidMesh(file, ValidationReport{{std::move(problem)}})
 {}
 
 }  // namespace MeshIo

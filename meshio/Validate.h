@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
+#include <meshio/Host.h>
 
 #include <cstdint>
 #include <stdexcept>
@@ -54,12 +54,13 @@ struct ValidationReport {
 ///
 /// Faces, points and corners are counted from 0, corners through the whole mesh. Time is linear in
 /// the size of the mesh. Never reads outside an array, whatever the mesh holds.
-ValidationReport validateMesh(const Korvane::Object& mesh);
+ValidationReport validateMesh(const Object& mesh);
 
 /// Thrown by readers for a mesh with errors; what() names the file and the first error.
 class InvalidMesh : public std::runtime_error {
 public:
     InvalidMesh(const std::string& file, ValidationReport report);
+    InvalidMesh(const std::string& file, Problem problem);
 
     const ValidationReport& report() const { return m_report; }
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <Pelon/Array.h>
-#include <Pelon/TypeRep.h>
-
+#include <meshio/Host.h>
 #include <meshio/Validate.h>
 
 #include <cstdint>
@@ -10,8 +8,6 @@
 #include <utility>
 
 namespace MeshIo {
-
-inline constexpr Pelon::uint kNone = 0xFFFFFFFF;
 
 inline std::string str(std::uint64_t number)
 {
@@ -52,10 +48,9 @@ inline Finding error(const char* kind, const char* message, const char* advice)
 }
 
 /// How many indices name no value.
-std::size_t countOutside(const Pelon::Array<Pelon::uint>& indices, std::size_t valueCount,
-                         bool noneIsAllowed);
+std::size_t countOutside(const Array<uint>& indices, std::size_t valueCount, bool noneIsAllowed);
 
 /// Checks the arrays of all properties against their components and against each other.
-void checkProperties(const Korvane::Object& mesh, ValidationReport& report);
+void checkProperties(const Object& mesh, ValidationReport& report);
 
 }  // namespace MeshIo

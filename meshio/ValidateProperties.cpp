@@ -1,18 +1,12 @@
 #include <meshio/ValidateParts.h>
 
-#include <Korvane/ElementTypes.h>
-#include <Korvane/Geometry.h>
+#include <meshio/Host.h>
+#include <meshio/PropertyKinds.h>
 
 #include <algorithm>
 
 namespace MeshIo {
 namespace {
-
-using Korvane::Object;
-using Pelon::Array;
-using Pelon::String;
-using Pelon::uint;
-namespace Geometry = Korvane::Geometry;
 
 constexpr std::size_t kBlock = 1024;
 
@@ -40,13 +34,12 @@ private:
     void checkArray(const String& name, const Object& property, std::size_t size)
     {
         const std::string shown(name.view());
-        const Pelon::Any targetEntry = property.getProperty(Geometry::sTarget);
-        const String target = targetEntry.get<String>() ? *targetEntry.get<String>() : String();
+        const String target = entryOf<String>(property, Geometry::sTarget).value_or(String());
         if (const auto range = Geometry::getRangeGeoProperty(m_mesh, target))
             checkIndices(shown, target, *Geometry::getRangeGeoPropIndices(*range), size);
         const String component = Geometry::getTargetComponent(m_mesh, name);
         if (component.empty())
-            m_circle.add([&] { return shown; });
+            m_circle.add([&] { return std::string(name.view()); });
         else if (component == target)
             checkLength(shown, component, size, name == Geometry::sFaceOffset ? 1 : 0);
     }

@@ -4,7 +4,7 @@
 #include <Tessary/Primitives.h>
 #include <Tessary/Triangulation.h>
 
-#include "meshio/ReadFile.h"
+#include "meshio/Cancelled.h"
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>

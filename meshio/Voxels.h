@@ -1,8 +1,6 @@
 #pragma once
 
-#include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/Ptr.h>
+#include <meshio/Host.h>
 
 #include <cstdint>
 
@@ -23,11 +21,11 @@ struct Cell {
 /// Throws std::invalid_argument, with what to do, where the grid would be more than 2,097,152 cells
 /// long on a side or begin further than 2^30 cells from the origin; std::runtime_error when the
 /// caller's job is cancelled.
-Pelon::Array<Cell> touchedCells(const Korvane::Object& mesh, double cellSize);
+Array<Cell> touchedCells(const Object& mesh, double cellSize);
 
 /// A mesh of a closed cube for each cell, faces turned outwards.
 ///
 /// Throws std::invalid_argument where 32-bit indices cannot name the corners.
-Pelon::MutablePtr<Korvane::Object> makeCubes(const Pelon::Array<Cell>& cells, double cellSize);
+MutablePtr<Object> makeCubes(const Array<Cell>& cells, double cellSize);
 
 }  // namespace MeshIo

@@ -1,0 +1,16 @@
+#include <meshio/Cancelled.h>
+
+#include <KOR/ExceptionMessage.h>
+#include <Pelon/Job.h>
+
+#include <stdexcept>
+
+namespace MeshIo {
+
+void throwIfCancelled()
+{
+    if (Pelon::isJobCancelled())
+        throw std::runtime_error(KOR::exceptionMessage.c_str());
+}
+
+}  // namespace MeshIo
