@@ -1,28 +1,24 @@
-#include "meshio/Voxels.h"
+#include <meshio/Voxels.h>
 
-#include <Korvane/Geometry.h>
 #include <Tessary/Primitives.h>
-#include <Tessary/Triangulation.h>
 
-#include "meshio/Cancelled.h"
+#include <meshio/Cancelled.h>
+#include <meshio/Host.h>
+#include <meshio/MeshArrays.h>
+#include <meshio/RowBounds.h>
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
 #include <tbb/parallel_sort.h>
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace MeshIo {
 namespace {
-
-using Korvane::Object;
-using Korvane::Math::float3;
-using Pelon::Array;
-using Pelon::uint;
-namespace Geometry = Korvane::Geometry;
 
 // Cells are sorted as numbers of 3 * 21 bits, counted from the grid's first cell.
 constexpr int kAxisBits = 21;
@@ -53,6 +49,10 @@ public:
             if (m_grid.last[k] - m_grid.first[k] >= kMostCells)
                 throw std::invalid_argument("the mesh is more than " + std::to_string(kMostCells) +
                                             " cells long; a larger cell makes fewer");
+        for (int k = 0; k < 3; ++k)
+            for (const std::int64_t cell : {m_grid.first[k], m_grid.last[k]})
+                m_rounding =
+                    std::max(m_rounding, 0x1p-22 * std::fabs(static_cast<double>(cell)) * m_size);
     }
 
     Array<Cell> cells()
@@ -141,24 +141,54 @@ private:
         auto t = static_cast<std::size_t>(std::upper_bound(rows.begin(), rows.end(), begin) -
                                           rows.begin() - 1);
         for (std::uint64_t row = begin; row < end; ++t) {
+            const float3 p[3] = {point(3 * t), point(3 * t + 1), point(3 * t + 2)};
             const CellBox box = boxOfTriangle(t);
+            const std::optional<RowBounds> bounds = boundsOf(p, box);
             for (; row < std::min(end, rows[t + 1]); ++row)
-                visitRow(t, box, row - rows[t], found);
+                visitRow(p, box, row - rows[t], bounds, found);
         }
     }
 
-    void visitRow(std::size_t t, const CellBox& box, std::uint64_t row,
-                  std::vector<std::uint64_t>& found) const
+    // Small boxes are walked sooner than bounds are found.
+    std::optional<RowBounds> boundsOf(const float3 (&p)[3], const CellBox& box) const
     {
-        const float3 &a = point(3 * t), &b = point(3 * t + 1), &c = point(3 * t + 2);
+        constexpr std::uint64_t kSmall = 64;
+        if (box.length(0) * box.length(1) * box.length(2) <= kSmall)
+            return std::nullopt;
+        const std::uint64_t longest = std::max({box.length(0), box.length(1), box.length(2)});
+        return RowBounds(p, m_size, static_cast<double>(longest + 1) * m_size + m_rounding);
+    }
+
+    void visitRow(const float3 (&p)[3], const CellBox& box, std::uint64_t row,
+                  const std::optional<RowBounds>& bounds, std::vector<std::uint64_t>& found) const
+    {
         const float3 half = {m_halfSize, m_halfSize, m_halfSize};
         const std::int64_t x = box.first[0] + static_cast<std::int64_t>(row / box.length(1));
         const std::int64_t y = box.first[1] + static_cast<std::int64_t>(row % box.length(1));
-        for (std::int64_t z = box.first[2]; z <= box.last[2]; ++z) {
-            const float3 center = {middle(x), middle(y), middle(z)};
-            if (Tessary::intersect_triangle_with_axis_aligned_box(a, b, c, center, half))
+        float3 center = {middle(x), middle(y), 0};
+        std::int64_t first = box.first[2], last = box.last[2];
+        if (bounds && !narrow(*bounds, center, first, last))
+            return;
+        for (std::int64_t z = first; z <= last; ++z) {
+            center.z = middle(z);
+            if (Tessary::intersect_triangle_with_axis_aligned_box(p[0], p[1], p[2], center, half))
                 found.push_back(keyOf(x, y, z));
         }
+    }
+
+    // Narrows the cells along z.
+    bool narrow(const RowBounds& bounds, const float3& center, std::int64_t& first,
+                std::int64_t& last) const
+    {
+        double low = static_cast<double>(first) * m_size - m_rounding;
+        double high = static_cast<double>(last + 1) * m_size + m_rounding;
+        if (!bounds.narrow(center.x, center.y, low, high))
+            return false;
+        const double firstLeft = std::floor((low - m_rounding) / m_size - 0.5);
+        const double lastLeft = std::ceil((high + m_rounding) / m_size - 0.5);
+        first = std::max(first, static_cast<std::int64_t>(firstLeft));
+        last = std::min(last, static_cast<std::int64_t>(lastLeft));
+        return true;
     }
 
     float middle(std::int64_t i) const
@@ -188,50 +218,18 @@ private:
     double m_size;
     float m_halfSize;
     CellBox m_grid{};
+    double m_rounding = 0;  // less than this moves the middle of a cell
 };
 
 }  // namespace
 
 Array<Cell> touchedCells(const Object& mesh, double cellSize)
 {
-    const auto points = Geometry::dataArray<float3>(mesh, Geometry::sPointPosition);
-    const auto offsets = Geometry::dataArray<uint>(mesh, Geometry::sFaceOffset);
-    const auto corners = Geometry::dataArray<uint>(mesh, Geometry::sFaceVertex);
-    if (!points || !offsets || !corners)
+    const MeshArrays arrays(mesh);
+    const Array<uint> triangles = fanTriangles(*arrays.faceOffset, *arrays.faceVertex);
+    if (triangles.empty())
         return {};
-    Array<uint> triangleOffsets, triangleCorners;
-    if (!Tessary::computeTriangulation(*offsets, *corners, triangleOffsets, triangleCorners))
-        throw std::invalid_argument("a face has fewer than three corners");
-    if (triangleCorners.empty())
-        return {};
-    return Voxelizer(*points, triangleCorners, cellSize).cells();
-}
-
-Pelon::MutablePtr<Object> makeCubes(const Array<Cell>& cells, double cellSize)
-{
-    // Point 4 x + 2 y + z of a cube is the one at these ends of its axes.
-    constexpr uint kFaces[6][4] = {{0, 1, 3, 2}, {4, 6, 7, 5}, {0, 4, 5, 1},
-                                   {2, 3, 7, 6}, {0, 2, 6, 4}, {1, 5, 7, 3}};
-    if (cells.size() > 0xFFFFFFFFu / 24)
-        throw std::invalid_argument("more cubes than a mesh of 32-bit indices holds");
-    Array<float3> points(8 * cells.size());
-    Array<uint> offsets(6 * cells.size() + 1);
-    Array<uint> corners(24 * cells.size());
-    const auto at = [cellSize](std::int32_t i, std::size_t end) {
-        return static_cast<float>((static_cast<double>(i) + static_cast<double>(end)) * cellSize);
-    };
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        if (i % 65536 == 0)
-            throwIfCancelled();
-        const Cell& c = cells[i];
-        for (std::size_t p = 0; p < 8; ++p)
-            points[8 * i + p] = {at(c.x, p >> 2), at(c.y, p >> 1 & 1), at(c.z, p & 1)};
-        for (std::size_t k = 0; k < 24; ++k)
-            corners[24 * i + k] = static_cast<uint>(8 * i) + kFaces[k / 4][k % 4];
-    }
-    for (std::size_t f = 0; f < offsets.size(); ++f)
-        offsets[f] = static_cast<uint>(4 * f);
-    return Geometry::makeMesh(std::move(points), std::move(offsets), std::move(corners));
+    return Voxelizer(*arrays.points, triangles, cellSize).cells();
 }
 
 }  // namespace MeshIo
