@@ -2,40 +2,59 @@
 
 #include "host/Assert.h"
 #include "host/MeshLayout.h"
+#include "host/ParallelLoop.h"
 #include "host/PropertyAccess.h"
+#include "topology/PieceCounters.h"
 
 #include <algorithm>
+#include <atomic>
 #include <vector>
 
 namespace Tessary {
 namespace {
+
+constexpr uint kCornersPerPiece = 65536;
+
+// Whether the entries [0, size) all have one value.
+bool areAll(const Array<uint>& entries, std::size_t size, uint value)
+{
+    std::atomic<bool> all{true};
+    parallelLoop(0, static_cast<uint>(size), kCornersPerPiece, LoopContext::Isolated,
+                 [&](uint begin, uint end) {
+                     uint other = 0;
+                     for (std::size_t i = begin; i < end; ++i)
+                         other |= entries[i] ^ value;
+                     if (other != 0)
+                         all.store(false, std::memory_order_relaxed);
+                 });
+    return all;
+}
 
 // Whether the arrays arrive as addDual makes them: offsets zero, a free slot for every corner.
 bool arePrepared(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffset,
                  const Array<uint>& dualFaceVertex)
 {
     const std::size_t cornerCount = faceVertex.size();
-    if (dualFaceOffset.empty() || cornerCount >= kNone || dualFaceVertex.size() < cornerCount)
-        return false;
-    uint nonZero = 0;
-    for (const uint offset : dualFaceOffset)
-        nonZero |= offset;
-    uint taken = 0;
-    for (std::size_t slot = 0; slot < cornerCount; ++slot)
-        taken |= ~dualFaceVertex[slot];
-    return (nonZero | taken) == 0;
+    return cornerCount < kNone && dualFaceVertex.size() >= cornerCount &&
+           areAll(dualFaceOffset, dualFaceOffset.size(), 0) &&
+           areAll(dualFaceVertex, cornerCount, kNone);
 }
 
-void countCorners(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset)
+void countCorners(const Array<uint>& faceVertex, Range corners,
+                  [[maybe_unused]] std::size_t pointCount, uint* counts)
 {
-    [[maybe_unused]] const std::size_t pointCount = dualFaceOffset.size() - 1;
-    for (const uint& corner : faceVertex) {
-        const std::size_t point = corner;
-        TESSARY_ASSERT(point < pointCount, "corner " << &corner - faceVertex.data()
-                                                     << " names point " << point << " of "
-                                                     << pointCount);
-        ++dualFaceOffset[point + 1];
+    for (std::size_t corner = corners.begin; corner < corners.end; ++corner) {
+        const std::size_t point = faceVertex[corner];
+        TESSARY_ASSERT(point < pointCount,
+                       "corner " << corner << " names point " << point << " of " << pointCount);
+        ++counts[point];
     }
+}
+
+void listCorners(const Array<uint>& faceVertex, Range corners, uint* cursors, uint* slots)
+{
+    for (std::size_t corner = corners.begin; corner < corners.end; ++corner)
+        slots[cursors[faceVertex[corner]]++] = static_cast<uint>(corner);
 }
 
 void sumUp(Array<uint>& offsets)
@@ -49,16 +68,36 @@ void sumUp(Array<uint>& offsets)
 void fillByOffsets(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
                    Array<uint>& dualFaceVertex)
 {
-    const uint cornerCount = static_cast<uint>(faceVertex.size());
-    const uint* const points = faceVertex.data();
-    uint* const cursors = dualFaceOffset.data();
-    uint* const slots = dualFaceVertex.data();
-    for (uint corner = 0; corner < cornerCount; ++corner)
-        slots[cursors[points[corner]]++] = corner;
-
+    listCorners(faceVertex, {0, faceVertex.size()}, dualFaceOffset.data(), dualFaceVertex.data());
     // Every cursor has reached the start of the next point's list.
     std::copy_backward(dualFaceOffset.begin(), dualFaceOffset.end() - 1, dualFaceOffset.end());
     dualFaceOffset[0] = 0;
+}
+
+// Lists the corners in pieces, each with cursors of its own.
+void listInPieces(const Array<uint>& faceVertex, uint pieceCount, Array<uint>& dualFaceOffset,
+                  Array<uint>& dualFaceVertex)
+{
+    const std::size_t pointCount = dualFaceOffset.size() - 1;
+    PieceCounters cursors(pieceCount, pointCount);
+    const auto cornersOf = [&](uint piece) { return partOf(faceVertex.size(), piece, pieceCount); };
+    parallelForEach(pieceCount, LoopContext::Isolated, [&](uint piece) {
+        countCorners(faceVertex, cornersOf(piece), pointCount, cursors.of(piece));
+    });
+    cursors.turnIntoStarts();
+    parallelForEach(pieceCount, LoopContext::Isolated, [&](uint piece) {
+        listCorners(faceVertex, cornersOf(piece), cursors.of(piece), dualFaceVertex.data());
+    });
+    std::copy_n(cursors.binEnds(), pointCount, dualFaceOffset.data() + 1);
+}
+
+// As many as there are threads, where the cursors of all of them take no more than the corners.
+uint pieceCountFor(std::size_t cornerCount, std::size_t pointCount)
+{
+    const std::size_t mostByMemory = cornerCount / std::max<std::size_t>(pointCount, 1);
+    const std::size_t mostBySize = cornerCount / kCornersPerPiece;
+    return static_cast<uint>(
+        std::min<std::size_t>({loopConcurrency(), 8, mostByMemory, mostBySize}));
 }
 
 // Finds free slots as a search from any start would, in near constant time: every slot knows one at
@@ -113,8 +152,16 @@ void fillBySearch(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffs
 void constructDualMesh(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
                        Array<uint>& dualFaceVertex)
 {
+    if (dualFaceOffset.empty())
+        return;
     const bool isPrepared = arePrepared(faceVertex, dualFaceOffset, dualFaceVertex);
-    countCorners(faceVertex, dualFaceOffset);
+    const std::size_t pointCount = dualFaceOffset.size() - 1;
+    const uint pieceCount = pieceCountFor(faceVertex.size(), pointCount);
+    if (isPrepared && pieceCount > 1) {
+        listInPieces(faceVertex, pieceCount, dualFaceOffset, dualFaceVertex);
+        return;
+    }
+    countCorners(faceVertex, {0, faceVertex.size()}, pointCount, dualFaceOffset.data() + 1);
     sumUp(dualFaceOffset);
     if (isPrepared)
         fillByOffsets(faceVertex, dualFaceOffset, dualFaceVertex);

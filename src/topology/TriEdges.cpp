@@ -3,6 +3,7 @@
 #include "host/MeshLayout.h"
 #include "host/ParallelLoop.h"
 #include "topology/BlockSorter.h"
+#include "topology/PieceCounters.h"
 
 #include <algorithm>
 #include <atomic>
@@ -23,17 +24,6 @@
 namespace Tessary {
 namespace {
 
-struct Range {
-    std::size_t begin;
-    std::size_t end;
-};
-
-// Piece `i` of `pieces` nearly equal parts of [0, size).
-Range pieceOf(std::size_t size, uint i, uint pieces)
-{
-    return {size * i / pieces, size * (i + 1) / pieces};
-}
-
 class EdgeTable {
 public:
     EdgeTable(const Array<uint>& triFaceVertex, std::size_t pointCount, Array<uint>& triEdges)
@@ -42,14 +32,9 @@ public:
           m_pointCount(pointCount),
           m_keyOf(m_faceVertex, 3 * m_triangleCount, pointCount),
           m_binBits(isFiledByPoint() ? 0 : kBlockBits),
-          m_pieces(static_cast<uint>(
-              std::min<std::size_t>(m_binBits > 0 ? kMostPieces : std::min(loopConcurrency(), 8u),
-                                    1 + m_triangleCount / kTrianglesPerPiece))),
-          m_binCount(((pointCount - 1) >> m_binBits) + 1),
           m_blockCount(static_cast<uint>((pointCount - 1) >> kBlockBits) + 1),
-          m_cursors(m_pieces * m_binCount),
+          m_cursors(pieceCount(), ((pointCount - 1) >> m_binBits) + 1),
           m_upper(m_binBits > 0 ? 3 * m_triangleCount : 0),
-          m_blockBegin(std::size_t{m_blockCount} + 1),
           m_singles(m_blockCount),
           m_triEdges(triEdges)
     {}
@@ -59,7 +44,7 @@ public:
     {
         makeRoom();
         count();
-        turnCountsIntoStarts();
+        m_cursors.turnIntoStarts();
         file();
         if (!sortBlocks())
             return false;
@@ -69,8 +54,6 @@ public:
 
 private:
     static constexpr uint kBlockBits = 12;  // a block's half-edges take some 200 kB
-    static constexpr uint kMostPieces = 16;
-    static constexpr std::size_t kTrianglesPerPiece = 8192;
 
     // Whether half-edges that are filed one after another go to places that the cache still holds, or
     // keys lack the bits for a second step.
@@ -89,7 +72,19 @@ private:
         return farCount < kSamples / 8;
     }
 
-    uint* cursorsOf(uint piece) { return m_cursors.data() + piece * m_binCount; }
+    uint pieceCount() const
+    {
+        constexpr uint kMostPieces = 16;
+        constexpr std::size_t kTrianglesPerPiece = 8192;
+        const uint most = m_binBits > 0 ? kMostPieces : std::min(loopConcurrency(), 8u);
+        return static_cast<uint>(
+            std::min<std::size_t>(most, 1 + m_triangleCount / kTrianglesPerPiece));
+    }
+
+    Range trianglesOf(uint piece) const
+    {
+        return partOf(m_triangleCount, piece, m_cursors.pieceCount());
+    }
 
     Range pointsOf(uint block) const
     {
@@ -97,10 +92,11 @@ private:
         return {begin, std::min(begin + (std::size_t{1} << kBlockBits), m_pointCount)};
     }
 
-    Range binsOf(uint block) const
+    // Of a block in the table, once all half-edges are filed.
+    std::size_t beginOf(uint block) const
     {
-        const Range points = pointsOf(block);
-        return {points.begin >> m_binBits, ((points.end - 1) >> m_binBits) + 1};
+        const std::size_t firstBin = pointsOf(block).begin >> m_binBits;
+        return firstBin > 0 ? m_cursors.binEnds()[firstBin - 1] : 0;
     }
 
     // For the corners, and for what marks those of a short boundary.
@@ -116,7 +112,7 @@ private:
     template <class Visit>
     void forEachTriangle(uint piece, const Visit& visit) const
     {
-        const Range triangles = pieceOf(m_triangleCount, piece, m_pieces);
+        const Range triangles = trianglesOf(piece);
         const uint* const faceVertex = m_faceVertex;
         for (std::size_t t = triangles.begin; t < triangles.end; ++t)
             visit(SortedTriangle(faceVertex + 3 * t, static_cast<uint>(3 * t)));
@@ -126,7 +122,7 @@ private:
     template <class Visit>
     void forEachHalfEdge(uint piece, const Visit& visit) const
     {
-        const Range triangles = pieceOf(m_triangleCount, piece, m_pieces);
+        const Range triangles = trianglesOf(piece);
         for (std::size_t t = triangles.begin; t < triangles.end; ++t) {
             const uint* const point = m_faceVertex + 3 * t;
             for (uint k = 0; k < 3; ++k)
@@ -136,8 +132,8 @@ private:
 
     void count()
     {
-        parallelForEach(m_pieces, LoopContext::Isolated, [this](uint piece) {
-            uint* const counts = cursorsOf(piece);
+        parallelForEach(m_cursors.pieceCount(), LoopContext::Isolated, [this](uint piece) {
+            uint* const counts = m_cursors.of(piece);
             if (m_binBits == 0)
                 forEachTriangle(piece, [counts](const SortedTriangle& triangle) {
                     counts[triangle.largest] += 2;
@@ -149,28 +145,9 @@ private:
         });
     }
 
-    // Bin by bin, and for each bin piece by piece.
-    void turnCountsIntoStarts()
-    {
-        parallelForEach(m_blockCount, LoopContext::Isolated, [this](uint block) {
-            uint sum = 0;
-            for (uint piece = 0; piece < m_pieces; ++piece)
-                for (std::size_t bin = binsOf(block).begin; bin < binsOf(block).end; ++bin)
-                    sum += cursorsOf(piece)[bin];
-            m_blockBegin[block + 1] = sum;
-        });
-        std::partial_sum(m_blockBegin.begin(), m_blockBegin.end(), m_blockBegin.begin());
-        parallelForEach(m_blockCount, LoopContext::Isolated, [this](uint block) {
-            uint sum = m_blockBegin[block];
-            for (std::size_t bin = binsOf(block).begin; bin < binsOf(block).end; ++bin)
-                for (uint piece = 0; piece < m_pieces; ++piece)
-                    sum += std::exchange(cursorsOf(piece)[bin], sum);
-        });
-    }
-
     void file()
     {
-        parallelForEach(m_pieces, LoopContext::Isolated, [this](uint piece) {
+        parallelForEach(m_cursors.pieceCount(), LoopContext::Isolated, [this](uint piece) {
             if (m_binBits == 0)
                 fileByPoint(piece);
             else
@@ -180,7 +157,7 @@ private:
 
     void fileByPoint(uint piece)
     {
-        uint* const cursors = cursorsOf(piece);
+        uint* const cursors = m_cursors.of(piece);
         uint* const corners = m_triEdges.data();
         forEachTriangle(piece, [=](const SortedTriangle& triangle) {
             const uint slot = cursors[triangle.largest];
@@ -193,7 +170,7 @@ private:
 
     void fileByBlock(uint piece)
     {
-        uint* const cursors = cursorsOf(piece);
+        uint* const cursors = m_cursors.of(piece);
         const Filed filed{m_triEdges.data(), m_upper.data()};
         const HalfEdgeKeys keyOf = m_keyOf;
         forEachHalfEdge(piece, [=](Ends ends, uint corner) {
@@ -215,15 +192,14 @@ private:
 
     bool sortBlock(uint block, BlockSorter& sorter)
     {
-        const Range range{m_blockBegin[block], m_blockBegin[block + 1]};
         const Range points = pointsOf(block);
-        uint* const corners = m_triEdges.data() + range.begin;
-        // The last piece's cursors have reached the ends of the bins.
+        const std::size_t begin = beginOf(block);
+        uint* const corners = m_triEdges.data() + begin;
         if (m_binBits > 0)
-            sorter.fillBuckets({corners, m_upper.data() + range.begin}, range.end - range.begin,
-                               std::size_t{1} << kBlockBits);
+            sorter.fillBuckets({corners, m_upper.data() + begin},
+                               m_cursors.binEnds()[block] - begin, std::size_t{1} << kBlockBits);
         else
-            sorter.takeBuckets(corners, range.begin, cursorsOf(m_pieces - 1) + points.begin,
+            sorter.takeBuckets(corners, begin, m_cursors.binEnds() + points.begin,
                                points.end - points.begin);
         return sorter.sortInto(corners, m_singles[block]);
     }
@@ -240,7 +216,7 @@ private:
             const std::vector<uint>& singles = m_singles[block - 1];
             for (std::size_t i = singles.size(); i > 0; --i, --room) {
                 uint* const afterSingle =
-                    m_triEdges.data() + m_blockBegin[block - 1] + singles[i - 1] + 1;
+                    m_triEdges.data() + beginOf(block - 1) + singles[i - 1] + 1;
                 std::move_backward(afterSingle, end, end + room);
                 afterSingle[room - 1] = kNone;
                 end = afterSingle;
@@ -253,12 +229,9 @@ private:
     std::size_t m_pointCount;
     HalfEdgeKeys m_keyOf;
     uint m_binBits;  // a bin has 2^m_binBits points
-    uint m_pieces;   // of the triangles, each with a cursor for every bin
-    std::size_t m_binCount;
     uint m_blockCount;
-    Array<uint> m_cursors;
+    PieceCounters m_cursors;  // for pieces of the triangles
     Array<uint> m_upper;
-    std::vector<uint> m_blockBegin;
     std::vector<std::vector<uint>> m_singles;  // of each block, from its begin on
     Array<uint>& m_triEdges;
 };
@@ -283,7 +256,7 @@ std::size_t pointCountOf(const Array<uint>& faceVertex)
     const uint pieces = 1 + static_cast<uint>(faceVertex.size() / 65536);
     std::vector<std::size_t> count(pieces);
     parallelForEach(pieces, LoopContext::Isolated, [&](uint i) {
-        const Range range = pieceOf(faceVertex.size(), i, pieces);
+        const Range range = partOf(faceVertex.size(), i, pieces);
         uint largest = 0;
         for (std::size_t corner = range.begin; corner < range.end; ++corner)
             largest = std::max(largest, faceVertex[corner]);

@@ -1,9 +1,11 @@
+#include "support/Threads.h"
 #include "support/TriangleMeshes.h"
 
 #include <Tessary/Topology.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <numeric>
 
 using namespace TestSupport;
 using Tessary::addDual;
@@ -67,6 +69,30 @@ TEST(DualMesh, EqualsTheLiteralSearchForEveryEntryState)
 }
 
 // Quadratic in the valence this would be 10^12 steps.
+TEST(DualMesh, IsTheSameOnAnyNumberOfThreads)
+{
+    const uint pointCount = 40000;
+    std::mt19937 random(7);
+    Array<uint> faceVertex(600001);
+    for (uint& point : faceVertex)
+        point = random() % pointCount;
+    Array<uint> corners(faceVertex.size());
+    std::iota(corners.begin(), corners.end(), 0u);
+    std::stable_sort(corners.begin(), corners.end(),
+                     [&](uint a, uint b) { return faceVertex[a] < faceVertex[b]; });
+    Array<uint> offset(pointCount + 1);
+    for (uint p = 0; p <= pointCount; ++p)
+        offset[p] =
+            static_cast<uint>(std::partition_point(corners.begin(), corners.end(),
+                                                   [&](uint c) { return faceVertex[c] < p; }) -
+                              corners.begin());
+    atSeveralThreadCounts([&](int) {
+        const Dual dual = dualOf({"", pointCount, faceVertex});
+        EXPECT_TRUE(dual.offset == offset);
+        EXPECT_TRUE(dual.corners == corners);
+    });
+}
+
 TEST(DualMesh, OneFanOfAMillionTrianglesTakesNoLongerThanAGrid)
 {
     const uint triangles = 1000000;
