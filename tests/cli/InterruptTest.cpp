@@ -1,7 +1,5 @@
 #include "Program.h"
 
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,33 +23,27 @@ TEST(Interrupt, EndsTheWaitForInputAndLeavesNothing)
 {
     for (const int signal : {SIGINT, SIGTERM}) {
         const Folder folder, streams;
-        const std::string pipe = streams.path("pipe");
+        const std::string pipe = streams / "pipe";
         ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
         const int held = open(pipe.c_str(), O_RDWR);
-        Started program({"triangulate", "-", "-o", folder.path("out.obj")}, streams,
-                        {pipe, "", {}});
+        Started program({"triangulate", "-", "-o", folder / "out.obj"}, streams, {pipe, "", {}});
         waitForEntry(folder);
         program.signal(signal);
-        const Outcome outcome = program.finish();
+        expectRefusal(program.finish(), 130, "standard input: interrupted");
         close(held);
-        EXPECT_EQ(outcome.exitCode, 130) << outcome.err;
-        EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
-        EXPECT_NE(outcome.err.find("standard input: interrupted"), std::string::npos);
-        EXPECT_EQ(folder.names(), std::vector<std::string>());
+        EXPECT_EQ(folder.names(), Names());
     }
 }
 
 TEST(Interrupt, EndsLongWorkWithoutAHalfFile)
 {
     const Folder folder, streams;
-    Started program({"demo", "--output", folder.path("demo"), "--resolution", "512"}, streams, {});
+    Started program({"demo", "--output", folder / "demo", "--resolution", "512"}, streams, {});
     waitForEntry(folder);
     program.signal(SIGINT);
-    const Outcome outcome = program.finish();
-    EXPECT_EQ(outcome.exitCode, 130) << outcome.err;
-    EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
-    EXPECT_FALSE(std::filesystem::exists(folder.path("demo/demo_triangles.ply")));
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path("demo")))
+    expectRefusal(program.finish(), 130);
+    EXPECT_FALSE(std::filesystem::exists(folder / "demo/demo_triangles.ply"));
+    for (const auto& entry : std::filesystem::directory_iterator(folder / "demo"))
         EXPECT_EQ(entry.path().string().find(".part"), std::string::npos) << entry.path();
 }
 

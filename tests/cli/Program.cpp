@@ -7,8 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <fstream>
-#include <sstream>
+#include <filesystem>
 #include <stdexcept>
 #include <thread>
 
@@ -38,45 +37,16 @@ const char* const kHouse =
     "g front\nf 1/1 2/2 3/3 5/5 4/4\n"
     "g floor\nusemtl wood\nf 1/1 6/2 7/3 2/4\nf 1/5 4/2 6/1\n";
 
+const char* const kTurned = "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 0 -1 0\nf 1 2 3\nf 1 2 4\n";
+
 bool Outcome::saidOneLine() const
 {
     return err.compare(0, 7, "tessary") == 0 && std::count(err.begin(), err.end(), '\n') == 1 &&
            err.back() == '\n';
 }
 
-Folder::Folder()
-{
-    std::string name = (std::filesystem::temp_directory_path() / "tessary_cli_XXXXXX").string();
-    if (!mkdtemp(name.data()))
-        throw std::runtime_error("no temporary folder");
-    m_path = name;
-}
-
-Folder::~Folder()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
-
-std::string Folder::file(const std::string& name, const std::string& text) const
-{
-    std::ofstream(path(name), std::ios::binary) << text;
-    return path(name);
-}
-
-std::vector<std::string> Folder::names() const
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(m_path))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-Started::Started(const std::vector<std::string>& arguments, const Folder& folder,
-                 const Streams& streams)
-    : m_out(streams.output.empty() ? folder.path("stdout") : streams.output),
-      m_err(folder.path("stderr"))
+Started::Started(const Names& arguments, const Folder& folder, const Streams& streams)
+    : m_out(streams.output.empty() ? folder / "stdout" : streams.output), m_err(folder / "stderr")
 {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -118,22 +88,44 @@ Outcome Started::finish()
     Outcome outcome;
     outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     if (std::filesystem::is_regular_file(m_out))
-        outcome.out = textOfFile(m_out);
-    outcome.err = textOfFile(m_err);
+        outcome.out = contentOf(m_out);
+    outcome.err = contentOf(m_err);
     return outcome;
 }
 
-Outcome run(const std::vector<std::string>& arguments, const Streams& streams)
+Outcome run(const Names& arguments, const Streams& streams)
 {
     const Folder folder;
     return Started(arguments, folder, streams).finish();
 }
 
-std::string textOfFile(const std::string& path)
+nlohmann::json reportOf(Names arguments, const Names& more)
 {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
+    arguments.push_back("--json");
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    return outcome.exitCode == 0 ? outcome.json() : nlohmann::json();
+}
+
+nlohmann::json infoOf(const std::string& path)
+{
+    return reportOf({"info", path});
+}
+
+void expectReport(const nlohmann::json& report, const std::string& expected)
+{
+    const auto entries = nlohmann::json::parse(expected);
+    for (const auto& [name, value] : entries.items())
+        EXPECT_EQ(report.value(name, nlohmann::json("missing")), value) << name;
+}
+
+void expectRefusal(const Outcome& outcome, int exitCode, const std::string& part)
+{
+    EXPECT_EQ(outcome.exitCode, exitCode) << outcome.err;
+    EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
+    EXPECT_TRUE(contains(outcome.err, part));
+    EXPECT_EQ(outcome.out, "");
 }
 
 }  // namespace TestSupport

@@ -1,14 +1,19 @@
 #pragma once
 
+#include <tests/support/Files.h>
+#include <tests/support/Messages.h>
+
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <sys/types.h>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 /// Runs the built program as a user would.
 namespace TestSupport {
+
+using Names = std::vector<std::string>;
 
 struct Outcome {
     int exitCode = -1;  ///< minus the signal's number for a program that a signal ended
@@ -25,30 +30,10 @@ struct Streams {
     std::vector<int> closed;
 };
 
-/// A folder of a test's own, gone when the test ends.
-class Folder {
-public:
-    Folder();
-    ~Folder();
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::string path(const std::string& name) const { return (m_path / name).string(); }
-
-    /// Writes `text` into a file and returns its path.
-    std::string file(const std::string& name, const std::string& text) const;
-
-    std::vector<std::string> names() const;  ///< of what lies in the folder, sorted
-
-private:
-    std::filesystem::path m_path;
-};
-
 /// A program on its way.
 class Started {
 public:
-    Started(const std::vector<std::string>& arguments, const Folder& folder,
-            const Streams& streams);
+    Started(const Names& arguments, const Folder& folder, const Streams& streams);
     void signal(int number) const;
     Outcome finish();
 
@@ -57,11 +42,24 @@ private:
     pid_t m_process = -1;
 };
 
-Outcome run(const std::vector<std::string>& arguments, const Streams& streams = {});
+Outcome run(const Names& arguments, const Streams& streams = {});
 
-std::string textOfFile(const std::string& path);
+/// Runs the program, which succeeds with `arguments` and `more`, and returns its report.
+nlohmann::json reportOf(Names arguments, const Names& more = {});
+
+/// What the verb info reports of a mesh file.
+nlohmann::json infoOf(const std::string& path);
+
+/// Whether `report` has all that `expected`, an object in JSON, has.
+void expectReport(const nlohmann::json& report, const std::string& expected);
+
+/// Whether the program ended so, with one line that has `part` in it and nothing on standard output.
+void expectRefusal(const Outcome& outcome, int exitCode, const std::string& part = "");
 
 /// Faces of 4, 3 and 5 corners with UVs and groups, as OBJ.
 extern const char* const kHouse;
+
+/// Triangles 0 1 2 and 0 1 3, which run along the edge 0-1 in one direction, as OBJ.
+extern const char* const kTurned;
 
 }  // namespace TestSupport

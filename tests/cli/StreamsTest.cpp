@@ -1,7 +1,5 @@
 #include "Program.h"
 
-#include <gtest/gtest.h>
-
 #include <sys/resource.h>
 
 using namespace TestSupport;
@@ -14,11 +12,10 @@ TEST(Streams, AMeshFlowsThroughStandardInputAndOutput)
     const std::string house = folder.file("house.obj", kHouse);
     const Outcome outcome =
         run({"triangulate", "-", "-o", "-", "--format", "ply-ascii", "--quiet"}, {house, "", {}});
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.out.find("ply\nformat ascii 1.0\n"), 0u) << outcome.out;
-    const Outcome back = run({"info", "-", "--json"}, {folder.file("a", outcome.out), "", {}});
-    EXPECT_EQ(back.json()["faces"], 6);
+    EXPECT_EQ(infoOf(folder.file("a", outcome.out))["faces"], 6);
 }
 
 TEST(Streams, AFullOrClosedOutputExitsWithThreeAndALine)
@@ -26,15 +23,11 @@ TEST(Streams, AFullOrClosedOutputExitsWithThreeAndALine)
     const Folder folder;
     const std::string house = folder.file("house.obj", kHouse);
     const Streams full = {"/dev/null", "/dev/full", {}}, closed = {"/dev/null", "", {1}};
-    const std::vector<std::string> info = {"info", house}, help = {"--help"},
-                                   flow = {"triangulate", house, "-o", "-", "--format", "obj"};
-    for (const auto& arguments : {info, help, flow})
-        for (const Streams& streams : {full, closed}) {
-            const Outcome outcome = run(arguments, streams);
-            EXPECT_EQ(outcome.exitCode, 3) << outcome.err;
-            EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
-            EXPECT_NE(outcome.err.find("standard output: "), std::string::npos) << outcome.err;
-        }
+    const Names info = {"info", house}, help = {"--help"},
+                flow = {"triangulate", house, "-o", "-", "--format", "obj"};
+    for (const Names& arguments : {info, help, flow})
+        for (const Streams& streams : {full, closed})
+            expectRefusal(run(arguments, streams), 3, "standard output: ");
 }
 
 TEST(Streams, AFileBeyondTheUsersLimitLeavesALineAndNoHalfFile)
@@ -45,13 +38,10 @@ TEST(Streams, AFileBeyondTheUsersLimitLeavesALineAndNoHalfFile)
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
     const rlimit small = {4096, before.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    Started program({"sample", house, "-d", "0.02", "-o", folder.path("out.ply")}, streams, {});
+    Started program({"sample", house, "-d", "0.02", "-o", folder / "out.ply"}, streams, {});
     setrlimit(RLIMIT_FSIZE, &before);
-    const Outcome outcome = program.finish();
-    EXPECT_EQ(outcome.exitCode, 3) << outcome.err;
-    EXPECT_TRUE(outcome.saidOneLine()) << outcome.err;
-    EXPECT_NE(outcome.err.find("out.ply: cannot be written"), std::string::npos) << outcome.err;
-    EXPECT_EQ(folder.names(), std::vector<std::string>{"house.obj"});
+    expectRefusal(program.finish(), 3, "out.ply: cannot be written");
+    EXPECT_EQ(folder.names(), Names{"house.obj"});
 }
 
 // A file opened by a program without standard streams takes their numbers.
@@ -59,12 +49,12 @@ TEST(Streams, ClosedStreamsNeverLeadIntoTheMeshFile)
 {
     const Folder folder;
     const std::string house = folder.file("house.obj", kHouse);
-    const std::string out = folder.path("out.obj"), good = folder.path("good.obj");
+    const std::string out = folder / "out.obj", good = folder / "good.obj";
     ASSERT_EQ(run({"triangulate", house, "-o", good, "--quiet"}).exitCode, 0);
     const Outcome outcome =
         run({"triangulate", house, "-o", out, "--json"}, {"/dev/null", "", {0, 1, 2}});
     EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_EQ(textOfFile(out), textOfFile(good));
+    EXPECT_EQ(contentOf(out), contentOf(good));
 
     // The summary had nowhere to go.
     const Streams mute = {"/dev/null", "", {2}};

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <support/TriangleMeshes.h>
 
-#include <meshio/DemoMesh.h>
 #include <meshio/EdgePlaces.h>
 #include <meshio/EdgeReport.h>
 
@@ -29,11 +28,6 @@ TEST(MeshShape, TellsAnOpenSheetFromClosedSurfaces)
     EXPECT_EQ(sheet.least, 2u);
     EXPECT_EQ(sheet.most, 3u);
     EXPECT_FALSE(sheet.isClosed || sheet.genus);
-
-    const MeshShape torus = shapeOf(*MeshIo::makeDemoMesh(8));
-    EXPECT_TRUE(torus.isClosed);
-    EXPECT_EQ(torus.eulerCharacteristic, 0);
-    EXPECT_EQ(torus.genus, 1u);
 
     const MeshShape two = shapeOf(*meshOf(
         8,

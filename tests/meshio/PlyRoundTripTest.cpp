@@ -80,7 +80,7 @@ TEST(PlyRoundTrip, RandomPolygonsInManyBlocksWithScalarsBetweenLists)
 
 TEST(PlyRoundTrip, ExtremeNumbersAndNamesOfAnyKindSurvive)
 {
-    const auto mesh = meshOf(4, {{0, 1, 2}});
+    const auto mesh = meshOf(4, {});
     using Limits = std::numeric_limits<float>;
     addValues<float>(*mesh, "f", sPointComp,
                      {Limits::denorm_min(), -Limits::max(), -0.0f, Limits::infinity()});
@@ -91,7 +91,7 @@ TEST(PlyRoundTrip, ExtremeNumbersAndNamesOfAnyKindSurvive)
         addValues<float>(*mesh, name, sPointComp, {1.5f, 2, 3, 4});
     addValues<float3>(*mesh, "normal", sPointComp, {{1, 2, 3}, {}, {}, {}});
     for (const char* name : {"vertex_index", "y"})
-        addValues<int>(*mesh, name, sFaceComp, {5});
+        addValues<int>(*mesh, name, sFaceComp, {});
     expectRoundTrips(*mesh);
 }
 

@@ -117,14 +117,6 @@ const std::string kPointHeader =
 const std::string kFaceHeader =
     kPointHeader + "element face 1\nproperty list uchar int vertex_indices\n";
 
-TEST(Ply, APointCloudIsAMeshWithoutFaces)
-{
-    const MeshRead read = readPly(kPointHeader + "end_header\n1 2 3\n");
-    expectData<float3>(read, sPointPosition, sPointComp, {{1, 2, 3}});
-    expectData<uint>(read, sFaceOffset, sFaceComp, {0});
-    EXPECT_TRUE(read.warnings.empty());
-}
-
 TEST(Ply, NamesThatTheMeshHasAlreadyAreChangedWithAWarning)
 {
     const MeshRead read =
@@ -142,18 +134,25 @@ TEST(Ply, NamesThatTheMeshHasAlreadyAreChangedWithAWarning)
               "face property \"a\" is called \"face_a\" in the mesh, where the name is taken");
 }
 
-TEST(Ply, WhatDoesNotFitTheMeshIsSaidInAWarning)
+TEST(Ply, APointCloudIsAMeshWithoutFacesAndBytesAfterItAreCounted)
 {
-    const std::string text = kPointHeader + "end_header\n1 2 3\n\n more\n";
-    const MeshRead lists = readPly(kFaceHeader +
-                                   "property list uchar float texcoord\nend_header\n0 0 0\n"
-                                   "3 0 0 0 2 .5 1\n");
-    expectData<float>(lists, "texcoord", "texcoord_component", {.5f, 1});
-    expectData<uint>(lists, "texcoord_offset", "texcoord", {0, 2});
-    ASSERT_EQ(lists.warnings.size(), 1u);
-    EXPECT_TRUE(contains(lists.warnings[0], "\"texcoord\" has not 2 values per corner"));
-    EXPECT_TRUE(contains(readPly(text).warnings.at(0), "5 bytes follow the last element"));
-    EXPECT_TRUE(contains(readPly(binaryFile(true) + "!").warnings[1], "1 bytes"));
+    const MeshRead read = readPly(kPointHeader + "end_header\n1 2 3\n\n more\n");
+    expectData<float3>(read, sPointPosition, sPointComp, {{1, 2, 3}});
+    expectData<uint>(read, sFaceOffset, sFaceComp, {0});
+    ASSERT_EQ(read.warnings.size(), 1u);
+    EXPECT_TRUE(contains(read.warnings[0], "5 bytes follow the last element"));
+    EXPECT_TRUE(contains(readPly(binaryFile(true) + "!").warnings.at(1), "1 bytes"));
+}
+
+TEST(Ply, CornerListsOfAnotherLengthStayListsOfTheirFaces)
+{
+    const MeshRead read = readPly(kFaceHeader +
+                                  "property list uchar float texcoord\nend_header\n0 0 0\n"
+                                  "3 0 0 0 2 .5 1\n");
+    expectData<float>(read, "texcoord", "texcoord_component", {.5f, 1});
+    expectData<uint>(read, "texcoord_offset", "texcoord", {0, 2});
+    ASSERT_EQ(read.warnings.size(), 1u);
+    EXPECT_TRUE(contains(read.warnings[0], "\"texcoord\" has not 2 values per corner"));
 }
 
 TEST(Ply, DeclarationsThatDoNotFitAreIgnoredWithAWarning)

@@ -138,13 +138,17 @@ TEST(SampleCloud, TiesGoToTheFirstCornerAndMissingValuesToTheDefault)
     addIndices(*mesh, "range", sFaceVertexComp, {0, 0, kNone, 1});
     addValues<int>(*mesh, "picked", "range", {5, 6}, -1);
     addValues<double>(*mesh, "real", "range", {5, 6}, 0.5);
-    const SampleCloud result = makeSampleCloud(*mesh, samples, {"id", "picked", "real"});
+    addIndices(*mesh, "gap", sFaceVertexComp, {kNone, 0, 0, 1});
+    addValues<double>(*mesh, "first", "gap", {5, 6}, 1.5);
+    const SampleCloud result = makeSampleCloud(*mesh, samples, {"id", "picked", "real", "first"});
     EXPECT_EQ(*dataOf<int>(*result.cloud, "id"), (Array<int>{13, 10, 12}));
     EXPECT_EQ(*dataOf<int>(*result.cloud, "picked"), (Array<int>{6, 5, -1}));
     EXPECT_EQ(*dataOf<double>(*result.cloud, "real"), (Array<double>{0.5, 0.5, 0.5}));
+    EXPECT_EQ(*dataOf<double>(*result.cloud, "first"), (Array<double>{1.5, 1.5, 1.5}));
     EXPECT_EQ(result.warnings,
               (Names{"property \"picked\" has no value at 1 samples, which get its default",
-                     "property \"real\" has no value at 3 samples, which get its default"}));
+                     "property \"real\" has no value at 3 samples, which get its default",
+                     "property \"first\" has no value at 3 samples, which get its default"}));
 }
 
 TEST(SampleCloud, NamesThatAreTakenGiveWayAndWhatHasNoRuleIsLeftOut)

@@ -14,6 +14,20 @@ using MeshIo::SampledSurface;
 
 namespace {
 
+// Triangles of area 1/2, far apart.
+MutablePtr<Object> pieces(uint count)
+{
+    Array<float3> points;
+    PolygonMesh triangles;
+    for (uint i = 0; i < count; ++i) {
+        const float x = 100.0f * static_cast<float>(i);
+        for (const float3& p : {float3{x, 0, 0}, float3{x + 1, 0, 0}, float3{x, 1, 0}})
+            points.push_back(p);
+        triangles.addFace(Array<uint>{3 * i, 3 * i + 1, 3 * i + 2});
+    }
+    return Geometry::makeMesh(points, triangles.faceOffset, triangles.faceVertex);
+}
+
 // A rectangle of one quad, from `corner` on.
 MutablePtr<Object> rectangle(float width, float height, const float3& corner = {0, 0, 0})
 {
@@ -39,6 +53,7 @@ TEST(SampledSurface, SamplesThePolygonsFanTriangles)
     const SampledSurface surface = surfaceOf(*mesh);
     EXPECT_EQ(surface.area(), 6.0);
     EXPECT_NEAR(surface.boundingRadius(), std::sqrt(13.0) / 2, 1e-6);
+    EXPECT_EQ(surfaceOf(*pieces(10000)).area(), 5000.0) << "of as many as are added in parallel";
     const MeshIo::SurfaceSamples samples = surface.sample(0.1f, 5);
 
     const auto triangles = Geometry::makeMesh(*dataOf<float3>(*mesh, Geometry::sPointPosition),
@@ -107,23 +122,13 @@ TEST(SampledSurface, RefusesDistancesThatCannotBeAndSaysWhichCan)
 TEST(SampledSurface, FindsTheDistanceForACount)
 {
     // A broad surface, a thin one, and one in pieces far apart, of which each has room for one.
-    const auto ribbon = rectangle(1000, 1e-3f);
-    Array<float3> points;
-    PolygonMesh triangles;
-    for (uint i = 0; i < 300; ++i) {
-        const float x = 100.0f * static_cast<float>(i);
-        for (const float3& p : {float3{x, 0, 0}, float3{x + 1, 0, 0}, float3{x, 1, 0}})
-            points.push_back(p);
-        triangles.addFace(Array<uint>{3 * i, 3 * i + 1, 3 * i + 2});
-    }
-    const auto pieces = Geometry::makeMesh(points, triangles.faceOffset, triangles.faceVertex);
-    for (const auto& mesh : {Ptr<Object>(rectangle(2, 1)), Ptr<Object>(ribbon)})
-        for (const std::uint64_t wanted : {1u, 7u, 40u, 500u, 5000u})
-            EXPECT_LE(std::abs(double(countAt(*mesh, wanted)) - double(wanted)),
-                      0.02 * double(wanted))
-                << wanted;
-    for (const std::uint64_t wanted : {200u, 3000u})
-        EXPECT_NEAR(double(countAt(*pieces, wanted)), double(wanted), 0.02 * double(wanted));
+    const auto expectMet = [](const Object& mesh, std::initializer_list<double> counts) {
+        for (const double wanted : counts)
+            EXPECT_NEAR(double(countAt(mesh, std::uint64_t(wanted))), wanted, 0.02 * wanted);
+    };
+    for (const auto& mesh : {rectangle(2, 1), rectangle(1000, 1e-3f)})
+        expectMet(*mesh, {1, 7, 40, 500, 5000});
+    expectMet(*pieces(300), {200, 3000});
 }
 
 TEST(SampledSurface, TheSearchForACountEndsAndStaysAboveTheLeastDistance)
