@@ -170,6 +170,7 @@ TEST(ObjReader, NamesTheLineOfAnError)
         {std::string("v 0 0\0 0\n", 9),
          " byte 5 is 0: this is binary data or UTF-16, and neither OBJ text nor PLY"},
         {"\xFF\xFEv", " is UTF-16 text; save it as UTF-8"},
+        {"\xFE\xFFv", " is UTF-16 text; save it as UTF-8"},
     };
     for (const auto& one : cases)
         EXPECT_EQ(messageOf<FileError>([&] { readText(one.text); }), "a.obj:" + one.expected);
@@ -190,7 +191,7 @@ TEST(ObjWriter, ReadsBackEqual)
           kSquare + "vt 0 0\nvn 0 0 1\nf 1 2 3\n",
           kSquare + "vt 0 0\nvn 0 0 1\ng a\nusemtl b\ns 3\no c\nmtllib d\n",
           kSquare + "f 1 2 3\ng a # b\nf 1 2 3\nusemtl b\no\ns 4000000000\nf 2 3 4\ng\ns off\n"
-                    "f 1 2 4\no x\nf 1 2 3\n",
+                    "f 1 2 4\no x\ns 1\nf 1 2 3\n",
           kSquare + "g\nusemtl\no\ns 0\nmtllib\nf 1 2 3\n"})
         EXPECT_EQ(roundTrip(text), "") << text;
 }
@@ -305,16 +306,6 @@ TEST(ObjModels, OfOtherProgramsReadBackEqualWithAllTheirPointsAndFaces)
         const auto mesh = MeshIo::readMesh(path).mesh;
         EXPECT_EQ(getElementCount(*mesh, sPointComp), model.points);
         EXPECT_EQ(getElementCount(*mesh, sFaceComp), model.faces);
-    }
-}
-
-TEST(ObjModels, ThatAreMalformedAreRefused)
-{
-    for (const char* name : {"empty.obj", "malformed.obj", "malformed2.obj", "box_UTF16BE.obj"}) {
-        const std::string path = installedModel(name);
-        if (path.empty())
-            GTEST_SKIP() << "package assimp-testmodels is not installed";
-        EXPECT_THROW(MeshIo::readMesh(path), FileError) << name;
     }
 }
 

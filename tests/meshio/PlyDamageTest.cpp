@@ -118,6 +118,8 @@ TEST(PlyDamage, PromisesAloneTakeNoMemory)
          "no list \"vertex_indices\" of integers"},
         {binary + noPoints + "element face 1\nproperty list int uint vertex_index\n" + end + twelve,
          "has 16843009 entries by its count, and the file has room for 2"},
+        {binary + noPoints + "element face 1\nproperty list char int vertex_index\n" + end + "\xFD",
+         "has -3 entries by its count"},
         {ascii + noPoints + "element face 1\nproperty list uint int vertex_index\n" + end +
              "4000000000 1 2\n",
          "the line ends where a int of property \"vertex_index\""},
