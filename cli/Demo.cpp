@@ -82,15 +82,15 @@ Pelon::Ptr<Object> sampleCloudOf(const Object& mesh, Session& session, Steps& st
 
 void write(const Object& mesh, const std::filesystem::path& file, Session& session, Steps& steps)
 {
-    const std::string path = file.string();
+    const std::string path = file.string(), prefix = path + ": ";
     const MeshFormat format = *MeshIo::formatOfName(path);
     steps.run("write", [&] {
         MeshIo::OutputFile output(path, true);
-        for (const std::string& warning : MeshIo::writeMesh(mesh, format, output))
-            session.warn(path + ": " + warning);
+        for (std::string& warning : MeshIo::writeMesh(mesh, format, output))
+            session.warn(warning.insert(0, prefix));
         session.beginStage("finishing " + path);
         output.commit();
-        return path;
+        return file.string();
     });
 }
 

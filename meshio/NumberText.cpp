@@ -179,8 +179,11 @@ char* formatNumber(char* out, T value)
     return std::to_chars(out, out + kNumberTextSize, value).ptr;
 }
 
-#define MESHIO_NUMBER(T)                                                    \
-    template const char* scanNumber<T>(const char*, const char*, T& value); \
+template <class T>
+using Reference = T&;
+
+#define MESHIO_NUMBER(T)                                                              \
+    template const char* scanNumber<T>(const char*, const char*, Reference<T> value); \
     template char* formatNumber<T>(char*, T)
 MESHIO_NUMBER(float);
 MESHIO_NUMBER(double);
