@@ -2,6 +2,7 @@
 
 #include <meshio/Host.h>
 #include <meshio/MessageText.h>
+#include <meshio/PlyNames.h>
 #include <meshio/PropertyKinds.h>
 #include <meshio/Vectors.h>
 
@@ -78,10 +79,25 @@ std::string kindOf(const Object& mesh, const std::string& name)
            (isMeshComponent(component) ? elementWord(component) + "s" : quoted(component.view()));
 }
 
-[[noreturn]] void reject(const std::string& name, const std::string& what)
+[[noreturn]] void reject(const std::string& name, const std::string& what,
+                         const std::string& advice = "")
 {
     throw std::invalid_argument("crease property " + quoted(name) + " " + what +
-                                "; expected a bool, uchar or float for each corner");
+                                "; expected a bool, uchar or float for each corner" + advice);
+}
+
+// A list of each face is one of corners once the file's header says so.
+std::string adviceFor(const Object& mesh, const std::string& name)
+{
+    const auto component = getTargetComponent(mesh, name);
+    const char* const type = dataArray<float>(mesh, name)           ? "float"
+                             : dataArray<unsigned char>(mesh, name) ? "uchar"
+                                                                    : nullptr;
+    if (!type || component != name + Ply::kListComponentEnding)
+        return "";
+    const std::string word = Ply::encodedName(name);
+    return " (the list becomes that behind the PLY header line \"comment property corner " +
+           (type + (" " + word)) + " " + word + "\")";
 }
 
 template <class T>
@@ -136,7 +152,7 @@ Array<bool> creasesByProperty(const TriangulatedView& view, const Object& mesh,
     if (!isPlainCorner || !(readCreases<bool>(view, mesh, name, creases) ||
                             readCreases<unsigned char>(view, mesh, name, creases) ||
                             readCreases<float>(view, mesh, name, creases)))
-        reject(name, "is " + kindOf(mesh, name));
+        reject(name, "is " + kindOf(mesh, name), adviceFor(mesh, name));
     return creases;
 }
 

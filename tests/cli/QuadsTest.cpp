@@ -63,7 +63,10 @@ TEST(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
     } mistakes[] = {
         {{"--crease-angle", "181"}, "outside 0 to 180"},
         {{"--crease-angle", "nan"}, "outside 0 to 180"},
-        {{"--crease-angle", "steep"}, "--crease-angle"},
+        {{"--crease-angle", "steep"}, "from 0 to 180, found \"steep\""},
+        {{"--crease-angle", ""}, "--crease-angle"},
+        {{"--edge-weight", ""}, "--edge-weight"},
+        {{"--gap", ""}, "--gap"},
         {{"--gap", "2"}, "outside 0 to 1"},
         {{"--edge-weight", "-0.1"}, "outside 0 to 1"},
         {{"--inner-weights", "1,1"}, "--inner-weights"},
@@ -80,6 +83,24 @@ TEST(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
         expectRefusal(run(arguments), 2, mistake.part);
     }
     EXPECT_EQ(folder.names(), Names{"house.obj"});
+}
+
+TEST(QuadsVerb, TheAdviceForAPlainFaceListMakesItACrease)
+{
+    const Folder folder;
+    const auto plyWith = [](const std::string& line) {
+        return "ply\nformat ascii 1.0\n" + line +
+               "element vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
+               "element face 1\nproperty list uchar int vertex_indices\n"
+               "property list uchar float sharp\nend_header\n0 0 0\n1 0 0\n0 1 0\n3 0 1 2 3 0 0 "
+               "0\n";
+    };
+    const std::string line = "comment property corner float sharp sharp";
+    const std::string plain = folder.file("plain.ply", plyWith(""));
+    expectRefusal(run({"quads", plain, "-o", folder / "out.obj", "--crease-property", "sharp"}), 2,
+                  line);
+    const std::string declared = folder.file("declared.ply", plyWith(line + "\n"));
+    EXPECT_EQ(quadsOf(folder, declared, {"--crease-property", "sharp"})["creased_edges"], 3);
 }
 
 TEST(QuadsVerb, PropertiesFollowAndPositionsMoveWithTheWeights)
