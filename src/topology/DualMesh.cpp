@@ -13,7 +13,8 @@
 namespace Tessary {
 namespace {
 
-constexpr uint kCornersPerPiece = 65536;
+// Fewer are listed as soon by one thread.
+constexpr uint kCornersPerPiece = 1 << 20;
 
 // Whether the entries [0, size) all have one value.
 bool areAll(const Array<uint>& entries, std::size_t size, uint value)

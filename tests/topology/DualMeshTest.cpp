@@ -71,9 +71,9 @@ TEST(DualMesh, EqualsTheLiteralSearchForEveryEntryState)
 // Quadratic in the valence this would be 10^12 steps.
 TEST(DualMesh, IsTheSameOnAnyNumberOfThreads)
 {
-    const uint pointCount = 40000;
+    const uint pointCount = 400000;
     std::mt19937 random(7);
-    Array<uint> faceVertex(600001);
+    Array<uint> faceVertex(3300001);
     for (uint& point : faceVertex)
         point = random() % pointCount;
     Array<uint> corners(faceVertex.size());
