@@ -99,6 +99,11 @@ private:
         return firstBin > 0 ? m_cursors.binEnds()[firstBin - 1] : 0;
     }
 
+    std::size_t endOf(uint block) const
+    {
+        return block + 1 < m_blockCount ? beginOf(block + 1) : 3 * m_triangleCount;
+    }
+
     // For the corners, and for what marks those of a short boundary.
     void makeRoom()
     {
@@ -204,24 +209,37 @@ private:
         return sorter.sortInto(corners, m_singles[block]);
     }
 
-    // Lets in kNone after every half-edge that has no partner.
+    // Lets in kNone after every half-edge that has no partner, in rounds of the last blocks that go
+    // beyond all that is still to be moved.
     void moveApart()
     {
-        std::size_t room = 0;
+        std::vector<std::size_t> room{0};  // before each block
         for (const std::vector<uint>& singles : m_singles)
-            room += singles.size();
-        m_triEdges.resize(3 * m_triangleCount + room);
-        uint* end = m_triEdges.data() + 3 * m_triangleCount;
-        for (uint block = m_blockCount; room > 0; --block) {
-            const std::vector<uint>& singles = m_singles[block - 1];
-            for (std::size_t i = singles.size(); i > 0; --i, --room) {
-                uint* const afterSingle =
-                    m_triEdges.data() + beginOf(block - 1) + singles[i - 1] + 1;
-                std::move_backward(afterSingle, end, end + room);
-                afterSingle[room - 1] = kNone;
-                end = afterSingle;
-            }
+            room.push_back(room.back() + singles.size());
+        m_triEdges.resize(3 * m_triangleCount + room.back());
+        for (uint end = m_blockCount; room[end] > 0;) {
+            uint begin = end - 1;
+            while (begin > 0 && beginOf(begin - 1) + room[begin - 1] >= endOf(end - 1))
+                --begin;
+            parallelForEach(end - begin, LoopContext::Isolated,
+                            [&, begin](uint i) { moveBlockApart(begin + i, room[begin + i]); });
+            end = begin;
         }
+    }
+
+    void moveBlockApart(uint block, std::size_t room)
+    {
+        uint* const begin = m_triEdges.data() + beginOf(block);
+        uint* end = m_triEdges.data() + endOf(block);
+        const std::vector<uint>& singles = m_singles[block];
+        for (std::size_t i = singles.size(); i > 0; --i) {
+            uint* const afterSingle = begin + singles[i - 1] + 1;
+            std::move_backward(afterSingle, end, end + room + i);
+            afterSingle[room + i - 1] = kNone;
+            end = afterSingle;
+        }
+        if (room > 0)
+            std::move_backward(begin, end, end + room);
     }
 
     const uint* m_faceVertex;
