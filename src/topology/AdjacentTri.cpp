@@ -17,7 +17,7 @@ namespace Tessary {
 namespace {
 
 // Looks at every list: offsets that wrapped around may reach far in the middle and end low.
-bool allListsEndWithin(std::size_t cornerCount, const Array<uint>& dualOffset)
+bool allListsEndWithin(std::size_t dualSize, const Array<uint>& dualOffset)
 {
     std::atomic<bool> all{true};
     const uint* const end = dualOffset.data() + 1;
@@ -26,7 +26,7 @@ bool allListsEndWithin(std::size_t cornerCount, const Array<uint>& dualOffset)
                      uint largest = 0;
                      for (uint point = first; point < last; ++point)
                          largest = std::max(largest, end[point]);
-                     if (largest > cornerCount)
+                     if (largest > dualSize)
                          all.store(false, std::memory_order_relaxed);
                  });
     return all;

@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <atomic>
 #include <iostream>
-#include <numeric>
-#include <utility>
 #include <vector>
 
 // Half-edges are filed by larger point in two steps: first by block of points, then, block by block,
