@@ -33,7 +33,7 @@ CHOSEN = {
     "sampling": "/(sphere|four)",
     "primitives": "computeBoundingSphere/(in a ball|on a mesh)",
     "solver": "/mixed",
-    "meshio": "readMesh.*/(OBJ|PLY)/|writeMesh.*/(OBJ|PLY)/|validateMesh",
+    "mesh": "readMesh.*/(OBJ|PLY)/|writeMesh.*/(OBJ|PLY)/|validateMesh",
 }
 USUAL = ["--alone", "--min-size=100000", "--max-size=1000000000", "--row-seconds=0.3"]
 COLUMNS = [(100000, "10⁵"), (1000000, "10⁶"), (8000000, "8·10⁶"), (30000000, "3·10⁷"),

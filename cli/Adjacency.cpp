@@ -2,7 +2,7 @@
 #include "MeshFacts.h"
 #include "Verbs.h"
 
-#include <meshio/TriangleTables.h>
+#include <mesh/ops/TriangleTables.h>
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -32,10 +32,10 @@ std::size_t boundaryCount(const Pelon::Array<Pelon::uint>& triEdges)
 ExitCode adjacency(const FileOptions& options, Session& session)
 {
     Conversion conversion(options, session);
-    const MeshIo::TriangleTables tables = conversion.run("adjacency", "finding neighbours", [&] {
-        return MeshIo::makeTriangleTables(conversion.mesh(), options.input);
-    });
-    conversion.write([&](MeshIo::OutputFile& output) -> std::vector<std::string> {
+    const TessaryMesh::TriangleTables tables = conversion.run(
+        "adjacency", "finding neighbours",
+        [&] { return TessaryMesh::makeTriangleTables(conversion.mesh(), options.input); });
+    conversion.write([&](TessaryMesh::OutputFile& output) -> std::vector<std::string> {
         conversion.format() == "npz" ? writeNpz(tables, output) : writeJson(tables, output);
         return {};
     });

@@ -26,12 +26,13 @@ Conversion::Conversion(const FileOptions& files, Session& session)
     if (session.settings.json && m_outputPath == "-")
         throw UsageError("the output itself goes to standard output, so --json has no place to go");
     session.setSubject(m_inputPath);
-    m_output = std::make_unique<MeshIo::OutputFile>(m_outputPath, files.output.force);
+    m_output = std::make_unique<TessaryMesh::OutputFile>(m_outputPath, files.output.force);
     m_input = readInput(session, m_inputPath);
     endPart("read");
 }
 
-void Conversion::write(const std::function<std::vector<std::string>(MeshIo::OutputFile&)>& writer)
+void Conversion::write(
+    const std::function<std::vector<std::string>(TessaryMesh::OutputFile&)>& writer)
 {
     beginPart("writing " + m_outputPath);
     m_session.warn(guarded([&] { return writer(*m_output); }));
@@ -42,8 +43,8 @@ void Conversion::write(const std::function<std::vector<std::string>(MeshIo::Outp
 
 void Conversion::write(const Korvane::Object& mesh)
 {
-    write([&](MeshIo::OutputFile& output) {
-        return MeshIo::writeMesh(mesh, meshFormatOf(m_format).value(), output);
+    write([&](TessaryMesh::OutputFile& output) {
+        return TessaryMesh::writeMesh(mesh, meshFormatOf(m_format).value(), output);
     });
 }
 

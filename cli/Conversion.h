@@ -4,8 +4,8 @@
 #include "Stopwatch.h"
 
 #include <Korvane/Object.h>
-#include <meshio/MeshFile.h>
-#include <meshio/OutputFile.h>
+#include <mesh/files/MeshFile.h>
+#include <mesh/files/OutputFile.h>
 
 #include <nlohmann/json.hpp>
 
@@ -40,7 +40,7 @@ public:
     }
 
     /// Writes the output by `writer`, which returns its warnings, and gives it its name.
-    void write(const std::function<std::vector<std::string>(MeshIo::OutputFile&)>& writer);
+    void write(const std::function<std::vector<std::string>(TessaryMesh::OutputFile&)>& writer);
 
     /// Writes a mesh in the format that was asked for.
     void write(const Korvane::Object& mesh);
@@ -65,8 +65,8 @@ private:
     Session& m_session;
     std::string m_inputPath, m_outputPath;
     std::string m_format;
-    std::unique_ptr<MeshIo::OutputFile> m_output;
-    MeshIo::MeshRead m_input;
+    std::unique_ptr<TessaryMesh::OutputFile> m_output;
+    TessaryMesh::MeshRead m_input;
     Stopwatch m_watch;
     Json m_seconds;  // of each part
 };

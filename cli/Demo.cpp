@@ -3,12 +3,12 @@
 #include "Options.h"
 #include "Verbs.h"
 
-#include <meshio/DemoMesh.h>
-#include <meshio/OutputFile.h>
-#include <meshio/QuadMesh.h>
-#include <meshio/SampleCloud.h>
-#include <meshio/SampledSurface.h>
-#include <meshio/TriangulateMesh.h>
+#include <mesh/files/OutputFile.h>
+#include <mesh/ops/DemoMesh.h>
+#include <mesh/ops/QuadMesh.h>
+#include <mesh/ops/SampleCloud.h>
+#include <mesh/ops/SampledSurface.h>
+#include <mesh/ops/TriangulateMesh.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -20,7 +20,7 @@ namespace Cli {
 namespace {
 
 using Korvane::Object;
-using MeshIo::MeshFormat;
+using TessaryMesh::MeshFormat;
 using Pelon::uint;
 
 constexpr uint kLeastResolution = 8;
@@ -39,11 +39,11 @@ std::string countsText(const Object& mesh)
 }
 
 // As far apart as two percent of the radius, whatever the resolution.
-MeshIo::SurfaceSamples samplesOf(const Object& mesh, Steps& steps)
+TessaryMesh::SurfaceSamples samplesOf(const Object& mesh, Steps& steps)
 {
-    MeshIo::SurfaceSamples samples;
+    TessaryMesh::SurfaceSamples samples;
     steps.run("poissonSampleTriMesh", [&] {
-        const MeshIo::SampledSurface surface(mesh, "demo");
+        const TessaryMesh::SampledSurface surface(mesh, "demo");
         samples = surface.sample(0.02f * surface.boundingRadius(), 0);
         char distance[32];
         std::snprintf(distance, sizeof distance, "%.4g", double{samples.distance});
@@ -59,7 +59,7 @@ Pelon::Ptr<Object> carry(const std::string& name, const Object& mesh, Session& s
 {
     Pelon::Ptr<Object> made;
     steps.run(name, [&] {
-        auto result = make(mesh, MeshIo::carriedPropertyNames(mesh));
+        auto result = make(mesh, TessaryMesh::carriedPropertyNames(mesh));
         session.warn(result.warnings);
         made = result.mesh;
         return countsText(*made) + "; " + joined(carriedNames(*made));
@@ -69,10 +69,11 @@ Pelon::Ptr<Object> carry(const std::string& name, const Object& mesh, Session& s
 
 Pelon::Ptr<Object> sampleCloudOf(const Object& mesh, Session& session, Steps& steps)
 {
-    const MeshIo::SurfaceSamples samples = samplesOf(mesh, steps);
+    const TessaryMesh::SurfaceSamples samples = samplesOf(mesh, steps);
     Pelon::Ptr<Object> cloud;
     steps.run("sample", [&] {
-        auto result = MeshIo::makeSampleCloud(mesh, samples, MeshIo::carriedPropertyNames(mesh));
+        auto result =
+            TessaryMesh::makeSampleCloud(mesh, samples, TessaryMesh::carriedPropertyNames(mesh));
         session.warn(result.warnings);
         cloud = result.cloud;
         return std::to_string(samples.count()) + " points; " + joined(carriedNames(*cloud));
@@ -83,10 +84,10 @@ Pelon::Ptr<Object> sampleCloudOf(const Object& mesh, Session& session, Steps& st
 void write(const Object& mesh, const std::filesystem::path& file, Session& session, Steps& steps)
 {
     const std::string path = file.string(), prefix = path + ": ";
-    const MeshFormat format = *MeshIo::formatOfName(path);
+    const MeshFormat format = *TessaryMesh::formatOfName(path);
     steps.run("write", [&] {
-        MeshIo::OutputFile output(path, true);
-        for (std::string& warning : MeshIo::writeMesh(mesh, format, output))
+        TessaryMesh::OutputFile output(path, true);
+        for (std::string& warning : TessaryMesh::writeMesh(mesh, format, output))
             session.warn(warning.insert(0, prefix));
         session.beginStage("finishing " + path);
         output.commit();
@@ -98,10 +99,10 @@ void makeAndWrite(const Object& mesh, const std::filesystem::path& folder, Sessi
                   Steps& steps)
 {
     const auto triangles =
-        carry("triangulatePolyMesh", mesh, session, steps, MeshIo::triangulateMesh);
+        carry("triangulatePolyMesh", mesh, session, steps, TessaryMesh::triangulateMesh);
     const auto quads =
         carry("quads", mesh, session, steps, [](const Object& of, const auto& names) {
-            return MeshIo::makeQuadMesh(of, "demo", names, {});
+            return TessaryMesh::makeQuadMesh(of, "demo", names, {});
         });
     const auto samples = sampleCloudOf(mesh, session, steps);
     write(mesh, folder / "demo.obj", session, steps);
@@ -117,8 +118,8 @@ void makeFolder(const std::string& folder)
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error)
-        throw MeshIo::FileError(folder + ": cannot make this folder: " + error.message() +
-                                " (choose another with --output)");
+        throw TessaryMesh::FileError(folder + ": cannot make this folder: " + error.message() +
+                                     " (choose another with --output)");
 }
 
 ExitCode demo(const Options& options, Session& session)
@@ -127,7 +128,7 @@ ExitCode demo(const Options& options, Session& session)
     Steps steps(session);
     Pelon::Ptr<Object> mesh;
     steps.run("makeDemoMesh", [&] {
-        mesh = MeshIo::makeDemoMesh(options.resolution);
+        mesh = TessaryMesh::makeDemoMesh(options.resolution);
         return countsText(*mesh);
     });
     const std::size_t wrong = runKernels(*mesh, steps);

@@ -2,7 +2,7 @@
 
 #include <Korvane/Geometry.h>
 #include <Tessary/Tessary.h>
-#include <meshio/Cancelled.h>
+#include <mesh/base/Cancelled.h>
 
 #include <stdexcept>
 
@@ -73,7 +73,7 @@ std::string checkHalfEdges(const Views& views, std::size_t& wrong)
 {
     const Array<uint>& offset = *views.faceOffset;
     for (uint face = 0; face + 1 < offset.size(); ++face) {
-        MeshIo::throwIfCancelled();
+        TessaryMesh::throwIfCancelled();
         for (uint corner = offset[face]; corner < offset[face + 1]; ++corner)
             wrong += isConsistent(views, {corner, face}) ? 0 : 1;
     }

@@ -10,7 +10,7 @@ namespace {
 
 ExitCode info(const std::string& path, Session& session)
 {
-    const MeshIo::MeshRead input = readInput(session, path);
+    const TessaryMesh::MeshRead input = readInput(session, path);
     session.beginStage("measuring");
     Json facts = {{"verb", "info"}, {"file", path}, {"format", formatName(input.format)}};
     facts.update(factsOf(*input.mesh));

@@ -2,11 +2,11 @@
 
 #include <Korvane/ElementTypes.h>
 #include <Korvane/Geometry.h>
-#include <meshio/MeshArrays.h>
-#include <meshio/MeshShape.h>
-#include <meshio/PropertyKinds.h>
-#include <meshio/TriangulateMesh.h>
-#include <meshio/Vectors.h>
+#include <mesh/base/MeshArrays.h>
+#include <mesh/base/PropertyKinds.h>
+#include <mesh/base/Vectors.h>
+#include <mesh/check/MeshShape.h>
+#include <mesh/ops/TriangulateMesh.h>
 
 #include <algorithm>
 #include <charconv>
@@ -55,15 +55,16 @@ double areaOf(const Array<float3>& points, const Array<uint>& faceOffset,
 {
     double area = 0;
     for (std::size_t f = 1; f < faceOffset.size(); ++f)
-        area += MeshIo::length(MeshIo::areaVector(points, faceVertex.data() + faceOffset[f - 1],
-                                                  faceOffset[f] - faceOffset[f - 1])) /
-                2;
+        area +=
+            TessaryMesh::length(TessaryMesh::areaVector(
+                points, faceVertex.data() + faceOffset[f - 1], faceOffset[f] - faceOffset[f - 1])) /
+            2;
     return area;
 }
 
 std::string componentWord(const String& component)
 {
-    const std::string element = MeshIo::elementWord(component);
+    const std::string element = TessaryMesh::elementWord(component);
     return element.empty() ? component.c_str() : element + "s";
 }
 
@@ -89,7 +90,7 @@ Json propertiesOf(const Object& mesh)
 {
     Json properties = Json::array();
     for (const String& name : mesh.propertyNames())
-        if (getDataGeoProperty(mesh, name) && !MeshIo::isTopology(name))
+        if (getDataGeoProperty(mesh, name) && !TessaryMesh::isTopology(name))
             properties.push_back(factsOfProperty(mesh, name));
     return properties;
 }
@@ -134,12 +135,12 @@ Json ownValues(const Object& mesh)
     return values;
 }
 
-Json factsOf(const MeshIo::Problem& problem)
+Json factsOf(const TessaryMesh::Problem& problem)
 {
     return {{"count", problem.count}, {"places", problem.places}};
 }
 
-void addShape(const MeshIo::MeshShape& shape, Json& facts)
+void addShape(const TessaryMesh::MeshShape& shape, Json& facts)
 {
     const bool hasFaces = shape.components > 0;
     facts["edges"] = shape.edges;
@@ -182,17 +183,17 @@ Json countsOf(const Object& mesh)
 Json carriedNames(const Object& mesh)
 {
     Json names = Json::array();
-    for (const String& name : MeshIo::carriedPropertyNames(mesh))
+    for (const String& name : TessaryMesh::carriedPropertyNames(mesh))
         names.push_back(name.c_str());
     return names;
 }
 
 Json factsOf(const Object& mesh)
 {
-    const MeshIo::MeshArrays arrays(mesh);
+    const TessaryMesh::MeshArrays arrays(mesh);
     Json facts = countsOf(mesh);
     facts["polygon_sizes"] = polygonSizes(*arrays.faceOffset);
-    addShape(MeshIo::shapeOf(mesh), facts);
+    addShape(TessaryMesh::shapeOf(mesh), facts);
     facts["bounding_box"] = boundingBox(*arrays.points);
     facts["area"] = areaOf(*arrays.points, *arrays.faceOffset, *arrays.faceVertex);
     facts["properties"] = propertiesOf(mesh);

@@ -1,6 +1,6 @@
 #include "Options.h"
 
-#include <meshio/TriangulateMesh.h>
+#include <mesh/ops/TriangulateMesh.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -11,7 +11,7 @@
 namespace Cli {
 namespace {
 
-using MeshIo::MeshFormat;
+using TessaryMesh::MeshFormat;
 
 constexpr unsigned kMostThreads = 1024;
 
@@ -151,7 +151,7 @@ std::optional<MeshFormat> meshFormatOf(const std::string& name)
 Pelon::Array<Pelon::String> selectProperties(const Korvane::Object& mesh,
                                              const std::string& selection)
 {
-    Pelon::Array<Pelon::String> present = MeshIo::carriedPropertyNames(mesh);
+    Pelon::Array<Pelon::String> present = TessaryMesh::carriedPropertyNames(mesh);
     if (selection.empty() || selection == "all")
         return present;
     Pelon::Array<Pelon::String> selected;
@@ -167,11 +167,11 @@ Pelon::Array<Pelon::String> selectProperties(const Korvane::Object& mesh,
     return selected;
 }
 
-MeshIo::MeshRead readInput(Session& session, const std::string& path)
+TessaryMesh::MeshRead readInput(Session& session, const std::string& path)
 {
     session.setSubject(path);
     session.beginStage("reading");
-    MeshIo::MeshRead input = MeshIo::readMesh(path);
+    TessaryMesh::MeshRead input = TessaryMesh::readMesh(path);
     session.warn(input.warnings);
     return input;
 }

@@ -6,7 +6,7 @@
 #include <Korvane/Object.h>
 #include <Pelon/Array.h>
 #include <Pelon/String.h>
-#include <meshio/MeshFile.h>
+#include <mesh/files/MeshFile.h>
 
 #include <optional>
 #include <string>
@@ -50,8 +50,8 @@ void addProperties(CLI::App& verb, std::string& selection);
 std::string formatFor(const OutputOptions& output);
 
 /// The word for a mesh format, and back: none for what holds no mesh.
-const char* formatName(MeshIo::MeshFormat format);
-std::optional<MeshIo::MeshFormat> meshFormatOf(const std::string& name);
+const char* formatName(TessaryMesh::MeshFormat format);
+std::optional<TessaryMesh::MeshFormat> meshFormatOf(const std::string& name);
 
 /// The properties of `mesh` that "all", "none" or "a,b" selects. Throws UsageError for a name that
 /// the mesh lacks.
@@ -59,6 +59,6 @@ Pelon::Array<Pelon::String> selectProperties(const Korvane::Object& mesh,
                                              const std::string& selection);
 
 /// Reads and validates the verb's input; warnings of the reader become the session's.
-MeshIo::MeshRead readInput(Session& session, const std::string& path);
+TessaryMesh::MeshRead readInput(Session& session, const std::string& path);
 
 }  // namespace Cli

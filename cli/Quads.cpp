@@ -2,7 +2,7 @@
 #include "MeshFacts.h"
 #include "Verbs.h"
 
-#include <meshio/QuadMesh.h>
+#include <mesh/ops/QuadMesh.h>
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -22,7 +22,7 @@ Example:
 
 struct Options : FileOptions {
     std::string properties = "all";
-    MeshIo::QuadOptions quads;
+    TessaryMesh::QuadOptions quads;
     std::vector<float> innerWeights;
 };
 
@@ -40,9 +40,9 @@ ExitCode quads(const Options& options, Session& session)
 {
     Conversion conversion(options, session);
     const Korvane::Object& mesh = conversion.mesh();
-    const MeshIo::QuadMesh result = conversion.run("quads", "making quads", [&] {
-        return MeshIo::makeQuadMesh(mesh, options.input, selectProperties(mesh, options.properties),
-                                    options.quads);
+    const TessaryMesh::QuadMesh result = conversion.run("quads", "making quads", [&] {
+        return TessaryMesh::makeQuadMesh(mesh, options.input,
+                                         selectProperties(mesh, options.properties), options.quads);
     });
     session.warn(result.warnings);
     conversion.write(*result.mesh);

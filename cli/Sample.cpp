@@ -2,12 +2,12 @@
 #include "MeshFacts.h"
 #include "Verbs.h"
 
-#include <meshio/ClosestPair.h>
-#include <meshio/CloudArrays.h>
-#include <meshio/MessageText.h>
-#include <meshio/NumberText.h>
-#include <meshio/SampleCloud.h>
-#include <meshio/SampledSurface.h>
+#include <mesh/base/MessageText.h>
+#include <mesh/files/NumberText.h>
+#include <mesh/files/npz/CloudArrays.h>
+#include <mesh/ops/ClosestPair.h>
+#include <mesh/ops/SampleCloud.h>
+#include <mesh/ops/SampledSurface.h>
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -25,8 +25,8 @@ blended, others picked. A FILE that ends in .npz gets arrays for NumPy.
 Example:
   tessary sample roof.obj -o roof_samples.ply --distance 2%)";
 
-using MeshIo::SampledSurface;
-using MeshIo::SurfaceSamples;
+using TessaryMesh::SampledSurface;
+using TessaryMesh::SurfaceSamples;
 
 struct Options : FileOptions {
     std::string properties = "all";
@@ -45,7 +45,7 @@ Distance parsedDistance(const std::string& text)
     const bool isPercent = !text.empty() && text.back() == '%';
     const char* const end = text.data() + text.size() - (isPercent ? 1 : 0);
     Distance distance{0, isPercent};
-    if (MeshIo::scanNumber(text.data(), end, distance.number) != end ||
+    if (TessaryMesh::scanNumber(text.data(), end, distance.number) != end ||
         !(distance.number > 0 && std::isfinite(distance.number)))
         throw UsageError("--distance takes a number above zero, or percent such as 2%; " + text +
                          " is neither");
@@ -133,22 +133,23 @@ ExitCode sample(const Options& options, Session& session)
     const Korvane::Object& mesh = conversion.mesh();
     const auto names = selectProperties(mesh, options.properties);
     const SampledSurface surface = conversion.run("prepare", "measuring", [&] {
-        return SampledSurface(mesh, MeshIo::inputName(options.input));
+        return SampledSurface(mesh, TessaryMesh::inputName(options.input));
     });
     const SurfaceSamples samples =
         conversion.run("sample", "sampling", [&] { return samplesOf(surface, options); });
     warnAbout(surface, samples, options, session);
-    const MeshIo::SampleCloud result = conversion.run("properties", "carrying properties", [&] {
-        const bool withPlaces = conversion.format() != "obj";  // which has no room for them
-        return MeshIo::makeSampleCloud(mesh, samples, names, withPlaces);
-    });
+    const TessaryMesh::SampleCloud result =
+        conversion.run("properties", "carrying properties", [&] {
+            const bool withPlaces = conversion.format() != "obj";  // which has no room for them
+            return TessaryMesh::makeSampleCloud(mesh, samples, names, withPlaces);
+        });
     session.warn(result.warnings);
     const auto smallest = conversion.run("distances", "measuring distances", [&] {
-        return MeshIo::smallestDistance(*samples.positions, samples.distance);
+        return TessaryMesh::smallestDistance(*samples.positions, samples.distance);
     });
     if (conversion.format() == "npz")
-        conversion.write([&](MeshIo::OutputFile& output) {
-            return MeshIo::writeCloudNpz(*result.cloud, output);
+        conversion.write([&](TessaryMesh::OutputFile& output) {
+            return TessaryMesh::writeCloudNpz(*result.cloud, output);
         });
     else
         conversion.write(*result.cloud);

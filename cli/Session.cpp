@@ -1,9 +1,9 @@
 #include "Session.h"
 
-#include <meshio/Cancelled.h>
-#include <meshio/MeshFile.h>
-#include <meshio/OutputFile.h>
-#include <meshio/Validate.h>
+#include <mesh/base/Cancelled.h>
+#include <mesh/check/Validate.h>
+#include <mesh/files/MeshFile.h>
+#include <mesh/files/OutputFile.h>
 #include <tbb/global_control.h>
 #include <nlohmann/json.hpp>
 
@@ -34,9 +34,9 @@ std::string onOneLine(std::string text)
 
 void print(const std::string& text)
 {
-    if (!MeshIo::writeAll(STDOUT_FILENO, text))
-        throw MeshIo::FileError(std::string("standard output: ") + std::strerror(errno) +
-                                " (see where it leads)");
+    if (!TessaryMesh::writeAll(STDOUT_FILENO, text))
+        throw TessaryMesh::FileError(std::string("standard output: ") + std::strerror(errno) +
+                                     " (see where it leads)");
 }
 
 }  // namespace
@@ -48,7 +48,7 @@ void Session::setSubject(const std::string& path)
 
 void Session::beginStage(const std::string& what)
 {
-    MeshIo::throwIfCancelled();
+    TessaryMesh::throwIfCancelled();
     m_progress.show(onOneLine(about(named(what))));
 }
 
@@ -109,7 +109,7 @@ std::string Session::about(const std::string& text) const
 void Session::say(const std::string& text)
 {
     const auto lock = m_progress.clear();
-    if (!MeshIo::writeAll(STDERR_FILENO, onOneLine(text) + "\n"))
+    if (!TessaryMesh::writeAll(STDERR_FILENO, onOneLine(text) + "\n"))
         m_messageLost = true;
 }
 
@@ -132,9 +132,9 @@ ExitCode Session::runGuarded(const std::function<ExitCode()>& verb)
     } catch (const UsageError& error) {
         return failWith(ExitCode::Usage,
                         std::string(error.what()) + " (see tessary " + m_verb + " --help)");
-    } catch (const MeshIo::FileError& error) {
+    } catch (const TessaryMesh::FileError& error) {
         return failWith(ExitCode::File, error.what());
-    } catch (const MeshIo::InvalidMesh& error) {
+    } catch (const TessaryMesh::InvalidMesh& error) {
         return failWith(ExitCode::InvalidMesh, error.what());
     } catch (const std::bad_alloc&) {
         return failWith(ExitCode::File,

@@ -3,7 +3,7 @@
 #include "Verbs.h"
 
 #include <Tessary/Primitives.h>
-#include <meshio/MeshArrays.h>
+#include <mesh/base/MeshArrays.h>
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -14,9 +14,9 @@ namespace {
 
 ExitCode sphere(const std::string& path, Session& session)
 {
-    const MeshIo::MeshRead input = readInput(session, path);
+    const TessaryMesh::MeshRead input = readInput(session, path);
     session.beginStage("measuring");
-    const auto points = MeshIo::MeshArrays(*input.mesh).points;
+    const auto points = TessaryMesh::MeshArrays(*input.mesh).points;
     const Tessary::Sphere found = Tessary::computeBoundingSphere(*points);
     if (points->empty())
         session.warn("there are no points, so the sphere is the origin");

@@ -1,8 +1,8 @@
 #include "Options.h"
 #include "Verbs.h"
 
-#include <meshio/EdgePlaces.h>
-#include <meshio/Validate.h>
+#include <mesh/check/EdgePlaces.h>
+#include <mesh/check/Validate.h>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -10,8 +10,8 @@
 namespace Cli {
 namespace {
 
-using MeshIo::Problem;
-using MeshIo::ValidationReport;
+using TessaryMesh::Problem;
+using TessaryMesh::ValidationReport;
 
 const char* severityName(Problem::Severity severity)
 {
@@ -44,13 +44,13 @@ ExitCode validate(const std::string& path, Session& session)
 {
     session.setSubject(path);
     session.beginStage("reading");
-    const MeshIo::MeshRead input = MeshIo::readMeshUnchecked(path);
+    const TessaryMesh::MeshRead input = TessaryMesh::readMeshUnchecked(path);
     session.warn(input.warnings);
     session.beginStage("validating");
-    ValidationReport report = MeshIo::validateMesh(*input.mesh);
+    ValidationReport report = TessaryMesh::validateMesh(*input.mesh);
     const bool valid = !report.hasErrors();
     if (valid)
-        for (Problem& problem : MeshIo::edgeWarnings(*input.mesh))
+        for (Problem& problem : TessaryMesh::edgeWarnings(*input.mesh))
             report.problems.push_back(std::move(problem));
 
     Json facts = {{"verb", "validate"},

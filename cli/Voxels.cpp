@@ -1,8 +1,8 @@
 #include "Conversion.h"
 #include "Verbs.h"
 
-#include <meshio/Npz.h>
-#include <meshio/Voxels.h>
+#include <mesh/files/npz/Npz.h>
+#include <mesh/ops/Voxels.h>
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -19,17 +19,17 @@ cells from the origin) and cell_size.
 Example:
   tessary voxels roof.obj --cell 0.05 -o roof_cells.ply)";
 
-using Cells = Pelon::Array<MeshIo::Cell>;
+using Cells = Pelon::Array<TessaryMesh::Cell>;
 
 struct Options : FileOptions {
     double cellSize = 0;
 };
 
 std::vector<std::string> writeArrays(const Cells& cells, double cellSize,
-                                     MeshIo::OutputFile& output)
+                                     TessaryMesh::OutputFile& output)
 {
-    static_assert(sizeof(MeshIo::Cell) == 3 * sizeof(std::int32_t));
-    MeshIo::NpzWriter writer(output);
+    static_assert(sizeof(TessaryMesh::Cell) == 3 * sizeof(std::int32_t));
+    TessaryMesh::NpzWriter writer(output);
     writer.add("cells", {cells.size(), 3}, cells.empty() ? nullptr : &cells.data()->x);
     writer.add("cell_size", {}, &cellSize);
     writer.finish();
@@ -37,12 +37,13 @@ std::vector<std::string> writeArrays(const Cells& cells, double cellSize,
 }
 
 std::vector<std::string> write(const Cells& cells, const Options& options,
-                               const std::string& format, MeshIo::OutputFile& output)
+                               const std::string& format, TessaryMesh::OutputFile& output)
 {
     const auto meshFormat = meshFormatOf(format);
     if (!meshFormat)
         return writeArrays(cells, options.cellSize, output);
-    return MeshIo::writeMesh(*MeshIo::makeCubes(cells, options.cellSize), *meshFormat, output);
+    return TessaryMesh::writeMesh(*TessaryMesh::makeCubes(cells, options.cellSize), *meshFormat,
+                                  output);
 }
 
 ExitCode voxels(const Options& options, Session& session)
@@ -51,9 +52,9 @@ ExitCode voxels(const Options& options, Session& session)
         throw UsageError("the size of a cell is a number from 1e-30 to 1e30");
     Conversion conversion(options, session);
     const Cells cells = conversion.run("voxels", "finding cells", [&] {
-        return MeshIo::touchedCells(conversion.mesh(), options.cellSize);
+        return TessaryMesh::touchedCells(conversion.mesh(), options.cellSize);
     });
-    conversion.write([&](MeshIo::OutputFile& output) {
+    conversion.write([&](TessaryMesh::OutputFile& output) {
         return write(cells, options, conversion.format(), output);
     });
     const Json facts = {{"cell_size", options.cellSize}, {"cells", cells.size()}};

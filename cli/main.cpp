@@ -4,7 +4,7 @@
 #include "Verbs.h"
 #include "Version.h"
 
-#include <meshio/OutputFile.h>
+#include <mesh/files/OutputFile.h>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -119,7 +119,7 @@ int main(int argc, char** argv)
     try {
         return runProgram(argc, argv);
     } catch (...) {
-        MeshIo::writeAll(STDERR_FILENO, "tessary: there is no memory even to begin\n");
+        TessaryMesh::writeAll(STDERR_FILENO, "tessary: there is no memory even to begin\n");
         return static_cast<int>(ExitCode::File);
     }
 }

@@ -2,8 +2,8 @@
 
 #include <Korvane/Geometry.h>
 #include <Tessary/Triangulation.h>
-#include <meshio/DemoMesh.h>
-#include <meshio/MeshFile.h>
+#include <mesh/files/MeshFile.h>
+#include <mesh/ops/DemoMesh.h>
 
 #include <filesystem>
 
@@ -24,7 +24,7 @@ Polygons polygonsOf(const Korvane::Object& mesh)
 
 Polygons demoPolygons(uint resolution)
 {
-    return polygonsOf(*MeshIo::makeDemoMesh(resolution));
+    return polygonsOf(*TessaryMesh::makeDemoMesh(resolution));
 }
 
 Triangles trianglesOf(const Polygons& mesh)
@@ -43,7 +43,7 @@ bool hasBunny()
 
 Polygons bunny()
 {
-    return polygonsOf(*MeshIo::readMesh(kBunny).mesh);
+    return polygonsOf(*TessaryMesh::readMesh(kBunny).mesh);
 }
 
 }  // namespace Bench

@@ -8,7 +8,7 @@
 
 namespace Bench {
 
-/// About a million faces of 3 to 8 corners at 512; see MeshIo::makeDemoMesh.
+/// About a million faces of 3 to 8 corners at 512; see TessaryMesh::makeDemoMesh.
 Polygons demoPolygons(uint resolution);
 
 /// The fan triangles of polygons.

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/Host.h"
 #include "cutmesh/Interpolation.h"
-#include "host/Host.h"
 
 #include <optional>
 

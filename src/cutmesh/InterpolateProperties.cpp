@@ -1,7 +1,7 @@
 #include <Tessary/CutMesh.h>
 
+#include "base/PropertyAccess.h"
 #include "cutmesh/CutMesh.h"
-#include "host/PropertyAccess.h"
 #include "properties/ElementTypes.h"
 #include "properties/OutputProperty.h"
 

@@ -5,9 +5,9 @@
 // t is the weight of an edge's start a against its end b; w[0], w[1] and w[2] are those of a
 // triangle's corners a, b and c. All are floats and widened where the values are doubles.
 
+#include "base/Host.h"
+#include "base/MeshLayout.h"
 #include "cutmesh/OriginCode.h"
-#include "host/Host.h"
-#include "host/MeshLayout.h"
 
 namespace Tessary {
 

@@ -2,8 +2,8 @@
 
 #include <Tessary/Topology.h>
 
+#include "base/MeshLayout.h"
 #include "cutmesh/PolygonNeighbours.h"
-#include "host/MeshLayout.h"
 #include "properties/OutputProperty.h"
 
 namespace Tessary {

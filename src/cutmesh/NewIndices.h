@@ -2,8 +2,8 @@
 
 // Which value each element of a cut mesh addresses, whatever the type of the values.
 
+#include "base/Host.h"
 #include "cutmesh/CutMesh.h"
-#include "host/Host.h"
 
 namespace Tessary {
 

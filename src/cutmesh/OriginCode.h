@@ -3,7 +3,7 @@
 // Where a cut point lies: a corner of a triangle and one of four kinds, in one word. Corner c of the
 // triangles has the quad 4c to 4c + 3, and each of its entries lies where that number says as a code.
 
-#include "host/Host.h"
+#include "base/Host.h"
 
 namespace Tessary {
 

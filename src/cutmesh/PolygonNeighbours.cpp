@@ -2,8 +2,8 @@
 
 #include <Tessary/Topology.h>
 
-#include "host/MeshLayout.h"
-#include "host/ParallelLoop.h"
+#include "base/MeshLayout.h"
+#include "base/ParallelLoop.h"
 
 namespace Tessary {
 namespace {

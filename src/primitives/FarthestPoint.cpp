@@ -1,6 +1,6 @@
 #include "primitives/FarthestPoint.h"
 
-#include "host/ParallelLoop.h"
+#include "base/ParallelLoop.h"
 #include "primitives/LargestDistance.h"
 
 #include <algorithm>

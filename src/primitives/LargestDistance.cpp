@@ -1,7 +1,7 @@
 #include "primitives/LargestDistance.h"
 
-#include "host/Float4.h"
-#include "host/Prefetch.h"
+#include "base/Float4.h"
+#include "base/Prefetch.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,7 +2,7 @@
 
 // The element types that properties are carried with, and the dispatch over them.
 
-#include "host/Host.h"
+#include "base/Host.h"
 
 namespace Tessary {
 

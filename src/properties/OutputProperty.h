@@ -3,8 +3,8 @@
 // How a property of an output object comes to be: built with an array of its own, or attached to an
 // array that somebody else holds too.
 
-#include "host/ParallelLoop.h"
-#include "host/PropertyAccess.h"
+#include "base/ParallelLoop.h"
+#include "base/PropertyAccess.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 #include "sampling/CandidateGrid.h"
 
-#include "host/ParallelLoop.h"
+#include "base/ParallelLoop.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "sampling/Elimination.h"
 
-#include "host/ParallelLoop.h"
+#include "base/ParallelLoop.h"
 #include "sampling/CandidateGrid.h"
 #include "sampling/Neighbourhood.h"
 

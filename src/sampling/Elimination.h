@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/Host.h"
+#include "base/Host.h"
 
 namespace Tessary {
 

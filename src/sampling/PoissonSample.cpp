@@ -1,8 +1,8 @@
 #include <Tessary/Sampling.h>
 
-#include "host/Log.h"
-#include "host/ParallelLoop.h"
-#include "host/PropertyAccess.h"
+#include "base/Log.h"
+#include "base/ParallelLoop.h"
+#include "base/PropertyAccess.h"
 #include "properties/OutputProperty.h"
 #include "sampling/SurfaceSampler.h"
 

@@ -1,6 +1,6 @@
 #include "sampling/SurfaceSampler.h"
 
-#include "host/ParallelLoop.h"
+#include "base/ParallelLoop.h"
 #include "sampling/CounterHash.h"
 #include "sampling/Elimination.h"
 #include "sampling/TriangleArea.h"

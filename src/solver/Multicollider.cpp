@@ -1,6 +1,6 @@
 #include <Tessary/Solver.h>
 
-#include "host/Float4.h"
+#include "base/Float4.h"
 
 #include <algorithm>
 #include <cmath>

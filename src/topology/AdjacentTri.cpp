@@ -1,8 +1,8 @@
 #include <Tessary/Topology.h>
 
-#include "host/ParallelLoop.h"
-#include "host/Prefetch.h"
-#include "host/PropertyAccess.h"
+#include "base/ParallelLoop.h"
+#include "base/Prefetch.h"
+#include "base/PropertyAccess.h"
 #include "topology/LongLists.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 
 // The half-edges of a block of points, in the order of the edge table.
 
-#include "host/MeshLayout.h"
-#include "host/Prefetch.h"
+#include "base/MeshLayout.h"
+#include "base/Prefetch.h"
 #include "topology/HalfEdgeKeys.h"
 
 #include <algorithm>

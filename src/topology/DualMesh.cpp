@@ -1,9 +1,9 @@
 #include <Tessary/Topology.h>
 
-#include "host/Assert.h"
-#include "host/MeshLayout.h"
-#include "host/ParallelLoop.h"
-#include "host/PropertyAccess.h"
+#include "base/Assert.h"
+#include "base/MeshLayout.h"
+#include "base/ParallelLoop.h"
+#include "base/PropertyAccess.h"
 #include "topology/PieceCounters.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include <Tessary/HalfEdge.h>
 
-#include "host/MeshLayout.h"
+#include "base/MeshLayout.h"
 
 #include <algorithm>
 

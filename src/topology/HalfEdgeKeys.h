@@ -2,7 +2,7 @@
 
 // Half-edges by their larger point, and as numbers that stand in the order of the edge table.
 
-#include "host/Host.h"
+#include "base/Host.h"
 
 #include <algorithm>
 #include <cstddef>

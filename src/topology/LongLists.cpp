@@ -1,6 +1,6 @@
 #include "topology/LongLists.h"
 
-#include "host/ParallelLoop.h"
+#include "base/ParallelLoop.h"
 
 #include <mutex>
 

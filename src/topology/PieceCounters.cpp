@@ -1,6 +1,6 @@
 #include "topology/PieceCounters.h"
 
-#include "host/ParallelLoop.h"
+#include "base/ParallelLoop.h"
 
 #include <numeric>
 #include <utility>

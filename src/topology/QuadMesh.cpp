@@ -1,8 +1,8 @@
 #include <Tessary/Topology.h>
 
-#include "host/MeshLayout.h"
-#include "host/ParallelLoop.h"
-#include "host/Prefetch.h"
+#include "base/MeshLayout.h"
+#include "base/ParallelLoop.h"
+#include "base/Prefetch.h"
 
 #include <algorithm>
 #include <atomic>

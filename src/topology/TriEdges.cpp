@@ -1,7 +1,7 @@
 #include <Tessary/Topology.h>
 
-#include "host/MeshLayout.h"
-#include "host/ParallelLoop.h"
+#include "base/MeshLayout.h"
+#include "base/ParallelLoop.h"
 #include "topology/BlockSorter.h"
 #include "topology/PieceCounters.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/MeshLayout.h"
+#include "base/MeshLayout.h"
 
 #include <cstddef>
 

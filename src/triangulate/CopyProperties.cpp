@@ -1,6 +1,6 @@
 #include <Tessary/Triangulation.h>
 
-#include "host/PropertyAccess.h"
+#include "base/PropertyAccess.h"
 #include "properties/ElementTypes.h"
 #include "properties/OutputProperty.h"
 #include "triangulate/FanTransfer.h"

@@ -2,8 +2,8 @@
 
 // How the faces of a polygon mesh hand values on to the triangles of their fans.
 
-#include "host/MeshLayout.h"
-#include "host/ParallelLoop.h"
+#include "base/MeshLayout.h"
+#include "base/ParallelLoop.h"
 
 namespace Tessary {
 

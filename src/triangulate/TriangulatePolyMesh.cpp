@@ -1,7 +1,7 @@
 #include <Tessary/Triangulation.h>
 
-#include "host/ParallelLoop.h"
-#include "host/PropertyAccess.h"
+#include "base/ParallelLoop.h"
+#include "base/PropertyAccess.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include <Tessary/Triangulation.h>
 
-#include "host/Arrays.h"
-#include "host/MeshLayout.h"
-#include "host/ParallelLoop.h"
+#include "base/Arrays.h"
+#include "base/MeshLayout.h"
+#include "base/ParallelLoop.h"
 
 namespace Tessary {
 namespace {

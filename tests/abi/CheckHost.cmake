@@ -4,7 +4,7 @@ execute_process(COMMAND ${NM} -D -C ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_E
 if(NOT symbols MATCHES "Korvane::createObject")
   message(SEND_ERROR "${LIBRARY} is not the host")
 endif()
-string(REGEX MATCHALL "[^\n]*(Tessary|MeshIo|tbb::)[^\n]*" foreign "${symbols}")
+string(REGEX MATCHALL "[^\n]*(Tessary|TessaryMesh|tbb::)[^\n]*" foreign "${symbols}")
 if(foreign)
   message(SEND_ERROR "${LIBRARY} knows of: ${foreign}")
 endif()

@@ -2,8 +2,8 @@
 
 #include <Korvane/Geometry.h>
 
-#include <meshio/ClosestPair.h>
-#include <meshio/MeshFile.h>
+#include <mesh/files/MeshFile.h>
+#include <mesh/ops/ClosestPair.h>
 
 using namespace TestSupport;
 using Korvane::Geometry::dataArray;
@@ -22,7 +22,7 @@ json sampled(const std::string& file, const std::string& out, const Names& optio
 
 Pelon::Array<float3> pointsOf(const std::string& path)
 {
-    return *dataArray<float3>(*MeshIo::readMesh(path).mesh, Korvane::Geometry::sPointPosition);
+    return *dataArray<float3>(*TessaryMesh::readMesh(path).mesh, Korvane::Geometry::sPointPosition);
 }
 
 TEST(SampleVerb, SamplesKeepTheDistanceAskedForAndAreMeasured)
@@ -36,7 +36,7 @@ TEST(SampleVerb, SamplesKeepTheDistanceAskedForAndAreMeasured)
         const double distance = report["distance"], gap = report["smallest_distance"];
         EXPECT_NEAR(distance, asked[3] == '%' ? 0.025 * 1.4142136 : std::stod(asked), 1e-6);
         EXPECT_GE(gap, distance * (1 - 1e-5));
-        EXPECT_EQ(gap, MeshIo::smallestDistance(samples, distance));
+        EXPECT_EQ(gap, TessaryMesh::smallestDistance(samples, distance));
         EXPECT_EQ(report["samples"], samples.size());
         EXPECT_EQ(report["density"], double(samples.size()) / 4);
     }
@@ -66,7 +66,7 @@ TEST(SampleVerb, PointsBringTheirPlaceAndTheMeshsValues)
         "before": {"points": 7, "corners": 12, "faces": 3},
         "properties": ["weight", "face_id", "triangle_id", "normal", "texcoord", "group",
                        "material"]})");
-    const auto cloud = MeshIo::readMesh(out).mesh;
+    const auto cloud = TessaryMesh::readMesh(out).mesh;
     const auto faces = dataArray<Pelon::uint>(*cloud, "face_id");
     const auto normal = dataArray<float3>(*cloud, "normal");
     const float3 normals[] = {{0, 0, 1}, {0, 1, 0}, {1, 0, 0}};

@@ -1,0 +1,307 @@
+#include "check/Validate.h"
+
+#include "base/Host.h"
+#include "check/ValidateParts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+namespace TessaryMesh {
+namespace {
+
+constexpr std::size_t kBlock = 1024;
+constexpr uint kPairwiseFaceSize = 8;  // up to here comparing each with each is the quickest
+
+struct Topology {
+    Ptr<Array<float3>> points;
+    Ptr<Array<uint>> faceOffset;
+    Ptr<Array<uint>> faceVertex;
+
+    std::size_t faceCount() const { return faceOffset->empty() ? 0 : faceOffset->size() - 1; }
+
+    bool hasFace(std::size_t face) const
+    {
+        return (*faceOffset)[face] <= (*faceOffset)[face + 1] &&
+               (*faceOffset)[face + 1] <= faceVertex->size();
+    }
+};
+
+template <class T>
+Ptr<Array<T>> topologyArray(const Object& mesh, const String& name, const char* type,
+                            Finding& missing, Finding& wrongType)
+{
+    Ptr<Array<T>> array = Geometry::dataArray<T>(mesh, name);
+    const auto shown = [&name] { return std::string(name.view()); };
+    if (!array && Geometry::getDataGeoProperty(mesh, name))
+        wrongType.add([&] { return shown() + ", which should be an array of " + type; });
+    else if (!array)
+        missing.add(shown);
+    return array;
+}
+
+Topology findTopology(const Object& mesh, ValidationReport& report)
+{
+    Finding missing = error("topology-missing", "arrays that a mesh needs are missing",
+                            "make the object a mesh with points, face offsets and corners");
+    Finding wrongType = error("topology-type", "arrays of a mesh have another element type",
+                              "store positions as float3, offsets and corners as uint");
+    Topology topology;
+    topology.points =
+        topologyArray<float3>(mesh, Geometry::sPointPosition, "float3", missing, wrongType);
+    topology.faceOffset =
+        topologyArray<uint>(mesh, Geometry::sFaceOffset, "uint", missing, wrongType);
+    topology.faceVertex =
+        topologyArray<uint>(mesh, Geometry::sFaceVertex, "uint", missing, wrongType);
+    missing.addTo(report);
+    wrongType.addTo(report);
+    return topology;
+}
+
+void checkOffsets(const Topology& mesh, ValidationReport& report)
+{
+    Finding wrong = error("offset-order", "face offsets that are not a rising list of corners",
+                          "write the faces again, one after the other");
+    const Array<uint>& offset = *mesh.faceOffset;
+    if (offset.empty())
+        wrong.add(
+            [] { return std::string("the list of offsets, which is empty and should hold a 0"); });
+    else if (offset[0] != 0)
+        wrong.add([&] { return "face 0, which starts at corner " + str(offset[0]) + ", not 0"; });
+    for (std::size_t face = 0; face < mesh.faceCount(); ++face)
+        if (offset[face + 1] < offset[face])
+            wrong.add([&] {
+                return "face " + str(face) + ", which starts at corner " + str(offset[face]) +
+                       " and ends at " + str(offset[face + 1]);
+            });
+    if (!offset.empty() && offset[offset.size() - 1] != mesh.faceVertex->size())
+        wrong.add([&] {
+            return "the end of the last face, which is " + str(offset[offset.size() - 1]) +
+                   " in a mesh of " + str(mesh.faceVertex->size()) + " corners";
+        });
+    wrong.addTo(report);
+}
+
+void checkFaceSizes(const Topology& mesh, ValidationReport& report)
+{
+    Finding small = error("small-face", "faces of fewer than three corners",
+                          "remove them or give them three corners");
+    const Array<uint>& offset = *mesh.faceOffset;
+    for (std::size_t face = 0; face < mesh.faceCount(); ++face)
+        if (offset[face + 1] >= offset[face] && offset[face + 1] - offset[face] < 3)
+            small.add([&] {
+                return "face " + str(face) + ", which has " + str(offset[face + 1] - offset[face]);
+            });
+    small.addTo(report);
+}
+
+// Only sorted offsets tell whose corner it is.
+std::string cornerName(const Topology& mesh, std::size_t corner)
+{
+    const Array<uint>& offset = *mesh.faceOffset;
+    std::string name = "corner " + str(corner);
+    if (!std::is_sorted(offset.begin(), offset.end()) || offset.empty() || offset[0] > corner ||
+        offset[offset.size() - 1] <= corner)
+        return name;
+    const auto next = std::upper_bound(offset.begin(), offset.end(), corner);
+    return name + " of face " + str(static_cast<std::size_t>(next - offset.begin()) - 1);
+}
+
+void checkCorners(const Topology& mesh, ValidationReport& report)
+{
+    const Array<uint>& corners = *mesh.faceVertex;
+    const std::size_t pointCount = mesh.points->size();
+    if (countOutside(corners, pointCount, false) == 0)
+        return;
+    Finding wrong = error("index-out-of-range", "corners that name no point",
+                          "add the missing points or correct the faces");
+    for (std::size_t corner = 0; corner < corners.size(); ++corner)
+        if (corners[corner] >= pointCount)
+            wrong.add([&] {
+                return cornerName(mesh, corner) + ", which names point " + str(corners[corner]) +
+                       " of " + str(pointCount);
+            });
+    wrong.addTo(report);
+}
+
+bool isFinite(const float3& p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+// The exponent of a float that is infinite or not a number has all its bits set.
+bool areFinite(const float3* points, std::size_t count)
+{
+    constexpr uint kExponent = 0x7F800000;
+    uint found = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        uint bits[3];
+        std::memcpy(bits, &points[i], sizeof bits);
+        found |= ((bits[0] & kExponent) == kExponent) | ((bits[1] & kExponent) == kExponent) |
+                 ((bits[2] & kExponent) == kExponent);
+    }
+    return found == 0;
+}
+
+void checkPoints(const Array<float3>& points, ValidationReport& report)
+{
+    Finding wrong = error("point-not-finite", "points that are not finite",
+                          "give every point three finite coordinates");
+    for (std::size_t block = 0; block < points.size(); block += kBlock) {
+        const std::size_t end = std::min(block + kBlock, points.size());
+        if (areFinite(points.data() + block, end - block))
+            continue;
+        for (std::size_t point = block; point < end; ++point)
+            if (const float3& p = points[point]; !isFinite(p))
+                wrong.add([&] {
+                    return "point " + str(point) + " (" + std::to_string(p.x) + " " +
+                           std::to_string(p.y) + " " + std::to_string(p.z) + ")";
+                });
+    }
+    wrong.addTo(report);
+}
+
+/// Finds the corners that repeat a point of their face: small faces by comparing, large ones by
+/// marking their points.
+class RepeatedCorners {
+public:
+    explicit RepeatedCorners(const Topology& mesh) : m_mesh(mesh) {}
+
+    void check(ValidationReport& report)
+    {
+        for (std::size_t face = 0; face < m_mesh.faceCount(); ++face) {
+            if (!m_mesh.hasFace(face))
+                continue;
+            const uint first = (*m_mesh.faceOffset)[face];
+            const uint last = (*m_mesh.faceOffset)[face + 1];
+            if (last - first <= kPairwiseFaceSize)
+                compare(face, first, last);
+            else
+                mark(face, first, last);
+        }
+        m_repeated.addTo(report);
+    }
+
+private:
+    // Most faces are triangles and quads without a repeated corner.
+    static bool isDistinct(const uint* corner, uint count)
+    {
+        const bool triangle =
+            (corner[0] != corner[1]) & (corner[1] != corner[2]) & (corner[2] != corner[0]);
+        return count == 3 ? triangle
+                          : count == 4 && (triangle & (corner[3] != corner[0]) &
+                                           (corner[3] != corner[1]) & (corner[3] != corner[2]));
+    }
+
+    void compare(std::size_t face, uint first, uint last)
+    {
+        const uint* const corners = m_mesh.faceVertex->data();
+        if (last - first >= 3 && isDistinct(corners + first, last - first))
+            return;
+        for (uint corner = first + 1; corner < last; ++corner)
+            for (uint earlier = first; earlier < corner; ++earlier)
+                if (corners[earlier] == corners[corner]) {
+                    add(face, corner);
+                    break;
+                }
+    }
+
+    void mark(std::size_t face, uint first, uint last)
+    {
+        if (m_faceOfPoint.empty())
+            m_faceOfPoint.resize(m_mesh.points->size());
+        for (uint corner = first; corner < last; ++corner) {
+            const uint point = (*m_mesh.faceVertex)[corner];
+            if (point >= m_faceOfPoint.size())
+                continue;
+            if (m_faceOfPoint[point] == face + 1)
+                add(face, corner);
+            m_faceOfPoint[point] = static_cast<uint>(face + 1);
+        }
+    }
+
+    void add(std::size_t face, uint corner)
+    {
+        m_repeated.add([&] {
+            return "corner " + str(corner) + " of face " + str(face) + ", which names point " +
+                   str((*m_mesh.faceVertex)[corner]) + " again";
+        });
+    }
+
+    const Topology& m_mesh;
+    Array<uint> m_faceOfPoint;  // the last large face that used a point, plus 1
+    Finding m_repeated{Problem::Severity::Warning, "repeated-corner",
+                       "corners that repeat a point of their face",
+                       "nothing, if flat or pinched triangles are welcome"};
+};
+
+// The triangulation names its corners with 32 bits, and 0xFFFFFFFF stands for none.
+bool isTooLarge(const Topology& mesh, ValidationReport& report)
+{
+    const std::uint64_t corners = mesh.faceVertex->size();
+    const std::uint64_t faces = mesh.faceCount();
+    const std::uint64_t triangles = corners > 2 * faces ? corners - 2 * faces : 0;
+    if (corners < kNone && faces < kNone && mesh.points->size() < kNone && 3 * triangles < kNone)
+        return false;
+    Finding large = error("too-large", "more corners than 32-bit indices can name",
+                          "split the mesh into parts");
+    large.add([&] {
+        return "a mesh of " + str(mesh.points->size()) + " points, " + str(corners) +
+               " corners and " + str(faces) + " faces, which makes " + str(triangles) +
+               " triangles";
+    });
+    large.addTo(report);
+    return true;
+}
+
+std::string times(std::uint64_t count)
+{
+    return count == 1 ? "once" : str(count) + " times";
+}
+
+}  // namespace
+
+bool ValidationReport::hasErrors() const
+{
+    return std::any_of(problems.begin(), problems.end(), [](const Problem& problem) {
+        return problem.severity == Problem::Severity::Error;
+    });
+}
+
+std::string ValidationReport::firstError() const
+{
+    for (const Problem& problem : problems)
+        if (problem.severity == Problem::Severity::Error)
+            return problem.message +
+                   (problem.places.empty()
+                        ? ""
+                        : " (" + times(problem.count) + "), first at " + problem.places.front()) +
+                   "; " + problem.advice;
+    return {};
+}
+
+ValidationReport validateMesh(const Object& mesh)
+{
+    ValidationReport report;
+    const Topology topology = findTopology(mesh, report);
+    if (report.hasErrors() || isTooLarge(topology, report))
+        return report;
+    checkOffsets(topology, report);
+    checkFaceSizes(topology, report);
+    checkCorners(topology, report);
+    checkPoints(*topology.points, report);
+    checkProperties(mesh, report);
+    RepeatedCorners(topology).check(report);
+    return report;
+}
+
+InvalidMesh::InvalidMesh(const std::string& file, ValidationReport report)
+    : std::runtime_error(file + ": " + report.firstError()), m_report(std::move(report))
+{}
+
+InvalidMesh::InvalidMesh(const std::string& file, Problem problem)
+    : InvalidMesh(file, ValidationReport{{std::move(problem)}})
+{}
+
+}  // namespace TessaryMesh

@@ -1,0 +1,159 @@
+#include "files/OutputFile.h"
+
+#include "files/MeshFile.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace TessaryMesh {
+namespace {
+
+constexpr int kTemporaryNames = 1000;
+
+[[noreturn]] void fail(const std::string& path, const std::string& what)
+{
+    throw FileError((path == "-" ? "standard output" : path) + ": " + what);
+}
+
+[[noreturn]] void failBySystem(const std::string& path, const std::string& what, int error)
+{
+    fail(path, what + ": " + std::strerror(error));
+}
+
+[[noreturn]] void failToReplace(const std::string& path)
+{
+    fail(path, "exists already; name another file or replace it with --force");
+}
+
+std::string folderOf(const std::string& path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? std::string(".") : path.substr(0, slash + 1);
+}
+
+// Where a path leads in the end; the path itself for a file that does not exist yet.
+std::string resolved(const std::string& path)
+{
+    const std::unique_ptr<char, decltype(&::free)> real(::realpath(path.c_str(), nullptr), &::free);
+    return real ? std::string(real.get()) : path;
+}
+
+[[noreturn]] void failToCreate(const std::string& path, int error)
+{
+    struct stat folder = {};
+    if (error == ENOENT && ::stat(folderOf(path).c_str(), &folder) != 0)
+        fail(path, "its folder does not exist; create it first");
+    failBySystem(path, "cannot be created", error);
+}
+
+// A hard link is never made over an existing file, so nobody's file of that name is lost, however
+// late it appeared.
+bool linkIntoPlace(const std::string& temporary, const std::string& target, const std::string& path)
+{
+    if (::link(temporary.c_str(), target.c_str()) == 0) {
+        ::unlink(temporary.c_str());
+        return true;
+    }
+    if (errno == EEXIST)
+        failToReplace(path);
+    return false;  // a file system without hard links
+}
+
+}  // namespace
+
+bool writeAll(int descriptor, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+OutputFile::OutputFile(std::string path, bool overwrite)
+    : m_path(std::move(path)), m_overwrite(overwrite)
+{
+    if (m_path == "-") {
+        m_descriptor = STDOUT_FILENO;
+        return;
+    }
+    struct stat existing = {};
+    const bool exists = ::stat(m_path.c_str(), &existing) == 0;
+    if (exists && S_ISDIR(existing.st_mode))
+        fail(m_path, "is a folder; name a file in it");
+    if (exists && !S_ISREG(existing.st_mode)) {
+        m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_CLOEXEC);
+        if (m_descriptor < 0)
+            failBySystem(m_path, "cannot be opened for writing", errno);
+        return;
+    }
+    if (exists && !overwrite)
+        failToReplace(m_path);
+    m_target = resolved(m_path);
+    openTemporary(0666);
+    if (exists)
+        ::fchmod(m_descriptor, existing.st_mode & 07777);
+}
+
+void OutputFile::openTemporary(unsigned permissions)
+{
+    for (int i = 0; i < kTemporaryNames; ++i) {
+        const std::string name =
+            m_target + ".part-" + std::to_string(::getpid()) + "-" + std::to_string(i);
+        m_descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
+        if (m_descriptor >= 0) {
+            m_temporary = name;
+            return;
+        }
+        if (errno != EEXIST)
+            failToCreate(m_path, errno);
+    }
+    fail(m_path, "too many unfinished files of that name; remove " + m_target + ".part-*");
+}
+
+OutputFile::~OutputFile()
+{
+    if (m_descriptor >= 0 && m_path != "-")
+        ::close(m_descriptor);
+    if (!m_temporary.empty())
+        ::unlink(m_temporary.c_str());
+}
+
+void OutputFile::write(const void* bytes, std::size_t count)
+{
+    if (!writeAll(m_descriptor, {static_cast<const char*>(bytes), count}))
+        failBySystem(m_path, "cannot be written", errno);
+}
+
+void OutputFile::commit()
+{
+    close();
+    if (m_temporary.empty())
+        return;
+    const bool linked = !m_overwrite && linkIntoPlace(m_temporary, m_target, m_path);
+    if (!linked && std::rename(m_temporary.c_str(), m_target.c_str()) != 0)
+        failBySystem(m_path, "cannot be renamed into place", errno);
+    m_temporary.clear();
+}
+
+// Some file systems tell only now that there was no room.
+void OutputFile::close()
+{
+    const int descriptor = m_descriptor;
+    m_descriptor = -1;
+    if (descriptor >= 0 && m_path != "-" && ::close(descriptor) != 0)
+        failBySystem(m_path, "cannot be written", errno);
+}
+
+}  // namespace TessaryMesh

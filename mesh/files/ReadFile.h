@@ -1,0 +1,19 @@
+#pragma once
+
+#include "base/Host.h"
+
+#include <string>
+#include <string_view>
+
+namespace TessaryMesh {
+
+/// All bytes of a file, "-" meaning standard input. Throws FileError where there is no such file, a
+/// folder, nothing in it, or no permission; std::runtime_error when the caller's job is cancelled.
+Array<char> readFile(const std::string& path);
+
+inline std::string_view viewOf(const Array<char>& bytes)
+{
+    return {bytes.data(), bytes.size()};
+}
+
+}  // namespace TessaryMesh

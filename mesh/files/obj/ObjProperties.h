@@ -1,0 +1,69 @@
+#pragma once
+
+#include "base/Host.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace TessaryMesh {
+
+/// The values of a property and how the elements of its component find theirs.
+template <class T>
+struct ElementValues {
+    using Value = T;
+
+    Ptr<Array<T>> values;
+    Ptr<Array<uint>> indices;  ///< empty for a plain property
+
+    /// Where element `i` has its value, kNone if it has none.
+    uint indexOf(std::size_t i) const
+    {
+        const uint index = indices ? (*indices)[i] : static_cast<uint>(i);
+        return index < values->size() ? index : kNone;
+    }
+
+    T valueOf(std::size_t i) const
+    {
+        const uint index = indexOf(i);
+        return index == kNone ? T() : (*values)[index];
+    }
+};
+
+/// Values that the corners of faces name: each corner its own, or that of its point.
+template <class T>
+struct CornerValues : ElementValues<T> {
+    bool onPoints = false;
+
+    uint indexAt(std::size_t corner, uint point) const
+    {
+        return this->indexOf(onPoints ? point : corner);
+    }
+};
+
+/// The properties of a mesh that OBJ can hold, and a warning for each one that it cannot.
+struct ObjProperties {
+    Ptr<Array<float3>> points;
+    Ptr<Array<uint>> faceOffset, faceVertex;  ///< both empty: a point cloud
+
+    std::optional<ElementValues<float3>> colour;
+    std::optional<ElementValues<float>> weight;
+    std::optional<CornerValues<float2>> texcoord;
+    std::optional<CornerValues<float3>> wideTexcoord, normal;
+    std::optional<ElementValues<String>> object, group, material;
+    std::optional<ElementValues<uint>> smoothing;
+    std::optional<String> materialLibrary;
+
+    std::vector<std::string> warnings;
+
+    std::size_t faceCount() const
+    {
+        return !faceOffset || faceOffset->empty() ? 0 : faceOffset->size() - 1;
+    }
+};
+
+/// `output` stands for the file in messages. Throws FileError for a mesh without points.
+ObjProperties findObjProperties(const Object& mesh, const std::string& output);
+
+}  // namespace TessaryMesh

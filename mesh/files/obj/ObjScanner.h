@@ -1,0 +1,156 @@
+#pragma once
+
+#include "base/Cancelled.h"
+#include "files/MeshFile.h"
+#include "files/NumberText.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace TessaryMesh {
+
+/// Walks through the words of OBJ text, statement by statement.
+///
+/// A line ends with LF, CR LF or CR; a backslash before it continues the statement on the next
+/// line. Blanks are spaces and tabs. A "#" starts a comment, save in names.
+class ObjScanner {
+public:
+    ObjScanner(std::string_view text, const std::string& name)
+        : m_at(text.data()), m_end(text.data() + text.size()), m_name(name)
+    {}
+
+    std::uint64_t line() const { return m_line; }
+
+    /// FileError with the file and the current line, or an earlier one.
+    [[noreturn]] void fail(const std::string& what) const { fail(what, m_line); }
+    [[noreturn]] void fail(const std::string& what, std::uint64_t line) const
+    {
+        throw FileError(m_name + ":" + std::to_string(line) + ": " + what);
+    }
+
+    bool atEnd() const { return m_at == m_end; }
+
+    /// Skips blanks; whether the statement's last word lies behind.
+    bool atLineEnd()
+    {
+        while (m_at < m_end && (isBlank(*m_at) || *m_at == '\\'))
+            if (isBlank(*m_at))
+                ++m_at;
+            else if (!skipContinuation())
+                return false;
+        return m_at == m_end || *m_at == '\n' || *m_at == '\r' || *m_at == '#';
+    }
+
+    /// Goes to the beginning of the next line. Polls for cancellation now and then.
+    void nextLine()
+    {
+        while (m_at < m_end && *m_at != '\n' && *m_at != '\r')
+            ++m_at;
+        skipLineEnd();
+    }
+
+    /// The word that begins here.
+    std::string_view word()
+    {
+        const char* const begin = m_at;
+        while (!atSeparator())
+            ++m_at;
+        return {begin, static_cast<std::size_t>(m_at - begin)};
+    }
+
+    /// The rest of the statement without the blanks around it; one blank where it was continued.
+    std::string restOfLine();
+
+    /// The number that begins here.
+    float number()
+    {
+        float value;
+        const char* const end = scanNumber(m_at, m_end, value);
+        const char* const begin = m_at;
+        if (end) {
+            m_at = end;
+            if (atSeparator())
+                return value;
+            m_at = begin;
+        }
+        return unusualNumber();
+    }
+
+    /// The index that begins here, of any sign. Fails where there is none, or none of at most 18
+    /// digits.
+    std::int64_t index()
+    {
+        const char* const begin = m_at;
+        const bool negative = m_at < m_end && *m_at == '-';
+        m_at += negative || (m_at < m_end && *m_at == '+');
+        const char* const digits = m_at;
+        std::uint64_t value = 0;
+        for (; m_at < m_end && static_cast<unsigned char>(*m_at - '0') < 10; ++m_at)
+            value = 10 * value + static_cast<unsigned char>(*m_at - '0');
+        if (m_at == digits || m_at - digits > 18)
+            failAtIndex(begin);
+        return negative ? -static_cast<std::int64_t>(value) : static_cast<std::int64_t>(value);
+    }
+
+    /// Steps over a slash, if one is here.
+    bool slash()
+    {
+        const bool found = m_at < m_end && *m_at == '/';
+        m_at += found;
+        return found;
+    }
+
+    /// Whether a word ends here.
+    bool atSeparator() const
+    {
+        return m_at == m_end || isBlank(*m_at) || *m_at == '\n' || *m_at == '\r' || *m_at == '#' ||
+               (*m_at == '\\' && isContinuation());
+    }
+
+    bool atSlash() const { return m_at < m_end && *m_at == '/'; }
+
+    const char* position() const { return m_at; }
+
+    /// Fails at the word that begins at `begin`, which should be the corner of a face.
+    [[noreturn]] void failAtIndex(const char* begin);
+
+    /// Numbers with the sign before the "e", read as if it stood behind; they ought to be mentioned.
+    std::uint64_t misplacedSigns() const { return m_misplacedSigns; }
+    std::uint64_t firstMisplacedSign() const { return m_firstMisplacedSign; }
+
+private:
+    static bool isBlank(char c) { return c == ' ' || c == '\t'; }
+
+    bool isContinuation() const { return m_at + 1 == m_end || m_at[1] == '\n' || m_at[1] == '\r'; }
+
+    bool skipContinuation()
+    {
+        if (!isContinuation())
+            return false;
+        ++m_at;
+        skipLineEnd();
+        return true;
+    }
+
+    void skipLineEnd()
+    {
+        if (m_at == m_end)
+            return;
+        const bool carriageReturn = *m_at++ == '\r';
+        m_at += carriageReturn && m_at < m_end && *m_at == '\n';
+        if ((++m_line & 0xFFF) == 0)
+            throwIfCancelled();
+    }
+
+    float unusualNumber();
+
+    const char* m_at;
+    const char* const m_end;
+    const std::string& m_name;
+    std::uint64_t m_line = 1;
+    std::uint64_t m_misplacedSigns = 0;
+    std::uint64_t m_firstMisplacedSign = 0;
+};
+
+}  // namespace TessaryMesh

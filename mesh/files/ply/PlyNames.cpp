@@ -1,0 +1,107 @@
+#include "files/ply/PlyNames.h"
+
+#include "base/MessageText.h"
+
+#include <algorithm>
+
+namespace TessaryMesh::Ply {
+namespace {
+
+using Names = std::vector<std::string>;
+
+// What other programs call these values; nothing for others.
+Names customaryNames(std::string_view name, Owner owner, Form form)
+{
+    if (name == "normal" && form.count == 3)
+        return {"nx", "ny", "nz"};
+    if (name == "color" && form.count == 3)
+        return {"red", "green", "blue"};
+    if (name == "color" && form.count == 4)
+        return {"red", "green", "blue", "alpha"};
+    if (name == "texcoord" && owner == Owner::Point && form.count == 2)
+        return {"s", "t"};
+    return {};
+}
+
+// x y z w up to four scalars, two digits (row and column or a running number) beyond.
+Names numberedNames(const std::string& stem, unsigned count)
+{
+    Names names;
+    for (unsigned i = 0; i < count; ++i)
+        if (count <= 4)
+            names.push_back(stem + "_" + "xyzw"[i]);
+        else
+            names.push_back(stem + "_" + std::to_string(i / 10) + std::to_string(i % 10));
+    return names;
+}
+
+int hexDigit(char c)
+{
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    const std::size_t place = digits.find(c);
+    return place == std::string_view::npos ? -1 : static_cast<int>(place);
+}
+
+}  // namespace
+
+std::string encodedName(std::string_view name)
+{
+    if (name.empty())
+        return "%";
+    const bool keepsHighBytes = isUtf8(name);
+    std::string word;
+    for (const char c : name) {
+        const unsigned byte = static_cast<unsigned char>(c);
+        if (byte > 0x20 && c != '%' && c != 0x7F && (byte < 0x80 || keepsHighBytes)) {
+            word += c;
+            continue;
+        }
+        word += '%';
+        word += "0123456789ABCDEF"[byte >> 4];
+        word += "0123456789ABCDEF"[byte & 15];
+    }
+    return word;
+}
+
+std::string decodedName(std::string_view word)
+{
+    std::string name;
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        const bool coded = word[i] == '%' && i + 2 < word.size() && hexDigit(word[i + 1]) >= 0 &&
+                           hexDigit(word[i + 2]) >= 0;
+        name +=
+            coded ? static_cast<char>(hexDigit(word[i + 1]) * 16 + hexDigit(word[i + 2])) : word[i];
+        i += coded ? 2 : 0;
+    }
+    return name == "%" && word == "%" ? std::string() : name;
+}
+
+ColumnNames::ColumnNames() : m_used{{"x", "y", "z"}, {"vertex_indices", "vertex_index"}} {}
+
+void ColumnNames::reserveForProperty(std::string_view name)
+{
+    m_properties.insert(encodedName(name));
+}
+
+std::vector<std::string> ColumnNames::columnsFor(std::string_view name, Owner owner, Form form)
+{
+    std::set<std::string>& used = m_used[owner == Owner::Point ? 0 : 1];
+    std::string stem = encodedName(name);
+    const bool isSingle = owner == Owner::Corner || form.count == 1;
+    const auto isFree = [&](const std::string& column) {
+        return used.count(column) == 0 && (column == stem || m_properties.count(column) == 0);
+    };
+    const auto allFree = [&](const Names& names) {
+        return !names.empty() && std::all_of(names.begin(), names.end(), isFree);
+    };
+    Names names = isSingle ? Names{stem} : customaryNames(name, owner, form);
+    while (!allFree(names)) {
+        names = isSingle ? Names{stem} : numberedNames(stem, form.count);
+        if (!allFree(names))
+            stem += '_';
+    }
+    used.insert(names.begin(), names.end());
+    return names;
+}
+
+}  // namespace TessaryMesh::Ply

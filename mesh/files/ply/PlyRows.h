@@ -1,0 +1,72 @@
+#pragma once
+
+#include "base/Host.h"
+#include "files/ply/PlyFormat.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace TessaryMesh::Ply {
+
+/// The rows of one element, found in the body and known to lie inside it.
+struct Rows {
+    const Element* element;
+    const unsigned char* first;
+    /// Per property: where the list of each row begins among the entries of all rows, and the end;
+    /// nothing for scalars.
+    std::vector<Array<uint>> offsets;
+
+    std::size_t count() const { return static_cast<std::size_t>(element->count); }
+};
+
+/// Walks through a body in binary form and finds the elements' rows.
+///
+/// Every size is checked against the bytes that are left before anything is allocated for it, so
+/// memory is bounded by the size of the body.
+class RowFinder {
+public:
+    /// Byte numbers in messages count from `byteOfBody`.
+    RowFinder(std::string_view body, std::size_t byteOfBody, bool swap,
+              const std::string& fileName);
+
+    Rows take(const Element& element);
+
+    std::size_t bytesLeft() const { return static_cast<std::size_t>(m_end - m_position); }
+
+private:
+    struct List;
+
+    [[noreturn]] void fail(const Element& element, std::uint64_t row,
+                           const std::string& what) const;
+    [[noreturn]] void failList(const Element& element, std::uint64_t row, const List& list) const;
+    void requireBytes(const Element& element, std::size_t rowSize);
+    void walkLists(const Element& element, const std::vector<List>& lists,
+                   std::size_t scalarsAfter);
+    bool skip(std::size_t bytes);
+    bool skipList(const List& list, std::uint64_t row);
+
+    const std::string& m_fileName;
+    const unsigned char* m_begin;
+    const unsigned char* m_position;
+    const unsigned char* m_end;
+    std::size_t m_byteOfBody;
+    bool m_swap;
+};
+
+/// Where the values of a property go, in the body's byte order: the scalar of row i to
+/// first + i * stride, the lists of all rows one after the other from `first` on. Null for nowhere.
+struct Sink {
+    unsigned char* first = nullptr;
+    std::size_t stride = 0;
+};
+
+/// Copies the values of the rows, `sinks` having an entry per property.
+void copyRows(const Rows& rows, const std::vector<Sink>& sinks);
+
+/// An ASCII body in the binary form of this machine; `bytesLeft` becomes what follows the rows.
+/// Throws FileError with the line.
+Array<unsigned char> binaryOfText(const Header& header, std::string_view body,
+                                  const std::string& fileName, std::size_t& bytesLeft);
+
+}  // namespace TessaryMesh::Ply

@@ -1,0 +1,159 @@
+#include "ops/Creases.h"
+
+#include "base/Host.h"
+#include "base/MessageText.h"
+#include "base/PropertyKinds.h"
+#include "base/Vectors.h"
+#include "files/ply/PlyNames.h"
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+namespace TessaryMesh {
+namespace {
+
+using namespace Korvane::Geometry;
+
+constexpr double kDegreesPerRadian = 57.295779513082320877;
+
+// By the arc tangent, which tells small angles as well as large ones.
+double degreesBetween(const double3& a, const double3& b)
+{
+    return std::atan2(length(cross(a, b)), dot(a, b)) * kDegreesPerRadian;
+}
+
+// Calls `visit(face, triangle)` for each triangle of each fan.
+template <class Visit>
+void forEachTriangle(const Array<uint>& faceOffset, const Visit& visit)
+{
+    uint triangle = 0;
+    for (uint face = 0; face + 1 < faceOffset.size(); ++face)
+        for (uint corner = faceOffset[face] + 2; corner < faceOffset[face + 1]; ++corner)
+            visit(face, triangle++);
+}
+
+bool isCrease(bool flag)
+{
+    return flag;
+}
+
+bool isCrease(unsigned char number)
+{
+    return number != 0;
+}
+
+bool isCrease(float weight)
+{
+    return weight < std::numeric_limits<float>::max();  // false for NaN, too
+}
+
+// Each edge of a polygon is one edge of one of its triangles.
+template <class T>
+Array<bool> onTriangles(const TriangulatedView& view, const Array<T>& corners)
+{
+    Array<bool> creases(view.triFaceVertex.size());
+    forEachTriangle(view.faceOffset, [&](uint face, uint triangle) {
+        const uint first = view.faceOffset[face];
+        const uint last = view.faceOffset[face + 1] - 1;
+        const uint middle = triangle + 2 * face + 1;
+        if (middle == first + 1)
+            creases[std::size_t{3} * triangle] = isCrease(corners[first]);
+        creases[std::size_t{3} * triangle + 1] = isCrease(corners[middle]);
+        if (middle + 1 == last)
+            creases[std::size_t{3} * triangle + 2] = isCrease(corners[last]);
+    });
+    return creases;
+}
+
+// "string on faces", "float on values behind uv_index".
+std::string kindOf(const Object& mesh, const std::string& name)
+{
+    std::string kind = "of an unknown type";
+    Korvane::visitArray(getDataGeoProperty(mesh, name)->getProperty(sData),
+                        [&kind](const auto&, const char* type) { kind = type; });
+    if (const Array<String> chain = getTargetChain(mesh, name); !chain.empty())
+        return kind + " behind the indices " + quoted(chain[0].view());
+    const String component = getTargetComponent(mesh, name);
+    return kind + " on " +
+           (isMeshComponent(component) ? elementWord(component) + "s" : quoted(component.view()));
+}
+
+[[noreturn]] void reject(const std::string& name, const std::string& what,
+                         const std::string& advice = "")
+{
+    throw std::invalid_argument("crease property " + quoted(name) + " " + what +
+                                "; expected a bool, uchar or float for each corner" + advice);
+}
+
+// A list of each face is one of corners once the file's header says so.
+std::string adviceFor(const Object& mesh, const std::string& name)
+{
+    const auto component = getTargetComponent(mesh, name);
+    const char* const type = dataArray<float>(mesh, name)           ? "float"
+                             : dataArray<unsigned char>(mesh, name) ? "uchar"
+                                                                    : nullptr;
+    if (!type || component != name + Ply::kListComponentEnding)
+        return "";
+    const std::string word = Ply::encodedName(name);
+    return " (the list becomes that behind the PLY header line \"comment property corner " +
+           (type + (" " + word)) + " " + word + "\")";
+}
+
+template <class T>
+bool readCreases(const TriangulatedView& view, const Object& mesh, const std::string& name,
+                 Array<bool>& creases)
+{
+    const Ptr<Array<T>> corners = dataArray<T>(mesh, name);
+    if (!corners)
+        return false;
+    if (corners->size() != view.faceVertex.size())
+        reject(name, "has " + std::to_string(corners->size()) + " values for " +
+                         std::to_string(view.faceVertex.size()) + " corners");
+    creases = onTriangles(view, *corners);
+    return true;
+}
+
+}  // namespace
+
+Array<bool> creasesByAngle(const TriangulatedView& mesh, const Array<float3>& points,
+                           double degrees)
+{
+    Array<uint> faceOf(mesh.triFaceVertex.size() / 3);
+    forEachTriangle(mesh.faceOffset, [&](uint face, uint triangle) { faceOf[triangle] = face; });
+    Array<double3> normals(mesh.faceOffset.size() - 1);
+    for (uint face = 0; face < normals.size(); ++face) {
+        const uint first = mesh.faceOffset[face];
+        normals[face] =
+            areaVector(points, mesh.faceVertex.data() + first, mesh.faceOffset[face + 1] - first);
+    }
+
+    Array<bool> creases(mesh.triFaceVertex.size());
+    for (std::size_t e = 0; e + 1 < mesh.triEdges.size(); e += 2) {
+        const uint corner = mesh.triEdges[e];
+        const uint other = mesh.triEdges[e + 1];
+        if (other == kNone)
+            continue;
+        const uint a = faceOf[corner / 3];
+        const uint b = faceOf[other / 3];
+        creases[corner] = a != b && degreesBetween(normals[a], normals[b]) > degrees;
+    }
+    return creases;
+}
+
+Array<bool> creasesByProperty(const TriangulatedView& view, const Object& mesh,
+                              const std::string& name)
+{
+    if (!getDataGeoProperty(mesh, name))
+        reject(name, "is missing");
+    Array<bool> creases;
+    const bool isPlainCorner =
+        getTargetChain(mesh, name).empty() && getTargetComponent(mesh, name) == sFaceVertexComp;
+    if (!isPlainCorner || !(readCreases<bool>(view, mesh, name, creases) ||
+                            readCreases<unsigned char>(view, mesh, name, creases) ||
+                            readCreases<float>(view, mesh, name, creases)))
+        reject(name, "is " + kindOf(mesh, name), adviceFor(mesh, name));
+    return creases;
+}
+
+}  // namespace TessaryMesh

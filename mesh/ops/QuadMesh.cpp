@@ -1,0 +1,172 @@
+#include "ops/QuadMesh.h"
+
+#include <Tessary/Topology.h>
+
+#include "base/Cancelled.h"
+#include "base/Host.h"
+#include "base/MeshArrays.h"
+#include "check/EdgeReport.h"
+#include "check/Validate.h"
+#include "ops/Creases.h"
+#include "ops/CutPoints.h"
+#include "ops/QuadProperties.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace TessaryMesh {
+namespace {
+
+using namespace Korvane::Geometry;
+
+// A polygon mesh and its way to quads.
+struct Topology : MeshArrays {
+    explicit Topology(const Object& mesh)
+        : MeshArrays(mesh), triFaceVertex(fanTriangles(*faceOffset, *faceVertex))
+    {}
+
+    TriangulatedView view() const { return {*faceOffset, *faceVertex, triFaceVertex, triEdges}; }
+
+    Array<uint> triFaceVertex, triEdges;
+    Array<uint> quadFaceVertex;
+    uint pointCount = 0;  // of the quad mesh
+};
+
+void checkOptions(const QuadOptions& options)
+{
+    const auto expect = [](bool holds, const char* what) {
+        if (!holds)
+            throw std::invalid_argument(what);
+    };
+    const auto isShare = [](float share) { return share >= 0 && share <= 1; };
+    const double angle = options.creaseAngle.value_or(0);
+    const float* const inner = options.innerWeights;
+    expect(angle >= 0 && angle <= 180, "the crease angle is outside 0 to 180 degrees");
+    expect(isShare(options.edgeWeight), "the edge weight is outside 0 to 1");
+    expect(isShare(inner[0]) && isShare(inner[1]) && isShare(inner[2]),
+           "an inner weight is outside 0 to 1");
+    expect(isShare(options.gap), "the gap is outside 0 to 1");
+}
+
+// Two bits of the codes that place the new points are taken.
+void rejectTooLarge(const Topology& mesh, const std::string& name)
+{
+    constexpr std::uint64_t kMost = (std::uint64_t{1} << 30) - 1;
+    const std::uint64_t corners = mesh.triFaceVertex.size();
+    const std::uint64_t points = mesh.points->size();
+    if (corners + points <= kMost)
+        return;
+    throw InvalidMesh(name, Problem{Problem::Severity::Error,
+                                    "too-large",
+                                    "more corners than indices of a quad mesh can name",
+                                    1,
+                                    {"a mesh of " + std::to_string(points) + " points and " +
+                                     std::to_string(corners / 3) + " triangles"},
+                                    "split the mesh into parts"});
+}
+
+// Returns how many edges had to be split.
+std::uint64_t findEdges(Topology& mesh, const std::string& name, bool splitEdges)
+{
+    const std::size_t points = mesh.points->size();
+    const EdgeReport report = findSameDirectionEdges(mesh.triFaceVertex, points, 3);
+    if (!splitEdges)
+        rejectSameDirection(
+            *mesh.faceOffset, report, name,
+            "turn one of the faces round, give it points of its own, or use --split-edges");
+    if (report.count == 0)
+        Tessary::computeTriEdges(mesh.triFaceVertex, mesh.triEdges);
+    else
+        mesh.triEdges = separatedTriEdges(mesh.triFaceVertex, points);
+    throwIfCancelled();
+    return report.count;
+}
+
+Array<bool> creasesOf(const Topology& topology, const Object& mesh, const QuadOptions& options)
+{
+    if (!options.creaseProperty.empty())
+        return creasesByProperty(topology.view(), mesh, options.creaseProperty);
+    if (options.creaseAngle)
+        return creasesByAngle(topology.view(), *topology.points, *options.creaseAngle);
+    return Array<bool>(topology.triFaceVertex.size());
+}
+
+uint after(uint corner)
+{
+    return corner % 3 == 2 ? corner - 2 : corner + 1;
+}
+
+float3 blend(const float3& a, float s, const float3& b, float t)
+{
+    return {s * a.x + t * b.x, s * a.y + t * b.y, s * a.z + t * b.z};
+}
+
+// Calls `visit(corner, first, second)` for each creased edge: a half-edge and its two new points.
+template <class Visit>
+void forEachCrease(const Topology& mesh, const Visit& visit)
+{
+    for (std::size_t e = 0; e + 1 < mesh.triEdges.size(); e += 2) {
+        const uint corner = mesh.triEdges[e];
+        const uint first = mesh.quadFaceVertex[std::size_t{4} * corner + 1];
+        const uint second = mesh.quadFaceVertex[std::size_t{4} * after(corner) + 3];
+        if (first != second)
+            visit(corner, first, second);
+    }
+}
+
+void openGaps(const Topology& mesh, const CutPoints& cut, float gap, Array<float3>& positions)
+{
+    if (gap == 0)
+        return;
+    forEachCrease(mesh, [&](uint corner, uint first, uint second) {
+        const float3& start = (*mesh.points)[mesh.triFaceVertex[corner]];
+        const float3& end = (*mesh.points)[mesh.triFaceVertex[after(corner)]];
+        const float t = cut.edgeWeights[corner];
+        const float nearStart = std::min(1.0f, t + gap / 2);
+        const float nearEnd = std::max(0.0f, t - gap / 2);
+        positions[first] = blend(start, nearStart, end, 1.0f - nearStart);
+        positions[second] = blend(start, nearEnd, end, 1.0f - nearEnd);
+    });
+}
+
+Array<uint> quadOffsets(std::size_t cornerCount)
+{
+    Array<uint> offsets(cornerCount / 4 + 1);
+    for (std::size_t quad = 0; quad < offsets.size(); ++quad)
+        offsets[quad] = static_cast<uint>(4 * quad);
+    return offsets;
+}
+
+}  // namespace
+
+QuadMesh makeQuadMesh(const Object& mesh, const std::string& name,
+                      const Array<String>& propertyNames, const QuadOptions& options)
+{
+    checkOptions(options);
+    QuadMesh result;
+    Topology topology(mesh);
+    const std::size_t pointCount = topology.points->size();
+    rejectTooLarge(topology, name);
+    result.splitEdges = findEdges(topology, name, options.splitEdges);
+    topology.pointCount = Tessary::computeQuadMesh(
+        topology.triFaceVertex, topology.triEdges, creasesOf(topology, mesh, options),
+        static_cast<uint>(pointCount), topology.quadFaceVertex);
+    throwIfCancelled();
+    const CutPoints cut = cutPointsOf(topology.triFaceVertex, topology.quadFaceVertex, pointCount,
+                                      topology.pointCount, options);
+    QuadProperties properties(mesh, propertyNames);
+    properties.interpolate(cut);
+    Array<float3> positions = properties.takePositions();
+    openGaps(topology, cut, options.gap, positions);
+
+    result.edges = static_cast<uint>(topology.triEdges.size() / 2);
+    forEachCrease(topology, [&result](uint, uint, uint) { ++result.creasedEdges; });
+    Array<uint> offsets = quadOffsets(topology.quadFaceVertex.size());
+    result.mesh =
+        makeMesh(std::move(positions), std::move(offsets), std::move(topology.quadFaceVertex));
+    properties.addTo(*result.mesh);
+    result.warnings = properties.warnings();
+    return result;
+}
+
+}  // namespace TessaryMesh

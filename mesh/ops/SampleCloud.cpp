@@ -1,0 +1,271 @@
+#include "ops/SampleCloud.h"
+
+#include "base/Cancelled.h"
+#include "base/Host.h"
+#include "base/MessageText.h"
+#include "base/PropertyKinds.h"
+#include "base/Scalars.h"
+#include "base/Vectors.h"
+
+#include <tbb/parallel_for.h>
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <type_traits>
+
+namespace TessaryMesh {
+namespace {
+
+using namespace Korvane::Geometry;
+using namespace Korvane::Math;
+using Common::DataInterpolationMode;
+
+template <class Body>
+void forEach(std::size_t count, const Body& body)
+{
+    throwIfCancelled();
+    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, count, 1024), [&body](const auto& range) {
+        for (std::size_t i = range.begin(); i < range.end(); ++i)
+            body(i);
+    });
+}
+
+// Real numbers and vectors of them are blended.
+template <class T>
+constexpr bool isReal =
+    Scalars<T>::kRows == 0 && std::is_floating_point_v<typename Scalars<T>::Type>;
+
+template <class T>
+T blended(const T& v0, const T& v1, const T& v2, const float* w)
+{
+    T blend{};
+    for (unsigned k = 0; k < Scalars<T>::kCount; ++k)
+        scalarsOf(&blend)[k] =
+            (scalarsOf(&v1)[k] * w[1] + scalarsOf(&v2)[k] * w[2]) + scalarsOf(&v0)[k] * w[0];
+    return blend;
+}
+
+int largest(const float* w)
+{
+    return w[0] >= w[1] && w[0] >= w[2] ? 0 : w[1] >= w[2] ? 1 : 2;
+}
+
+// Where samples lie on a polygon mesh.
+class Places {
+public:
+    Places(const Object& mesh, const SurfaceSamples& samples)
+        : m_offset(dataArray<uint>(mesh, sFaceOffset)),
+          m_corner(dataArray<uint>(mesh, sFaceVertex)),
+          m_samples(samples),
+          m_faceIds(makeMutable<Array<uint>>(samples.count()))
+    {
+        Array<uint> faceOfTriangle(m_corner->size() - 2 * (m_offset->size() - 1));
+        for (uint face = 0; face + 1 < m_offset->size(); ++face)
+            for (uint t = firstTriangle(face); t < firstTriangle(face + 1); ++t)
+                faceOfTriangle[t] = face;
+        Array<uint>& ids = *m_faceIds;
+        forEach(ids.size(),
+                [&](std::size_t i) { ids[i] = faceOfTriangle[(*samples.triangleIds)[i]]; });
+    }
+
+    std::size_t count() const { return m_faceIds->size(); }
+    const Ptr<Array<uint>> faceIds() const { return m_faceIds; }
+    const float* weights(std::size_t i) const { return m_samples.weights->data() + 3 * i; }
+
+    // Corner k of the fan triangle, numbered in the polygon mesh.
+    uint corner(std::size_t i, uint k) const
+    {
+        const uint face = (*m_faceIds)[i];
+        const uint inFan = (*m_samples.triangleIds)[i] - firstTriangle(face);
+        return (*m_offset)[face] + (k == 0 ? 0 : inFan + k);
+    }
+
+    // The element of the component at corner k.
+    uint element(const String& component, std::size_t i, uint k) const
+    {
+        return component == sFaceComp         ? (*m_faceIds)[i]
+               : component == sFaceVertexComp ? corner(i, k)
+                                              : (*m_corner)[corner(i, k)];
+    }
+
+private:
+    uint firstTriangle(uint face) const { return (*m_offset)[face] - 2 * face; }
+
+    Ptr<Array<uint>> m_offset, m_corner;
+    const SurfaceSamples& m_samples;
+    MutablePtr<Array<uint>> m_faceIds;
+};
+
+// The values of one property, by element.
+template <class T>
+class Source {
+public:
+    Source(const Object& mesh, const ElementProperty& property, const Array<T>& values)
+        : m_component(property.component), m_values(values)
+    {
+        const Ptr<Object> object = getDataGeoProperty(mesh, property.name);
+        m_default = entryOf<T>(*object, sDefault).value_or(T());
+        m_blends = isReal<T> && m_component != sFaceComp &&
+                   entryOf<DataInterpolationMode>(*object, sInterp) != DataInterpolationMode::None;
+        if (!property.range.empty())
+            m_indices = getRangeGeoPropIndices(*getRangeGeoProperty(mesh, property.range));
+    }
+
+    // The value at a sample, and whether there is one.
+    bool valueAt(const Places& places, std::size_t i, T& out) const
+    {
+        const float* const w = places.weights(i);
+        if constexpr (isReal<T>)
+            if (m_blends) {
+                const T* v[3];
+                for (uint k = 0; k < 3; ++k)
+                    v[k] = find(places.element(m_component, i, k));
+                const bool has = v[0] && v[1] && v[2];
+                out = has ? blended(*v[0], *v[1], *v[2], w) : m_default;
+                return has;
+            }
+        const T* const picked = find(places.element(m_component, i, static_cast<uint>(largest(w))));
+        out = picked ? *picked : m_default;
+        return picked != nullptr;
+    }
+
+private:
+    const T* find(uint element) const
+    {
+        const uint index = m_indices ? (*m_indices)[element] : element;
+        return index < m_values.size() ? &m_values[index] : nullptr;
+    }
+
+    const String& m_component;
+    const Array<T>& m_values;
+    Ptr<Array<uint>> m_indices;
+    T m_default{};
+    bool m_blends = false;
+};
+
+Ptr<Array<float3>> weightVectors(const Places& places)
+{
+    const auto vectors = makeMutable<Array<float3>>(places.count());
+    forEach(places.count(), [&](std::size_t i) {
+        const float* const w = places.weights(i);
+        (*vectors)[i] = {w[0], w[1], w[2]};
+    });
+    return vectors;
+}
+
+Ptr<Array<float3>> normals(const Object& mesh, const Places& places)
+{
+    const Array<float3>& points = *dataArray<float3>(mesh, sPointPosition);
+    const auto result = makeMutable<Array<float3>>(places.count());
+    forEach(places.count(), [&](std::size_t i) {
+        const auto point = [&](uint k) { return points[places.element(sPointComp, i, k)]; };
+        const float3 apex = point(0);
+        (*result)[i] = unit(cross(difference(point(1), apex), difference(point(2), apex)));
+    });
+    return result;
+}
+
+class CloudMaker {
+public:
+    CloudMaker(const Object& mesh, const SurfaceSamples& samples, const Array<String>& names,
+               bool withPlaces)
+        : m_mesh(mesh), m_names(names), m_places(mesh, samples), m_cloud(Korvane::createObject())
+    {
+        populatePointCloud(samples.positions, *m_cloud);
+        if (withPlaces) {
+            add("weight", weightVectors(m_places));
+            add("face_id", m_places.faceIds());
+            add("triangle_id", samples.triangleIds);
+        }
+        if (!hasNormals())
+            add("normal", normals(mesh, m_places));
+    }
+
+    SampleCloud make()
+    {
+        for (const String& name : m_mesh.propertyNames())
+            if (isOwnValue(m_mesh, name) || (name == sRenderSettings && isNamed(name)))
+                m_cloud->setProperty(name, m_mesh.getProperty(name));
+            else if (isNamed(name) && getDataGeoProperty(m_mesh, name) && !isTopology(name))
+                carry(name);
+        return {m_cloud, std::move(m_warnings)};
+    }
+
+private:
+    template <class T>
+    void add(const String& name, Ptr<Array<T>> values)
+    {
+        addDataGeoProperty<T>(*m_cloud, name, sPointComp, std::move(values));
+    }
+
+    bool isNamed(const String& name) const
+    {
+        return std::find(m_names.begin(), m_names.end(), name) != m_names.end();
+    }
+
+    bool hasNormals() const
+    {
+        const auto has = [this](const char* name) {
+            return isNamed(name) && findElementProperty(m_mesh, name);
+        };
+        return has("normal") || (has("nx") && has("ny") && has("nz"));
+    }
+
+    void carry(const String& name)
+    {
+        const auto property = findElementProperty(m_mesh, name);
+        if (!property) {
+            m_warnings.push_back("property " + quoted(name.view()) +
+                                 " does not follow onto samples and is left out");
+            return;
+        }
+        const Ptr<Object> source = getDataGeoProperty(m_mesh, name);
+        Korvane::visitArray(source->getProperty(sData), [&](const auto& array, const char*) {
+            carryValues(*property, *array);
+        });
+    }
+
+    template <class T>
+    void carryValues(const ElementProperty& property, const Array<T>& values)
+    {
+        const Source<T> source(m_mesh, property, values);
+        const auto result = makeMutable<Array<T>>(m_places.count());
+        std::atomic<std::size_t> missing{0};
+        forEach(m_places.count(), [&](std::size_t i) {
+            if (!source.valueAt(m_places, i, (*result)[i]))
+                missing.fetch_add(1, std::memory_order_relaxed);
+        });
+        if (missing > 0)
+            m_warnings.push_back("property " + quoted(property.name.view()) + " has no value at " +
+                                 std::to_string(missing) + " samples, which get its default");
+        add<T>(freeName(property.name), result);
+    }
+
+    String freeName(const String& name)
+    {
+        if (!m_cloud->hasProperty(name))
+            return name;
+        std::string other = "mesh_" + std::string(name.view());
+        while (m_mesh.hasProperty(other) || m_cloud->hasProperty(other))
+            other += '_';
+        m_warnings.push_back("property " + quoted(name.view()) + " of the mesh is called " +
+                             quoted(other) + " here, as the samples have their own");
+        return other;
+    }
+
+    const Object& m_mesh;
+    const Array<String>& m_names;
+    Places m_places;
+    MutablePtr<Object> m_cloud;
+    std::vector<std::string> m_warnings;
+};
+
+}  // namespace
+
+SampleCloud makeSampleCloud(const Object& mesh, const SurfaceSamples& samples,
+                            const Array<String>& propertyNames, bool withPlaces)
+{
+    return CloudMaker(mesh, samples, propertyNames, withPlaces).make();
+}
+
+}  // namespace TessaryMesh

@@ -1,0 +1,66 @@
+#include "base/ParallelLoop.h"
+
+#include "support/Cancellation.h"
+#include "support/Threads.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+using namespace Tessary;
+
+TEST(ParallelLoop, CoversTheRangeOnceAtAnyThreadCount)
+{
+    TestSupport::atSeveralThreadCounts([](int) {
+        for (const uint end : {0u, 1u, 2u, 7u, 1000u, 100000u}) {
+            const uint begin = end / 3;
+            std::vector<std::atomic<int>> visits(end);
+            parallelLoop(begin, end, 4, LoopContext::Isolated, [&](uint b, uint e) {
+                for (uint i = b; i < e; ++i)
+                    ++visits[i];
+            });
+            for (uint i = 0; i < end; ++i)
+                ASSERT_EQ(visits[i], i >= begin ? 1 : 0) << i << " of " << end;
+        }
+    });
+}
+
+TEST(ParallelLoop, ARangeWithinItsGrainRunsInOnePieceOnTheCallerAndIsNeverPolled)
+{
+    std::vector<std::pair<uint, uint>> pieces;
+    std::thread::id thread;
+    const auto note = [&](uint begin, uint end) {
+        pieces.emplace_back(begin, end);
+        thread = std::this_thread::get_id();
+    };
+    EXPECT_FALSE(TestSupport::endsWhenCancelled(
+        [&] { parallelLoop(5, 105, 100, LoopContext::Bound, note); }));
+    EXPECT_EQ(pieces, (std::vector<std::pair<uint, uint>>{{5, 105}}));
+    EXPECT_EQ(thread, std::this_thread::get_id());
+
+    parallelLoop(5, 5, 1, LoopContext::Bound, note);
+    EXPECT_EQ(pieces.size(), 1u) << "an empty range has no piece";
+}
+
+TEST(ParallelLoop, OnlyABoundLoopReportsCancellationAndOnlyOnceItIsOver)
+{
+    std::atomic<uint> count{0};
+    const auto countUp = [&count](uint begin, uint end) { count += end - begin; };
+    const auto loop = [&](LoopContext context) { parallelLoop(0, 1000, 1, context, countUp); };
+    EXPECT_NO_THROW(loop(LoopContext::Bound));
+    EXPECT_FALSE(TestSupport::endsWhenCancelled([&] { loop(LoopContext::Isolated); }));
+    EXPECT_TRUE(TestSupport::endsWhenCancelled([&] { loop(LoopContext::Bound); }));
+    EXPECT_EQ(count, 3000u);
+}
+
+TEST(ParallelLoop, AnExceptionOfTheBodyReachesTheCaller)
+{
+    const auto body = [](uint begin, uint) {
+        if (begin == 0)
+            throw std::length_error("body");
+    };
+    EXPECT_THROW(parallelLoop(0, 100, 1, LoopContext::Isolated, body), std::length_error);
+}
