@@ -5,7 +5,7 @@
 #include "support/Measure.h"
 
 #include <Korvane/Geometry.h>
-#include <mesh/check/Validate.h>
+#include <TessaryMesh/Check.h>
 #include <mesh/files/MeshFile.h>
 #include <mesh/files/OutputFile.h>
 

@@ -2,7 +2,7 @@
 
 #include <Korvane/Geometry.h>
 #include <Tessary/Tessary.h>
-#include <mesh/base/Cancelled.h>
+#include <TessaryMesh/Errors.h>
 
 #include <stdexcept>
 

@@ -2,10 +2,10 @@
 
 #include <Korvane/ElementTypes.h>
 #include <Korvane/Geometry.h>
+#include <TessaryMesh/Check.h>
 #include <mesh/base/MeshArrays.h>
 #include <mesh/base/PropertyKinds.h>
 #include <mesh/base/Vectors.h>
-#include <mesh/check/MeshShape.h>
 #include <mesh/ops/TriangulateMesh.h>
 
 #include <algorithm>
@@ -137,7 +137,10 @@ Json ownValues(const Object& mesh)
 
 Json factsOf(const TessaryMesh::Problem& problem)
 {
-    return {{"count", problem.count}, {"places", problem.places}};
+    Json places = Json::array();
+    for (const TessaryMesh::Problem::Place& place : problem.places)
+        places.push_back(place.text);
+    return {{"count", problem.count}, {"places", places}};
 }
 
 void addShape(const TessaryMesh::MeshShape& shape, Json& facts)

@@ -1,7 +1,9 @@
 #include "Session.h"
 
-#include <mesh/base/Cancelled.h>
-#include <mesh/check/Validate.h>
+#include "Advice.h"
+
+#include <TessaryMesh/Check.h>
+#include <TessaryMesh/Errors.h>
 #include <mesh/files/MeshFile.h>
 #include <mesh/files/OutputFile.h>
 #include <tbb/global_control.h>
@@ -133,9 +135,12 @@ ExitCode Session::runGuarded(const std::function<ExitCode()>& verb)
         return failWith(ExitCode::Usage,
                         std::string(error.what()) + " (see tessary " + m_verb + " --help)");
     } catch (const TessaryMesh::FileError& error) {
-        return failWith(ExitCode::File, error.what());
+        return failWith(ExitCode::File, lineOf(error));
     } catch (const TessaryMesh::InvalidMesh& error) {
-        return failWith(ExitCode::InvalidMesh, error.what());
+        const std::string line = lineOf(error, m_verb);
+        return failWith(ExitCode::InvalidMesh, error.name().empty() ? named(line) : line);
+    } catch (const TessaryMesh::OutOfMemory& error) {
+        return failWith(ExitCode::File, error.name().empty() ? named(error.what()) : error.what());
     } catch (const std::bad_alloc&) {
         return failWith(ExitCode::File,
                         named("needs more memory than there is (use a smaller mesh)"));

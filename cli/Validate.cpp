@@ -1,8 +1,9 @@
+#include "Advice.h"
 #include "Options.h"
 #include "Verbs.h"
 
+#include <TessaryMesh/Check.h>
 #include <mesh/check/EdgePlaces.h>
-#include <mesh/check/Validate.h>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -18,26 +19,34 @@ const char* severityName(Problem::Severity severity)
     return severity == Problem::Severity::Error ? "error" : "warning";
 }
 
+Json placesOf(const Problem& problem)
+{
+    Json places = Json::array();
+    for (const Problem::Place& place : problem.places)
+        places.push_back(place.text);
+    return places;
+}
+
 Json factsOf(const Problem& problem)
 {
     return {{"severity", severityName(problem.severity)},
-            {"kind", problem.kind},
+            {"kind", problem.code},
             {"message", problem.message},
             {"count", problem.count},
-            {"places", problem.places},
-            {"advice", problem.advice}};
+            {"places", placesOf(problem)},
+            {"advice", adviceOn(problem, "validate")}};
 }
 
 std::string textOf(const std::string& file, const Problem& problem)
 {
     std::string text = file + ": " + severityName(problem.severity) + ": " +
-                       std::to_string(problem.count) + " " + problem.message + " [" + problem.kind +
+                       std::to_string(problem.count) + " " + problem.message + " [" + problem.code +
                        "]\n";
-    for (const std::string& place : problem.places)
-        text += "    " + place + "\n";
+    for (const Problem::Place& place : problem.places)
+        text += "    " + place.text + "\n";
     if (problem.places.size() < problem.count && !problem.places.empty())
         text += "    ...\n";
-    return text + "    what to do: " + problem.advice + "\n";
+    return text + "    what to do: " + adviceOn(problem, "validate") + "\n";
 }
 
 ExitCode validate(const std::string& path, Session& session)

@@ -11,6 +11,8 @@
 namespace TessaryMesh {
 namespace {
 
+using Element = Problem::Element;
+
 constexpr std::size_t kMostSides = 4;  // of one edge
 
 std::string edgeName(uint a, uint b)
@@ -42,7 +44,7 @@ Finding findDiagonals(const Object& mesh)
 {
     Finding finding{Problem::Severity::Warning, "diagonal-direction",
                     "inner edges of faces split into triangles that run as another edge does",
-                    "split these faces another way before tessary adjacency or quads"};
+                    "split these faces another way"};
     const MeshArrays arrays(mesh);
     for (const SameDirection& edge : sameDirectionOfTriangles(arrays)) {
         const auto side = [&arrays](uint corner) {
@@ -50,7 +52,7 @@ Finding findDiagonals(const Object& mesh)
         };
         const auto one = side(edge.corner), other = side(edge.another);
         if (one.faceVertex == kNone || other.faceVertex == kNone)
-            finding.add([&] {
+            finding.add(Element::Face, one.face, [&] {
                 return edgeName(edge.start, edge.end) + ": face " + str(one.face) + " and face " +
                        str(other.face) + " run the same way";
             });
@@ -63,12 +65,13 @@ Finding findDiagonals(const Object& mesh)
 void EdgePlaces::add(const PolygonEdge& edge)
 {
     if (const EdgeSide* const side = edge.firstSameDirection())
-        m_sameDirection.add([&] {
+        m_sameDirection.add(Element::Corner, side[0].corner, [&] {
             return edgeName(edge.smaller, edge.larger) + ": " + m_edges.cornerName(side[0].corner) +
                    " and " + m_edges.cornerName(side[1].corner) + " run the same way";
         });
     if (edge.faceCount() > 2 && !edge.isLoop())
-        m_nonManifold.add([&] { return sidesText(m_edges, edge); });
+        m_nonManifold.add(Element::Corner, edge.first->corner,
+                          [&] { return sidesText(m_edges, edge); });
 }
 
 std::vector<Problem> edgeWarnings(const Object& mesh)

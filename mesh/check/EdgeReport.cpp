@@ -4,7 +4,7 @@
 
 #include "base/Host.h"
 #include "check/PolygonEdges.h"
-#include "check/Validate.h"
+#include <TessaryMesh/Check.h>
 
 namespace TessaryMesh {
 namespace {
@@ -52,12 +52,14 @@ void rejectSameDirection(const Array<uint>& faceOffset, const EdgeReport& report
     std::string places;
     for (const SameDirection& edge : report.first)
         places += (places.empty() ? "" : ", ") + placeOf(faceOffset, edge);
-    throw InvalidMesh(name, Problem{Problem::Severity::Error,
-                                    "same-direction",
-                                    "edges along which two faces run in one direction",
-                                    report.count,
-                                    {places},
-                                    advice});
+    throw InvalidMesh(
+        name,
+        ValidationReport{{Problem{Problem::Severity::Error,
+                                  "same-direction",
+                                  "edges along which two faces run in one direction",
+                                  report.count,
+                                  {{places, Problem::Element::Corner, report.first.front().corner}},
+                                  advice}}});
 }
 
 Array<uint> separatedTriEdges(const Array<uint>& triFaceVertex, std::size_t pointCount)

@@ -1,4 +1,4 @@
-#include "check/MeshShape.h"
+#include <TessaryMesh/Check.h>
 
 #include "base/Host.h"
 #include "check/EdgePlaces.h"

@@ -1,4 +1,4 @@
-#include "check/Validate.h"
+#include <TessaryMesh/Check.h>
 
 #include "base/Host.h"
 #include "check/ValidateParts.h"
@@ -10,6 +10,8 @@
 
 namespace TessaryMesh {
 namespace {
+
+using Element = Problem::Element;
 
 constexpr std::size_t kBlock = 1024;
 constexpr uint kPairwiseFaceSize = 8;  // up to here comparing each with each is the quickest
@@ -68,10 +70,11 @@ void checkOffsets(const Topology& mesh, ValidationReport& report)
         wrong.add(
             [] { return std::string("the list of offsets, which is empty and should hold a 0"); });
     else if (offset[0] != 0)
-        wrong.add([&] { return "face 0, which starts at corner " + str(offset[0]) + ", not 0"; });
+        wrong.add(Element::Face, 0,
+                  [&] { return "face 0, which starts at corner " + str(offset[0]) + ", not 0"; });
     for (std::size_t face = 0; face < mesh.faceCount(); ++face)
         if (offset[face + 1] < offset[face])
-            wrong.add([&] {
+            wrong.add(Element::Face, face, [&] {
                 return "face " + str(face) + ", which starts at corner " + str(offset[face]) +
                        " and ends at " + str(offset[face + 1]);
             });
@@ -90,7 +93,7 @@ void checkFaceSizes(const Topology& mesh, ValidationReport& report)
     const Array<uint>& offset = *mesh.faceOffset;
     for (std::size_t face = 0; face < mesh.faceCount(); ++face)
         if (offset[face + 1] >= offset[face] && offset[face + 1] - offset[face] < 3)
-            small.add([&] {
+            small.add(Element::Face, face, [&] {
                 return "face " + str(face) + ", which has " + str(offset[face + 1] - offset[face]);
             });
     small.addTo(report);
@@ -118,7 +121,7 @@ void checkCorners(const Topology& mesh, ValidationReport& report)
                           "add the missing points or correct the faces");
     for (std::size_t corner = 0; corner < corners.size(); ++corner)
         if (corners[corner] >= pointCount)
-            wrong.add([&] {
+            wrong.add(Element::Corner, corner, [&] {
                 return cornerName(mesh, corner) + ", which names point " + str(corners[corner]) +
                        " of " + str(pointCount);
             });
@@ -154,7 +157,7 @@ void checkPoints(const Array<float3>& points, ValidationReport& report)
             continue;
         for (std::size_t point = block; point < end; ++point)
             if (const float3& p = points[point]; !isFinite(p))
-                wrong.add([&] {
+                wrong.add(Element::Point, point, [&] {
                     return "point " + str(point) + " (" + std::to_string(p.x) + " " +
                            std::to_string(p.y) + " " + std::to_string(p.z) + ")";
                 });
@@ -223,7 +226,7 @@ private:
 
     void add(std::size_t face, uint corner)
     {
-        m_repeated.add([&] {
+        m_repeated.add(Problem::Element::Corner, corner, [&] {
             return "corner " + str(corner) + " of face " + str(face) + ", which names point " +
                    str((*m_mesh.faceVertex)[corner]) + " again";
         });
@@ -255,31 +258,7 @@ bool isTooLarge(const Topology& mesh, ValidationReport& report)
     return true;
 }
 
-std::string times(std::uint64_t count)
-{
-    return count == 1 ? "once" : str(count) + " times";
-}
-
 }  // namespace
-
-bool ValidationReport::hasErrors() const
-{
-    return std::any_of(problems.begin(), problems.end(), [](const Problem& problem) {
-        return problem.severity == Problem::Severity::Error;
-    });
-}
-
-std::string ValidationReport::firstError() const
-{
-    for (const Problem& problem : problems)
-        if (problem.severity == Problem::Severity::Error)
-            return problem.message +
-                   (problem.places.empty()
-                        ? ""
-                        : " (" + times(problem.count) + "), first at " + problem.places.front()) +
-                   "; " + problem.advice;
-    return {};
-}
 
 ValidationReport validateMesh(const Object& mesh)
 {
@@ -295,13 +274,5 @@ ValidationReport validateMesh(const Object& mesh)
     RepeatedCorners(topology).check(report);
     return report;
 }
-
-InvalidMesh::InvalidMesh(const std::string& file, ValidationReport report)
-    : std::runtime_error(file + ": " + report.firstError()), m_report(std::move(report))
-{}
-
-InvalidMesh::InvalidMesh(const std::string& file, Problem problem)
-    : InvalidMesh(file, ValidationReport{{std::move(problem)}})
-{}
 
 }  // namespace TessaryMesh

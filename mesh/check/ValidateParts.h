@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Host.h"
-#include "check/Validate.h"
+#include <TessaryMesh/Check.h>
 
 #include <cstdint>
 #include <string>
@@ -17,15 +17,23 @@ inline std::string str(std::uint64_t number)
 /// Collects one kind of problem; only the first few places are put into words.
 class Finding {
 public:
-    Finding(Problem::Severity severity, const char* kind, const char* message, const char* advice)
-        : m_problem{severity, kind, message, 0, {}, advice}
+    Finding(Problem::Severity severity, const char* code, const char* message, const char* advice)
+        : m_problem{severity, code, message, 0, {}, advice}
     {}
 
+    /// One more, at the element `index`; `describe` says it in words.
+    template <class Describe>
+    void add(Problem::Element element, std::uint64_t index, Describe&& describe)
+    {
+        if (m_problem.count++ < kMostPlaces)
+            m_problem.places.push_back({describe(), element, index});
+    }
+
+    /// One more, at no point, corner or face.
     template <class Describe>
     void add(Describe&& describe)
     {
-        if (m_problem.count++ < kMostPlaces)
-            m_problem.places.push_back(describe());
+        add(Problem::Element::None, 0, describe);
     }
 
     const Problem& problem() const { return m_problem; }
@@ -42,9 +50,9 @@ private:
     Problem m_problem;
 };
 
-inline Finding error(const char* kind, const char* message, const char* advice)
+inline Finding error(const char* code, const char* message, const char* advice)
 {
-    return {Problem::Severity::Error, kind, message, advice};
+    return {Problem::Severity::Error, code, message, advice};
 }
 
 /// How many indices name no value.

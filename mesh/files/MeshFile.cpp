@@ -2,11 +2,11 @@
 
 #include "base/Host.h"
 #include "base/MessageText.h"
-#include "check/Validate.h"
 #include "files/OutputFile.h"
 #include "files/ReadFile.h"
 #include "files/obj/Obj.h"
 #include "files/ply/Ply.h"
+#include <TessaryMesh/Check.h>
 
 #include <algorithm>
 #include <new>

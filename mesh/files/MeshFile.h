@@ -1,9 +1,10 @@
 #pragma once
 
+#include <TessaryMesh/Errors.h>
+
 #include "base/Host.h"
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,13 +17,6 @@ namespace TessaryMesh {
 class OutputFile;
 
 enum class MeshFormat { Obj, PlyBinary, PlyAscii, PlyBinaryBigEndian };
-
-/// A file that cannot be read or written. what() is one line: the file, the line or byte, what was
-/// found, what to do.
-class FileError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 struct MeshRead {
     MutablePtr<Object> mesh;

@@ -29,7 +29,7 @@ constexpr int kTemporaryNames = 1000;
 
 [[noreturn]] void failToReplace(const std::string& path)
 {
-    fail(path, "exists already; name another file or replace it with --force");
+    throw FileError(FileError::Code::Exists, path, path + ": exists already; name another file");
 }
 
 std::string folderOf(const std::string& path)

@@ -1,9 +1,9 @@
 #include "files/ReadFile.h"
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
 #include "base/MessageText.h"
 #include "files/MeshFile.h"
+#include <TessaryMesh/Errors.h>
 
 #include <fcntl.h>
 #include <poll.h>

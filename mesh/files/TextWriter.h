@@ -1,8 +1,8 @@
 #pragma once
 
-#include "base/Cancelled.h"
 #include "files/NumberText.h"
 #include "files/OutputFile.h"
+#include <TessaryMesh/Errors.h>
 
 #include <cstring>
 #include <memory>

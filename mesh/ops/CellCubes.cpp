@@ -1,7 +1,7 @@
 #include "ops/Voxels.h"
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
+#include <TessaryMesh/Errors.h>
 
 #include <stdexcept>
 

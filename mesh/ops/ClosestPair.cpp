@@ -1,7 +1,7 @@
 #include "ops/ClosestPair.h"
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
+#include <TessaryMesh/Errors.h>
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_reduce.h>

@@ -2,14 +2,14 @@
 
 #include <Tessary/Topology.h>
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "check/EdgeReport.h"
-#include "check/Validate.h"
 #include "ops/Creases.h"
 #include "ops/CutPoints.h"
 #include "ops/QuadProperties.h"
+#include <TessaryMesh/Check.h>
+#include <TessaryMesh/Errors.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -56,13 +56,14 @@ void rejectTooLarge(const Topology& mesh, const std::string& name)
     const std::uint64_t points = mesh.points->size();
     if (corners + points <= kMost)
         return;
-    throw InvalidMesh(name, Problem{Problem::Severity::Error,
-                                    "too-large",
-                                    "more corners than indices of a quad mesh can name",
-                                    1,
-                                    {"a mesh of " + std::to_string(points) + " points and " +
-                                     std::to_string(corners / 3) + " triangles"},
-                                    "split the mesh into parts"});
+    throw InvalidMesh(
+        name, ValidationReport{{Problem{Problem::Severity::Error,
+                                        "too-large",
+                                        "more corners than indices of a quad mesh can name",
+                                        1,
+                                        {{"a mesh of " + std::to_string(points) + " points and " +
+                                          std::to_string(corners / 3) + " triangles"}},
+                                        "split the mesh into parts"}}});
 }
 
 // Returns how many edges had to be split.

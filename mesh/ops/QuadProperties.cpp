@@ -3,11 +3,11 @@
 #include <Tessary/CutMesh.h>
 #include <Tessary/Topology.h>
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "base/MessageText.h"
 #include "ops/SeamCorners.h"
+#include <TessaryMesh/Errors.h>
 
 #include <algorithm>
 #include <set>

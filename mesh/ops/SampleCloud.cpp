@@ -1,11 +1,11 @@
 #include "ops/SampleCloud.h"
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
 #include "base/MessageText.h"
 #include "base/PropertyKinds.h"
 #include "base/Scalars.h"
 #include "base/Vectors.h"
+#include <TessaryMesh/Errors.h>
 
 #include <tbb/parallel_for.h>
 #include <algorithm>

@@ -4,14 +4,14 @@
 #include <Tessary/Primitives.h>
 #include <Tessary/Sampling.h>
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
 #include "base/MachineMemory.h"
 #include "base/MeshArrays.h"
 #include "base/Vectors.h"
-#include "check/Validate.h"
 #include "files/MeshFile.h"
 #include "ops/CountSearch.h"
+#include <TessaryMesh/Check.h>
+#include <TessaryMesh/Errors.h>
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_reduce.h>
@@ -38,7 +38,8 @@ constexpr double kCandidatesPerSample = 11.25;  // measured on smooth surfaces
 [[noreturn]] void reject(const std::string& name, const char* kind, const char* message,
                          const char* advice)
 {
-    throw InvalidMesh(name, Problem{Problem::Severity::Error, kind, message, 1, {}, advice});
+    throw InvalidMesh(
+        name, ValidationReport{{Problem{Problem::Severity::Error, kind, message, 1, {}, advice}}});
 }
 
 std::string text(double number)

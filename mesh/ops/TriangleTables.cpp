@@ -2,12 +2,12 @@
 
 #include <Tessary/Topology.h>
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "check/EdgeReport.h"
 #include "files/TextWriter.h"
 #include "files/npz/Npz.h"
+#include <TessaryMesh/Errors.h>
 
 namespace TessaryMesh {
 namespace {

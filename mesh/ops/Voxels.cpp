@@ -2,10 +2,10 @@
 
 #include <Tessary/Primitives.h>
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "ops/RowBounds.h"
+#include <TessaryMesh/Errors.h>
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>

@@ -2,8 +2,7 @@
 
 #include <tests/support/MeshBuilding.h>
 
-#include <mesh/check/MeshShape.h>
-#include <mesh/check/Validate.h>
+#include <TessaryMesh/Check.h>
 #include <mesh/ops/DemoMesh.h>
 
 #include <algorithm>

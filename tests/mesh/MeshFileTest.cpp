@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <support/MeshBuilding.h>
 
-#include <mesh/check/Validate.h>
+#include <TessaryMesh/Check.h>
 #include <mesh/files/OutputFile.h>
 
 #include "MeshFiles.h"

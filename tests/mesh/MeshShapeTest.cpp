@@ -1,4 +1,4 @@
-#include <mesh/check/MeshShape.h>
+#include <TessaryMesh/Check.h>
 
 #include <gtest/gtest.h>
 #include <support/TriangleMeshes.h>
@@ -54,23 +54,38 @@ TEST(MeshShape, ClosedMeshesWithoutAGenusAreToldWhy)
     EXPECT_EQ(turned.nonManifoldPoints, 0u);
 }
 
+// "corner 7: its text" for each place.
+Strings placesOf(const TessaryMesh::Problem& problem)
+{
+    Strings places;
+    for (const auto& place : problem.places) {
+        const bool isFace = place.element == TessaryMesh::Problem::Element::Face;
+        places.push_back((isFace ? "face " : "corner ") + std::to_string(place.index) + ": " +
+                         place.text);
+    }
+    return places;
+}
+
 TEST(EdgeWarnings, NameFacesAndCornersOfThePolygons)
 {
     const auto mesh = meshOf(7, {{0, 1, 2, 3}, {1, 2, 4}, {2, 1, 5}, {1, 2, 6}});
     const auto warnings = TessaryMesh::edgeWarnings(*mesh);
     ASSERT_EQ(warnings.size(), 2u);
-    EXPECT_EQ(warnings[0].kind, "same-direction");
-    EXPECT_EQ(warnings[0].places,
-              Strings{"edge 1-2: corner 1 of face 0 and corner 4 of face 1 run the same way"});
-    EXPECT_EQ(warnings[1].kind, "non-manifold-edge");
-    EXPECT_EQ(warnings[1].places, Strings{"edge 1-2: corner 1 of face 0, corner 4 of face 1, "
-                                          "corner 7 of face 2, corner 10 of face 3"});
+    EXPECT_EQ(warnings[0].code, "same-direction");
+    EXPECT_EQ(placesOf(warnings[0]),
+              Strings{"corner 1: edge 1-2: corner 1 of face 0 and corner 4 of face 1 run the same "
+                      "way"});
+    EXPECT_EQ(warnings[1].code, "non-manifold-edge");
+    EXPECT_EQ(placesOf(warnings[1]),
+              Strings{"corner 1: edge 1-2: corner 1 of face 0, corner 4 of face 1, "
+                      "corner 7 of face 2, corner 10 of face 3"});
 
     // The diagonal 0-2 of the quad beside a triangle that runs from 2 to 0 before it.
     const auto diagonal = TessaryMesh::edgeWarnings(*meshOf(5, {{2, 0, 4}, {0, 1, 2, 3}}));
     ASSERT_EQ(diagonal.size(), 1u);
-    EXPECT_EQ(diagonal[0].kind, "diagonal-direction");
-    EXPECT_EQ(diagonal[0].places, Strings{"edge 0-2: face 0 and face 1 run the same way"});
+    EXPECT_EQ(diagonal[0].code, "diagonal-direction");
+    EXPECT_EQ(placesOf(diagonal[0]),
+              Strings{"face 0: edge 0-2: face 0 and face 1 run the same way"});
 }
 
 // Every edge by the corners that start there, in order.

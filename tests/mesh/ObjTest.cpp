@@ -4,7 +4,7 @@
 #include <support/Cancellation.h>
 #include <support/MeshBuilding.h>
 
-#include <mesh/check/Validate.h>
+#include <TessaryMesh/Check.h>
 
 #include <cmath>
 #include <random>

@@ -69,8 +69,7 @@ TEST(OutputFile, SaysWhatIsWrongWithAName)
 {
     const Folder folder;
     const BadName cases[] = {
-        {folder.file("a.obj", "old"),
-         ": exists already; name another file or replace it with --force"},
+        {folder.file("a.obj", "old"), ": exists already; name another file"},
         {folder / "missing/a.obj", ": its folder does not exist; create it first"},
         {folder / "", ": is a folder; name a file in it"},
         {"/dev/full", ": cannot be written: No space left on device"},

@@ -3,7 +3,7 @@
 #include <tests/mesh/PlyFiles.h>
 #include <tests/support/MeshBuilding.h>
 
-#include <mesh/check/Validate.h>
+#include <TessaryMesh/Check.h>
 
 #include <sys/resource.h>
 

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 #include <support/TriangleMeshes.h>
 
+#include <TessaryMesh/Check.h>
 #include <mesh/check/EdgeReport.h>
-#include <mesh/check/Validate.h>
 #include <mesh/ops/Creases.h>
 
 #include <algorithm>

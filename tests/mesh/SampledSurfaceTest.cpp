@@ -1,7 +1,7 @@
 #include "support/MeshBuilding.h"
 #include "support/Messages.h"
 
-#include <mesh/check/Validate.h>
+#include <TessaryMesh/Check.h>
 #include <mesh/files/MeshFile.h>
 #include <mesh/ops/CountSearch.h>
 #include <mesh/ops/SampledSurface.h>

@@ -1,4 +1,4 @@
-#include <mesh/check/Validate.h>
+#include <TessaryMesh/Check.h>
 
 #include <gtest/gtest.h>
 #include <support/MeshBuilding.h>
@@ -27,8 +27,8 @@ std::string summary(const Object& mesh)
 {
     std::string text;
     for (const Problem& problem : validateMesh(mesh).problems)
-        text += problem.kind + " x" + std::to_string(problem.count) + ": " + problem.places.at(0) +
-                "\n";
+        text += problem.code + " x" + std::to_string(problem.count) + ": " +
+                problem.places.at(0).text + "\n";
     return text;
 }
 
@@ -36,7 +36,7 @@ TEST(Validate, FindsNothingWrongWithSoundMeshes)
 {
     EXPECT_EQ(summary(*meshOf(6, {{0, 1, 2, 3}, {3, 2, 5}})), "");
     EXPECT_EQ(summary(*meshOf(0, {})), "");
-    EXPECT_EQ(validateMesh(*meshOf(3, {{0, 1, 2}})).firstError(), "");
+    EXPECT_EQ(validateMesh(*meshOf(3, {{0, 1, 2}})).firstError(), nullptr);
 }
 
 TEST(Validate, NamesEachKindOfBadTopology)
@@ -151,7 +151,7 @@ TEST(Validate, CountsRepeatedCornersOfFacesOfAnySize)
     const auto report =
         validateMesh(*meshOfArrays(polygons.faceOffset, polygons.faceVertex, polygons.pointCount));
     ASSERT_EQ(report.problems.size(), 1u);
-    EXPECT_EQ(report.problems[0].kind, "repeated-corner");
+    EXPECT_EQ(report.problems[0].code, "repeated-corner");
     EXPECT_EQ(report.problems[0].count, expected);
     EXPECT_FALSE(report.hasErrors());
 }

@@ -1,8 +1,8 @@
 #include "files/npz/Npz.h"
 
-#include "base/Cancelled.h"
 #include "files/MeshFile.h"
 #include "files/OutputFile.h"
+#include <TessaryMesh/Errors.h>
 
 #include <algorithm>
 #include <array>

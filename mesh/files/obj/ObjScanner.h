@@ -1,8 +1,8 @@
 #pragma once
 
-#include "base/Cancelled.h"
 #include "files/MeshFile.h"
 #include "files/NumberText.h"
+#include <TessaryMesh/Errors.h>
 
 #include <cstdint>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/Cancelled.h"
 #include "files/MeshFile.h"
+#include <TessaryMesh/Errors.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,8 +1,8 @@
 #include "files/ply/PlyRows.h"
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
 #include "base/MessageText.h"
+#include <TessaryMesh/Errors.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,9 +1,9 @@
 #include "files/ply/PlyRows.h"
 
-#include "base/Cancelled.h"
 #include "base/Host.h"
 #include "base/MessageText.h"
 #include "files/NumberText.h"
+#include <TessaryMesh/Errors.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,0 @@
-#pragma once
-
-namespace TessaryMesh {
-
-/// Ends long work with the exception that a cancelled job ends with.
-void throwIfCancelled();
-
-}  // namespace TessaryMesh

@@ -1,0 +1,12 @@
+#pragma once
+
+/// Marks what the mesh library exports.
+#if defined(_WIN32)
+#ifdef tessary_mesh_EXPORTS
+#define TESSARY_MESH_API __declspec(dllexport)
+#else
+#define TESSARY_MESH_API __declspec(dllimport)
+#endif
+#else
+#define TESSARY_MESH_API __attribute__((visibility("default")))
+#endif

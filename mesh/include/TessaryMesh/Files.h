@@ -1,0 +1,106 @@
+#pragma once
+
+#include <Korvane/Object.h>
+#include <TessaryMesh/Errors.h>
+#include <TessaryMesh/NamedArrays.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Mesh files to and from host objects, keeping polygons of any size, the order of points, corners
+/// and faces, and every attribute. What each format holds, and under which property names, stands in
+/// the pages of the documentation.
+namespace TessaryMesh {
+
+/// A format of files, one of a fixed list.
+struct Format {
+    std::string_view name;    ///< "obj", "ply-ascii"
+    std::string_view title;   ///< for people: "Wavefront OBJ"
+    std::string_view ending;  ///< ".obj"; empty for a variant that no ending tells
+    bool readsMeshes;
+    bool writesMeshes;
+    bool writesClouds;  ///< points with values and without faces
+    bool writesArrays;  ///< see writeArrays()
+};
+
+/// All formats. The references stay as long as the program runs.
+TESSARY_MESH_API const std::vector<const Format*>& formats();
+
+/// The format of that name; null where there is none.
+TESSARY_MESH_API const Format* findFormat(std::string_view name);
+
+/// The format that a file name's ending asks for, in upper or lower case; null where none does.
+TESSARY_MESH_API const Format* formatOfName(std::string_view path);
+
+struct MeshRead {
+    Pelon::MutablePtr<Korvane::Object> mesh;
+    const Format* format;
+    std::vector<std::string> warnings;  ///< one line each: what the file has and the mesh has not
+};
+
+/// Reads a mesh file, "-" meaning standard input, and validates it.
+///
+/// The format is recognised by the content, not by the name. Throws FileError for a file that cannot
+/// be read or parsed, OutOfMemory, InvalidMesh for a mesh with errors, Cancelled.
+TESSARY_MESH_API MeshRead readMesh(const std::string& path);
+
+/// The same without validation, for callers that want to look at the mesh's errors themselves.
+TESSARY_MESH_API MeshRead readMeshUnchecked(const std::string& path);
+
+/// A file that appears under its name only when it is complete.
+///
+/// Bytes go to a temporary name in the same folder; commit() renames it into place. Without
+/// commit() the temporary is removed and an existing file stays as it was. A file that is replaced
+/// hands on its permissions, and a symbolic link stays one: what it points to is replaced. "-" is
+/// standard output; that, devices and pipes are written straight through. Every operation throws
+/// FileError where the system refuses.
+class TESSARY_MESH_API OutputFile {
+public:
+    /// With `overwrite` false an existing file is an error.
+    OutputFile(std::string path, bool overwrite);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    const std::string& path() const { return m_path; }
+
+    void write(const void* bytes, std::size_t count);
+    void write(std::string_view text) { write(text.data(), text.size()); }
+
+    /// Flushes and renames into place.
+    void commit();
+
+private:
+    void openTemporary(unsigned permissions);
+    void close();
+
+    std::string m_path;
+    std::string m_target;     // what the temporary becomes
+    std::string m_temporary;  // empty where bytes go straight through, and after commit()
+    bool m_overwrite;
+    int m_descriptor = -1;
+};
+
+/// Writes the mesh, or a point cloud without face arrays, into `output`, which the caller commits.
+///
+/// Returns a warning line for each thing that the format cannot hold. Throws InvalidMesh for a mesh
+/// with errors, FileError where the format does not write such an object or the system refuses,
+/// OutOfMemory, Cancelled.
+TESSARY_MESH_API std::vector<std::string> writeMesh(const Korvane::Object& mesh,
+                                                    const Format& format, OutputFile& output);
+
+/// The same into a file of that name, by the format of its ending.
+TESSARY_MESH_API std::vector<std::string> saveMesh(const Korvane::Object& mesh,
+                                                   const std::string& path, bool overwrite = false);
+
+/// Writes arrays of numbers under their names: as .npz, for NumPy, or as a JSON object of lists, rows
+/// as lists of their own, in which null stands for the index 0xFFFFFFFF.
+///
+/// Throws FileError where the format does not write arrays, the file would be larger than the format
+/// can number, or the system refuses; Cancelled.
+TESSARY_MESH_API void writeArrays(const NamedArrays& arrays, const Format& format,
+                                  OutputFile& output);
+
+}  // namespace TessaryMesh
