@@ -2,7 +2,8 @@
 #include "MeshFacts.h"
 #include "Verbs.h"
 
-#include <mesh/ops/TriangleTables.h>
+#include <TessaryMesh/Files.h>
+#include <TessaryMesh/Operations.h>
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -32,17 +33,18 @@ std::size_t boundaryCount(const Pelon::Array<Pelon::uint>& triEdges)
 ExitCode adjacency(const FileOptions& options, Session& session)
 {
     Conversion conversion(options, session);
-    const TessaryMesh::TriangleTables tables = conversion.run(
-        "adjacency", "finding neighbours",
-        [&] { return TessaryMesh::makeTriangleTables(conversion.mesh(), options.input); });
+    const TessaryMesh::TriangleTables tables =
+        conversion.run("adjacency", "finding neighbours",
+                       [&] { return TessaryMesh::makeTriangleTables(conversion.mesh()); });
     conversion.write([&](TessaryMesh::OutputFile& output) -> std::vector<std::string> {
-        conversion.format() == "npz" ? writeNpz(tables, output) : writeJson(tables, output);
+        const TessaryMesh::Format& format = *TessaryMesh::findFormat(conversion.format());
+        TessaryMesh::writeArrays(tables.arrays(), format, output);
         return {};
     });
     const Json facts = {{"before", countsOf(conversion.mesh())},
-                        {"triangles", tables.faceVertex.size() / 3},
-                        {"edges", tables.triEdges.size() / 2},
-                        {"boundary_edges", boundaryCount(tables.triEdges)}};
+                        {"triangles", tables.faceVertex->size() / 3},
+                        {"edges", tables.triEdges->size() / 2},
+                        {"boundary_edges", boundaryCount(*tables.triEdges)}};
     return conversion.report(facts, facts["triangles"].dump() + " triangles, " +
                                         facts["edges"].dump() + " edges, " +
                                         facts["boundary_edges"].dump() + " of them boundaries");

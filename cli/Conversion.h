@@ -11,7 +11,6 @@
 
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -29,7 +28,7 @@ public:
     const std::string& format() const { return m_format; }
 
     /// Runs one part of the work. `part` names it in the report, `what` in the progress line. What
-    /// does not fit the mesh (std::invalid_argument) was asked for on the command line.
+    /// does not fit the mesh (TessaryMesh::ArgumentError) was asked for on the command line.
     template <class Work>
     auto run(const char* part, const std::string& what, const Work& work)
     {
@@ -54,7 +53,7 @@ private:
     {
         try {
             return work();
-        } catch (const std::invalid_argument& error) {
+        } catch (const TessaryMesh::ArgumentError& error) {
             throw UsageError(m_inputPath + ": " + error.what());
         }
     }

@@ -3,12 +3,8 @@
 #include "Options.h"
 #include "Verbs.h"
 
+#include <TessaryMesh/Operations.h>
 #include <mesh/files/OutputFile.h>
-#include <mesh/ops/DemoMesh.h>
-#include <mesh/ops/QuadMesh.h>
-#include <mesh/ops/SampleCloud.h>
-#include <mesh/ops/SampledSurface.h>
-#include <mesh/ops/TriangulateMesh.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -43,7 +39,7 @@ TessaryMesh::SurfaceSamples samplesOf(const Object& mesh, Steps& steps)
 {
     TessaryMesh::SurfaceSamples samples;
     steps.run("poissonSampleTriMesh", [&] {
-        const TessaryMesh::SampledSurface surface(mesh, "demo");
+        const TessaryMesh::SampledSurface surface(mesh);
         samples = surface.sample(0.02f * surface.boundingRadius(), 0);
         char distance[32];
         std::snprintf(distance, sizeof distance, "%.4g", double{samples.distance});
@@ -59,7 +55,7 @@ Pelon::Ptr<Object> carry(const std::string& name, const Object& mesh, Session& s
 {
     Pelon::Ptr<Object> made;
     steps.run(name, [&] {
-        auto result = make(mesh, TessaryMesh::carriedPropertyNames(mesh));
+        auto result = make(mesh);
         session.warn(result.warnings);
         made = result.mesh;
         return countsText(*made) + "; " + joined(carriedNames(*made));
@@ -72,10 +68,9 @@ Pelon::Ptr<Object> sampleCloudOf(const Object& mesh, Session& session, Steps& st
     const TessaryMesh::SurfaceSamples samples = samplesOf(mesh, steps);
     Pelon::Ptr<Object> cloud;
     steps.run("sample", [&] {
-        auto result =
-            TessaryMesh::makeSampleCloud(mesh, samples, TessaryMesh::carriedPropertyNames(mesh));
+        auto result = TessaryMesh::makeSampleCloud(mesh, samples);
         session.warn(result.warnings);
-        cloud = result.cloud;
+        cloud = result.mesh;
         return std::to_string(samples.count()) + " points; " + joined(carriedNames(*cloud));
     });
     return cloud;
@@ -98,12 +93,10 @@ void write(const Object& mesh, const std::filesystem::path& file, Session& sessi
 void makeAndWrite(const Object& mesh, const std::filesystem::path& folder, Session& session,
                   Steps& steps)
 {
-    const auto triangles =
-        carry("triangulatePolyMesh", mesh, session, steps, TessaryMesh::triangulateMesh);
-    const auto quads =
-        carry("quads", mesh, session, steps, [](const Object& of, const auto& names) {
-            return TessaryMesh::makeQuadMesh(of, "demo", names, {});
-        });
+    const auto triangles = carry("triangulatePolyMesh", mesh, session, steps,
+                                 [](const Object& of) { return TessaryMesh::triangulate(of); });
+    const auto quads = carry("quads", mesh, session, steps,
+                             [](const Object& of) { return TessaryMesh::makeQuads(of); });
     const auto samples = sampleCloudOf(mesh, session, steps);
     write(mesh, folder / "demo.obj", session, steps);
     write(mesh, folder / "demo.ply", session, steps);

@@ -3,10 +3,7 @@
 #include <Korvane/ElementTypes.h>
 #include <Korvane/Geometry.h>
 #include <TessaryMesh/Check.h>
-#include <mesh/base/MeshArrays.h>
-#include <mesh/base/PropertyKinds.h>
-#include <mesh/base/Vectors.h>
-#include <mesh/ops/TriangulateMesh.h>
+#include <TessaryMesh/Operations.h>
 
 #include <algorithm>
 #include <charconv>
@@ -49,49 +46,28 @@ Json boundingBox(const Array<float3>& points)
     return {{"min", vectorOf(low)}, {"max", vectorOf(high)}};
 }
 
-// Exact for planar faces, concave ones too.
-double areaOf(const Array<float3>& points, const Array<uint>& faceOffset,
-              const Array<uint>& faceVertex)
+Json orNull(const std::string& text)
 {
-    double area = 0;
-    for (std::size_t f = 1; f < faceOffset.size(); ++f)
-        area +=
-            TessaryMesh::length(TessaryMesh::areaVector(
-                points, faceVertex.data() + faceOffset[f - 1], faceOffset[f] - faceOffset[f - 1])) /
-            2;
-    return area;
+    return text.empty() ? Json() : Json(text);
 }
 
-std::string componentWord(const String& component)
+// "points", "corners" and "faces"; other components by their names.
+std::string componentWord(const std::string& component)
 {
-    const std::string element = TessaryMesh::elementWord(component);
-    return element.empty() ? component.c_str() : element + "s";
-}
-
-Json factsOfProperty(const Object& mesh, const String& name)
-{
-    const Any data = getDataGeoProperty(mesh, name)->getProperty(sData);
-    Json type = nullptr, values = nullptr;
-    Korvane::visitArray(data, [&](const auto& array, const char* typeName) {
-        type = typeName;
-        values = array->size();
-    });
-    const Array<String> chain = getTargetChain(mesh, name);
-    const String component = getTargetComponent(mesh, name);
-    return {{"name", name.c_str()},
-            {"type", type},
-            {"component", componentWord(component)},
-            {"through", chain.empty() ? Json() : Json(chain[0].c_str())},
-            {"elements", getElementCount(mesh, component)},
-            {"values", values}};
+    const bool isElement = component == "point" || component == "corner" || component == "face";
+    return isElement ? component + "s" : component;
 }
 
 Json propertiesOf(const Object& mesh)
 {
     Json properties = Json::array();
-    for (const String& name : mesh.propertyNames())
-        if (getDataGeoProperty(mesh, name) && !TessaryMesh::isTopology(name))
-            properties.push_back(factsOfProperty(mesh, name));
+    for (const TessaryMesh::PropertyFacts& facts : TessaryMesh::propertiesOf(mesh))
+        properties.push_back({{"name", facts.name},
+                              {"type", orNull(facts.type)},
+                              {"component", componentWord(facts.component)},
+                              {"through", orNull(facts.through)},
+                              {"elements", facts.elements},
+                              {"values", facts.type.empty() ? Json() : Json(facts.values)}});
     return properties;
 }
 
@@ -193,12 +169,13 @@ Json carriedNames(const Object& mesh)
 
 Json factsOf(const Object& mesh)
 {
-    const TessaryMesh::MeshArrays arrays(mesh);
+    const auto points = dataArray<float3>(mesh, sPointPosition);
+    const auto faceOffset = dataArray<uint>(mesh, sFaceOffset);
     Json facts = countsOf(mesh);
-    facts["polygon_sizes"] = polygonSizes(*arrays.faceOffset);
+    facts["polygon_sizes"] = faceOffset ? polygonSizes(*faceOffset) : Json::object();
     addShape(TessaryMesh::shapeOf(mesh), facts);
-    facts["bounding_box"] = boundingBox(*arrays.points);
-    facts["area"] = areaOf(*arrays.points, *arrays.faceOffset, *arrays.faceVertex);
+    facts["bounding_box"] = points ? boundingBox(*points) : Json();
+    facts["area"] = TessaryMesh::areaOf(mesh);
     facts["properties"] = propertiesOf(mesh);
     facts["values"] = ownValues(mesh);
     return facts;

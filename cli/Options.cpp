@@ -1,6 +1,6 @@
 #include "Options.h"
 
-#include <mesh/ops/TriangulateMesh.h>
+#include <TessaryMesh/Operations.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -148,15 +148,14 @@ std::optional<MeshFormat> meshFormatOf(const std::string& name)
     return std::nullopt;
 }
 
-Pelon::Array<Pelon::String> selectProperties(const Korvane::Object& mesh,
-                                             const std::string& selection)
+TessaryMesh::Carry selectProperties(const Korvane::Object& mesh, const std::string& selection)
 {
-    Pelon::Array<Pelon::String> present = TessaryMesh::carriedPropertyNames(mesh);
     if (selection.empty() || selection == "all")
-        return present;
-    Pelon::Array<Pelon::String> selected;
+        return TessaryMesh::Carry::all();
     if (selection == "none")
-        return selected;
+        return TessaryMesh::Carry::none();
+    const Pelon::Array<Pelon::String> present = TessaryMesh::carriedPropertyNames(mesh);
+    Pelon::Array<Pelon::String> selected;
     std::istringstream list(selection);
     for (std::string name; std::getline(list, name, ',');) {
         if (std::find(present.begin(), present.end(), Pelon::String(name)) == present.end())
@@ -164,7 +163,7 @@ Pelon::Array<Pelon::String> selectProperties(const Korvane::Object& mesh,
                              "\"; it has: " + namesOf(present));
         selected.push_back(name);
     }
-    return selected;
+    return TessaryMesh::Carry(std::move(selected));
 }
 
 TessaryMesh::MeshRead readInput(Session& session, const std::string& path)

@@ -4,8 +4,7 @@
 #include "Verbs.h"
 
 #include <Korvane/Object.h>
-#include <Pelon/Array.h>
-#include <Pelon/String.h>
+#include <TessaryMesh/Operations.h>
 #include <mesh/files/MeshFile.h>
 
 #include <optional>
@@ -55,8 +54,7 @@ std::optional<TessaryMesh::MeshFormat> meshFormatOf(const std::string& name);
 
 /// The properties of `mesh` that "all", "none" or "a,b" selects. Throws UsageError for a name that
 /// the mesh lacks.
-Pelon::Array<Pelon::String> selectProperties(const Korvane::Object& mesh,
-                                             const std::string& selection);
+TessaryMesh::Carry selectProperties(const Korvane::Object& mesh, const std::string& selection);
 
 /// Reads and validates the verb's input; warnings of the reader become the session's.
 TessaryMesh::MeshRead readInput(Session& session, const std::string& path);

@@ -2,7 +2,8 @@
 #include "MeshFacts.h"
 #include "Verbs.h"
 
-#include <mesh/ops/QuadMesh.h>
+#include <TessaryMesh/Files.h>
+#include <TessaryMesh/Operations.h>
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -36,14 +37,30 @@ std::string summary(const Json& facts)
            (split == 0 ? "" : ", " + split.dump() + " split") + "; " + carriedText(facts);
 }
 
+// A PLY file's list of each face is one of corners once the file's header says so.
+TessaryMesh::QuadResult quadsOf(const Korvane::Object& mesh, const Options& options)
+{
+    try {
+        return TessaryMesh::makeQuads(mesh, options.quads,
+                                      selectProperties(mesh, options.properties));
+    } catch (const TessaryMesh::ArgumentError& error) {
+        const std::string line =
+            TessaryMesh::plyCornerDeclaration(mesh, options.quads.creaseProperty);
+        if (error.argument() != "creaseProperty" || line.empty())
+            throw;
+        throw TessaryMesh::ArgumentError(
+            error.argument(), std::string(error.what()) +
+                                  " (the list becomes that behind the PLY header line \"" + line +
+                                  "\")");
+    }
+}
+
 ExitCode quads(const Options& options, Session& session)
 {
     Conversion conversion(options, session);
     const Korvane::Object& mesh = conversion.mesh();
-    const TessaryMesh::QuadMesh result = conversion.run("quads", "making quads", [&] {
-        return TessaryMesh::makeQuadMesh(mesh, options.input,
-                                         selectProperties(mesh, options.properties), options.quads);
-    });
+    const TessaryMesh::QuadResult result = conversion.run(
+        "quads", "making quads", [&] { return quadsOf(conversion.mesh(), options); });
     session.warn(result.warnings);
     conversion.write(*result.mesh);
     const Json facts = {{"before", countsOf(mesh)},

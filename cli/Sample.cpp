@@ -2,12 +2,10 @@
 #include "MeshFacts.h"
 #include "Verbs.h"
 
+#include <TessaryMesh/Operations.h>
 #include <mesh/base/MessageText.h>
 #include <mesh/files/NumberText.h>
 #include <mesh/files/npz/CloudArrays.h>
-#include <mesh/ops/ClosestPair.h>
-#include <mesh/ops/SampleCloud.h>
-#include <mesh/ops/SampledSurface.h>
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -131,31 +129,29 @@ ExitCode sample(const Options& options, Session& session)
     check(options);
     Conversion conversion(options, session);
     const Korvane::Object& mesh = conversion.mesh();
-    const auto names = selectProperties(mesh, options.properties);
-    const SampledSurface surface = conversion.run("prepare", "measuring", [&] {
-        return SampledSurface(mesh, TessaryMesh::inputName(options.input));
-    });
+    const TessaryMesh::Carry carry = selectProperties(mesh, options.properties);
+    const SampledSurface surface =
+        conversion.run("prepare", "measuring", [&] { return SampledSurface(mesh); });
     const SurfaceSamples samples =
         conversion.run("sample", "sampling", [&] { return samplesOf(surface, options); });
     warnAbout(surface, samples, options, session);
-    const TessaryMesh::SampleCloud result =
-        conversion.run("properties", "carrying properties", [&] {
-            const bool withPlaces = conversion.format() != "obj";  // which has no room for them
-            return TessaryMesh::makeSampleCloud(mesh, samples, names, withPlaces);
-        });
+    const TessaryMesh::Result result = conversion.run("properties", "carrying properties", [&] {
+        const bool withPlaces = conversion.format() != "obj";  // which has no room for them
+        return TessaryMesh::makeSampleCloud(mesh, samples, carry, withPlaces);
+    });
     session.warn(result.warnings);
     const auto smallest = conversion.run("distances", "measuring distances", [&] {
         return TessaryMesh::smallestDistance(*samples.positions, samples.distance);
     });
     if (conversion.format() == "npz")
         conversion.write([&](TessaryMesh::OutputFile& output) {
-            return TessaryMesh::writeCloudNpz(*result.cloud, output);
+            return TessaryMesh::writeCloudNpz(*result.mesh, output);
         });
     else
-        conversion.write(*result.cloud);
+        conversion.write(*result.mesh);
     Json facts = {{"before", countsOf(mesh)}};
     facts.update(factsOf(options, surface, samples, smallest));
-    facts["properties"] = carriedNames(*result.cloud);
+    facts["properties"] = carriedNames(*result.mesh);
     return conversion.report(facts, summary(facts));
 }
 

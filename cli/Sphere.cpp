@@ -2,8 +2,8 @@
 #include "Options.h"
 #include "Verbs.h"
 
+#include <Korvane/Geometry.h>
 #include <Tessary/Primitives.h>
-#include <mesh/base/MeshArrays.h>
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -16,7 +16,8 @@ ExitCode sphere(const std::string& path, Session& session)
 {
     const TessaryMesh::MeshRead input = readInput(session, path);
     session.beginStage("measuring");
-    const auto points = TessaryMesh::MeshArrays(*input.mesh).points;
+    const auto points = Korvane::Geometry::dataArray<Korvane::Math::float3>(
+        *input.mesh, Korvane::Geometry::sPointPosition);
     const Tessary::Sphere found = Tessary::computeBoundingSphere(*points);
     if (points->empty())
         session.warn("there are no points, so the sphere is the origin");

@@ -2,7 +2,7 @@
 #include "MeshFacts.h"
 #include "Verbs.h"
 
-#include <mesh/ops/TriangulateMesh.h>
+#include <TessaryMesh/Operations.h>
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -41,10 +41,9 @@ ExitCode triangulate(const Options& options, Session& session)
 {
     Conversion conversion(options, session);
     const Object& mesh = conversion.mesh();
-    const TessaryMesh::TriangulatedMesh result =
-        conversion.run("triangulate", "triangulating", [&] {
-            return TessaryMesh::triangulateMesh(mesh, selectProperties(mesh, options.properties));
-        });
+    const TessaryMesh::Result result = conversion.run("triangulate", "triangulating", [&] {
+        return TessaryMesh::triangulate(mesh, selectProperties(mesh, options.properties));
+    });
     session.warn(result.warnings);
     conversion.write(*result.mesh);
     const Json facts = {{"before", countsOf(mesh)},

@@ -3,7 +3,6 @@
 #include "Verbs.h"
 
 #include <TessaryMesh/Check.h>
-#include <mesh/check/EdgePlaces.h>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>

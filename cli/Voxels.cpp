@@ -1,8 +1,8 @@
 #include "Conversion.h"
 #include "Verbs.h"
 
+#include <TessaryMesh/Operations.h>
 #include <mesh/files/npz/Npz.h>
-#include <mesh/ops/Voxels.h>
 
 #include <CLI/CLI.hpp>
 #include <memory>

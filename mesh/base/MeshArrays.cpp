@@ -1,10 +1,9 @@
 #include "base/MeshArrays.h"
 
 #include <Tessary/Triangulation.h>
+#include <TessaryMesh/Errors.h>
 
 #include "base/Host.h"
-
-#include <stdexcept>
 
 namespace TessaryMesh {
 namespace {
@@ -24,11 +23,21 @@ MeshArrays::MeshArrays(const Object& mesh)
       faceVertex(arrayOr<uint>(mesh, Geometry::sFaceVertex, {}))
 {}
 
+void rejectFaces()
+{
+    throw InvalidMesh(Problem{Problem::Severity::Error,
+                              "small-face",
+                              "the mesh has faces that cannot be triangulated",
+                              1,
+                              {},
+                              "validate it"});
+}
+
 Array<uint> fanTriangles(const Array<uint>& faceOffset, const Array<uint>& faceVertex)
 {
     Array<uint> triFaceOffset, triFaceVertex;
     if (!Tessary::computeTriangulation(faceOffset, faceVertex, triFaceOffset, triFaceVertex))
-        throw std::invalid_argument("the mesh has faces that cannot be triangulated; validate it");
+        rejectFaces();
     return triFaceVertex;
 }
 

@@ -17,8 +17,11 @@ struct MeshArrays {
     Ptr<Array<uint>> faceOffset, faceVertex;
 };
 
-/// The points of the corners of the fan triangles. Throws std::invalid_argument where a face has
-/// fewer than three corners.
+/// Throws InvalidMesh for a mesh that has faces of fewer than three corners.
+[[noreturn]] void rejectFaces();
+
+/// The points of the corners of the fan triangles. Throws InvalidMesh where a face has fewer than
+/// three corners.
 Array<uint> fanTriangles(const Array<uint>& faceOffset, const Array<uint>& faceVertex);
 
 }  // namespace TessaryMesh

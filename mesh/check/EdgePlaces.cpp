@@ -1,7 +1,9 @@
 #include "check/EdgePlaces.h"
 
 #include <Tessary/HalfEdge.h>
+#include <TessaryMesh/Check.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "check/EdgeReport.h"
@@ -76,15 +78,17 @@ void EdgePlaces::add(const PolygonEdge& edge)
 
 std::vector<Problem> edgeWarnings(const Object& mesh)
 {
-    const PolygonEdges edges(mesh);
-    EdgePlaces places(edges);
-    edges.forEach([&places](const PolygonEdge& edge) { places.add(edge); });
-    std::vector<Problem> warnings;
-    for (const Problem& problem :
-         {places.sameDirection(), places.nonManifold(), findDiagonals(mesh).problem()})
-        if (problem.count > 0)
-            warnings.push_back(problem);
-    return warnings;
+    return guarded([&] {
+        const PolygonEdges edges(mesh);
+        EdgePlaces places(edges);
+        edges.forEach([&places](const PolygonEdge& edge) { places.add(edge); });
+        std::vector<Problem> warnings;
+        for (const Problem& problem :
+             {places.sameDirection(), places.nonManifold(), findDiagonals(mesh).problem()})
+            if (problem.count > 0)
+                warnings.push_back(problem);
+        return warnings;
+    });
 }
 
 }  // namespace TessaryMesh

@@ -44,22 +44,19 @@ EdgeReport findSameDirectionEdges(const Array<uint>& triFaceVertex, std::size_t 
     return report;
 }
 
-void rejectSameDirection(const Array<uint>& faceOffset, const EdgeReport& report,
-                         const std::string& name, const char* advice)
+void rejectSameDirection(const Array<uint>& faceOffset, const EdgeReport& report)
 {
     if (report.count == 0)
         return;
     std::string places;
     for (const SameDirection& edge : report.first)
         places += (places.empty() ? "" : ", ") + placeOf(faceOffset, edge);
-    throw InvalidMesh(
-        name,
-        ValidationReport{{Problem{Problem::Severity::Error,
-                                  "same-direction",
-                                  "edges along which two faces run in one direction",
-                                  report.count,
-                                  {{places, Problem::Element::Corner, report.first.front().corner}},
-                                  advice}}});
+    throw InvalidMesh(Problem{Problem::Severity::Error,
+                              "same-direction",
+                              "edges along which two faces run in one direction",
+                              report.count,
+                              {{places, Problem::Element::Corner, report.first.front().corner}},
+                              "turn one of the faces round or give it points of its own"});
 }
 
 Array<uint> separatedTriEdges(const Array<uint>& triFaceVertex, std::size_t pointCount)

@@ -33,13 +33,11 @@ EdgeReport findSameDirectionEdges(const Array<uint>& triFaceVertex, std::size_t 
                                   std::size_t most = 5);
 
 /// Throws InvalidMesh, with the first places in words of the polygon mesh, where there are such
-/// edges. `name` stands for the mesh in the message.
+/// edges.
 ///
 /// in     faceOffset     face count + 1 offsets of the polygon mesh
 /// in     report         what findSameDirectionEdges said about its fan triangles
-/// in     advice         what to do about it
-void rejectSameDirection(const Array<uint>& faceOffset, const EdgeReport& report,
-                         const std::string& name, const char* advice);
+void rejectSameDirection(const Array<uint>& faceOffset, const EdgeReport& report);
 
 /// The edge table of computeTriEdges for any mesh: half-edges that follow each other in one direction
 /// are listed as boundaries, each by itself.

@@ -1,5 +1,6 @@
 #include <TessaryMesh/Check.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "check/EdgePlaces.h"
 #include "check/PolygonEdges.h"
@@ -136,8 +137,10 @@ private:
 
 MeshShape shapeOf(const Object& mesh)
 {
-    const PolygonEdges edges(mesh);
-    return Measurement(edges).measure();
+    return guarded([&] {
+        const PolygonEdges edges(mesh);
+        return Measurement(edges).measure();
+    });
 }
 
 }  // namespace TessaryMesh

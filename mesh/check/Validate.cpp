@@ -1,5 +1,6 @@
 #include <TessaryMesh/Check.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "check/ValidateParts.h"
 
@@ -262,17 +263,19 @@ bool isTooLarge(const Topology& mesh, ValidationReport& report)
 
 ValidationReport validateMesh(const Object& mesh)
 {
-    ValidationReport report;
-    const Topology topology = findTopology(mesh, report);
-    if (report.hasErrors() || isTooLarge(topology, report))
+    return guarded([&] {
+        ValidationReport report;
+        const Topology topology = findTopology(mesh, report);
+        if (report.hasErrors() || isTooLarge(topology, report))
+            return report;
+        checkOffsets(topology, report);
+        checkFaceSizes(topology, report);
+        checkCorners(topology, report);
+        checkPoints(*topology.points, report);
+        checkProperties(mesh, report);
+        RepeatedCorners(topology).check(report);
         return report;
-    checkOffsets(topology, report);
-    checkFaceSizes(topology, report);
-    checkCorners(topology, report);
-    checkPoints(*topology.points, report);
-    checkProperties(mesh, report);
-    RepeatedCorners(topology).check(report);
-    return report;
+    });
 }
 
 }  // namespace TessaryMesh

@@ -1,19 +1,18 @@
-#include "ops/Voxels.h"
+#include <TessaryMesh/Operations.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
-#include <TessaryMesh/Errors.h>
-
-#include <stdexcept>
 
 namespace TessaryMesh {
+namespace {
 
-MutablePtr<Object> makeCubes(const Array<Cell>& cells, double cellSize)
+MutablePtr<Object> cubesOf(const Array<Cell>& cells, double cellSize)
 {
     // Point 4 x + 2 y + z of a cube is the one at these ends of its axes.
     constexpr uint kFaces[6][4] = {{0, 1, 3, 2}, {4, 6, 7, 5}, {0, 4, 5, 1},
                                    {2, 3, 7, 6}, {0, 2, 6, 4}, {1, 5, 7, 3}};
     if (cells.size() > 0xFFFFFFFFu / 24)
-        throw std::invalid_argument("more cubes than a mesh of 32-bit indices holds");
+        throw ArgumentError("cells", "more cubes than a mesh of 32-bit indices holds");
     Array<float3> points(8 * cells.size());
     Array<uint> offsets(6 * cells.size() + 1);
     Array<uint> corners(24 * cells.size());
@@ -32,6 +31,13 @@ MutablePtr<Object> makeCubes(const Array<Cell>& cells, double cellSize)
     for (std::size_t f = 0; f < offsets.size(); ++f)
         offsets[f] = static_cast<uint>(4 * f);
     return Geometry::makeMesh(std::move(points), std::move(offsets), std::move(corners));
+}
+
+}  // namespace
+
+MutablePtr<Object> makeCubes(const Array<Cell>& cells, double cellSize)
+{
+    return guarded([&] { return cubesOf(cells, cellSize); });
 }
 
 }  // namespace TessaryMesh

@@ -1,7 +1,7 @@
-#include "ops/ClosestPair.h"
+#include <TessaryMesh/Operations.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
-#include <TessaryMesh/Errors.h>
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_reduce.h>
@@ -100,9 +100,7 @@ private:
     std::vector<float3> m_points;
 };
 
-}  // namespace
-
-std::optional<double> smallestDistance(const Array<float3>& points, double guess)
+std::optional<double> nearestPair(const Array<float3>& points, double guess)
 {
     if (points.size() < 2)
         return std::nullopt;
@@ -115,6 +113,13 @@ std::optional<double> smallestDistance(const Array<float3>& points, double guess
         if (nearest <= 0.999 * cell)
             return nearest;
     }
+}
+
+}  // namespace
+
+std::optional<double> smallestDistance(const Array<float3>& points, double guess)
+{
+    return guarded([&] { return nearestPair(points, guess); });
 }
 
 }  // namespace TessaryMesh

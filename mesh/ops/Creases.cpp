@@ -1,14 +1,15 @@
 #include "ops/Creases.h"
 
+#include <TessaryMesh/Errors.h>
+
 #include "base/Host.h"
 #include "base/MessageText.h"
 #include "base/PropertyKinds.h"
 #include "base/Vectors.h"
-#include "files/ply/PlyNames.h"
+#include "ops/FanParents.h"
 
 #include <cmath>
 #include <limits>
-#include <stdexcept>
 
 namespace TessaryMesh {
 namespace {
@@ -79,25 +80,10 @@ std::string kindOf(const Object& mesh, const std::string& name)
            (isMeshComponent(component) ? elementWord(component) + "s" : quoted(component.view()));
 }
 
-[[noreturn]] void reject(const std::string& name, const std::string& what,
-                         const std::string& advice = "")
+[[noreturn]] void reject(const std::string& name, const std::string& what)
 {
-    throw std::invalid_argument("crease property " + quoted(name) + " " + what +
-                                "; expected a bool, uchar or float for each corner" + advice);
-}
-
-// A list of each face is one of corners once the file's header says so.
-std::string adviceFor(const Object& mesh, const std::string& name)
-{
-    const auto component = getTargetComponent(mesh, name);
-    const char* const type = dataArray<float>(mesh, name)           ? "float"
-                             : dataArray<unsigned char>(mesh, name) ? "uchar"
-                                                                    : nullptr;
-    if (!type || component != name + Ply::kListComponentEnding)
-        return "";
-    const std::string word = Ply::encodedName(name);
-    return " (the list becomes that behind the PLY header line \"comment property corner " +
-           (type + (" " + word)) + " " + word + "\")";
+    throw ArgumentError("creaseProperty", "crease property " + quoted(name) + " " + what +
+                                              "; expected a bool, uchar or float for each corner");
 }
 
 template <class T>
@@ -119,8 +105,8 @@ bool readCreases(const TriangulatedView& view, const Object& mesh, const std::st
 Array<bool> creasesByAngle(const TriangulatedView& mesh, const Array<float3>& points,
                            double degrees)
 {
-    Array<uint> faceOf(mesh.triFaceVertex.size() / 3);
-    forEachTriangle(mesh.faceOffset, [&](uint face, uint triangle) { faceOf[triangle] = face; });
+    const Ptr<Array<uint>> faces = facesOfTriangles(mesh.faceOffset);
+    const Array<uint>& faceOf = *faces;
     Array<double3> normals(mesh.faceOffset.size() - 1);
     for (uint face = 0; face < normals.size(); ++face) {
         const uint first = mesh.faceOffset[face];
@@ -152,7 +138,7 @@ Array<bool> creasesByProperty(const TriangulatedView& view, const Object& mesh,
     if (!isPlainCorner || !(readCreases<bool>(view, mesh, name, creases) ||
                             readCreases<unsigned char>(view, mesh, name, creases) ||
                             readCreases<float>(view, mesh, name, creases)))
-        reject(name, "is " + kindOf(mesh, name), adviceFor(mesh, name));
+        reject(name, "is " + kindOf(mesh, name));
     return creases;
 }
 

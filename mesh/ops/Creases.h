@@ -23,7 +23,7 @@ Array<bool> creasesByAngle(const TriangulatedView& mesh, const Array<float3>& po
                            double degrees);
 
 /// Creases the half-edges whose polygon corner has the value true, a number other than 0 (uchar), or
-/// a weight below the largest finite float. Throws std::invalid_argument, which says what was
+/// a weight below the largest finite float. Throws ArgumentError, which says what was
 /// expected, where `name` is no property of one of these types with a value for each corner.
 Array<bool> creasesByProperty(const TriangulatedView& view, const Object& mesh,
                               const std::string& name);

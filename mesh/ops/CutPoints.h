@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Host.h"
-#include "ops/QuadMesh.h"
+#include <TessaryMesh/Operations.h>
 
 namespace TessaryMesh {
 

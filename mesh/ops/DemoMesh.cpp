@@ -1,12 +1,12 @@
-#include "ops/DemoMesh.h"
+#include <TessaryMesh/Operations.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "base/Vectors.h"
 
 #include <cmath>
 #include <initializer_list>
 #include <iterator>
-#include <stdexcept>
 #include <vector>
 
 namespace TessaryMesh {
@@ -294,14 +294,13 @@ void addPlain(Object& mesh, const String& name, const String& component, Array<T
                                     makeMutable<Array<T>>(std::move(values)));
 }
 
-}  // namespace
-
-MutablePtr<Object> makeDemoMesh(uint resolution)
+MutablePtr<Object> demoMeshOf(uint resolution)
 {
     if (resolution < kSmallest || resolution > kLargest)
-        throw std::invalid_argument("the demo mesh has a resolution of " +
-                                    std::to_string(kSmallest) + " to " + std::to_string(kLargest) +
-                                    ", not " + std::to_string(resolution));
+        throw ArgumentError("resolution", "the demo mesh has a resolution of " +
+                                              std::to_string(kSmallest) + " to " +
+                                              std::to_string(kLargest) + ", not " +
+                                              std::to_string(resolution));
     const Torus torus(resolution);
     FaceList faces(torus);
     MutablePtr<Object> mesh =
@@ -312,6 +311,13 @@ MutablePtr<Object> makeDemoMesh(uint resolution)
     addIndexed(*mesh, "texcoord", "texcoord_index", torus.uvs(), std::move(faces.uvs));
     addIndexed(*mesh, "normal", "normal_index", torus.normals(), std::move(faces.normals));
     return mesh;
+}
+
+}  // namespace
+
+MutablePtr<Object> makeDemoMesh(uint resolution)
+{
+    return guarded([&] { return demoMeshOf(resolution); });
 }
 
 }  // namespace TessaryMesh

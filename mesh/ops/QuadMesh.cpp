@@ -1,18 +1,17 @@
-#include "ops/QuadMesh.h"
+#include <TessaryMesh/Operations.h>
 
 #include <Tessary/Topology.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "check/EdgeReport.h"
 #include "ops/Creases.h"
 #include "ops/CutPoints.h"
+#include "ops/FanParents.h"
 #include "ops/QuadProperties.h"
-#include <TessaryMesh/Check.h>
-#include <TessaryMesh/Errors.h>
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace TessaryMesh {
 namespace {
@@ -34,47 +33,45 @@ struct Topology : MeshArrays {
 
 void checkOptions(const QuadOptions& options)
 {
-    const auto expect = [](bool holds, const char* what) {
+    const auto expect = [](bool holds, const char* option, const char* what) {
         if (!holds)
-            throw std::invalid_argument(what);
+            throw ArgumentError(option, what);
     };
     const auto isShare = [](float share) { return share >= 0 && share <= 1; };
     const double angle = options.creaseAngle.value_or(0);
     const float* const inner = options.innerWeights;
-    expect(angle >= 0 && angle <= 180, "the crease angle is outside 0 to 180 degrees");
-    expect(isShare(options.edgeWeight), "the edge weight is outside 0 to 1");
-    expect(isShare(inner[0]) && isShare(inner[1]) && isShare(inner[2]),
+    expect(angle >= 0 && angle <= 180, "creaseAngle",
+           "the crease angle is outside 0 to 180 degrees");
+    expect(isShare(options.edgeWeight), "edgeWeight", "the edge weight is outside 0 to 1");
+    expect(isShare(inner[0]) && isShare(inner[1]) && isShare(inner[2]), "innerWeights",
            "an inner weight is outside 0 to 1");
-    expect(isShare(options.gap), "the gap is outside 0 to 1");
+    expect(isShare(options.gap), "gap", "the gap is outside 0 to 1");
 }
 
 // Two bits of the codes that place the new points are taken.
-void rejectTooLarge(const Topology& mesh, const std::string& name)
+void rejectTooLarge(const Topology& mesh)
 {
     constexpr std::uint64_t kMost = (std::uint64_t{1} << 30) - 1;
     const std::uint64_t corners = mesh.triFaceVertex.size();
     const std::uint64_t points = mesh.points->size();
     if (corners + points <= kMost)
         return;
-    throw InvalidMesh(
-        name, ValidationReport{{Problem{Problem::Severity::Error,
-                                        "too-large",
-                                        "more corners than indices of a quad mesh can name",
-                                        1,
-                                        {{"a mesh of " + std::to_string(points) + " points and " +
-                                          std::to_string(corners / 3) + " triangles"}},
-                                        "split the mesh into parts"}}});
+    throw InvalidMesh(Problem{Problem::Severity::Error,
+                              "too-large",
+                              "more corners than indices of a quad mesh can name",
+                              1,
+                              {{"a mesh of " + std::to_string(points) + " points and " +
+                                std::to_string(corners / 3) + " triangles"}},
+                              "split the mesh into parts"});
 }
 
 // Returns how many edges had to be split.
-std::uint64_t findEdges(Topology& mesh, const std::string& name, bool splitEdges)
+std::uint64_t findEdges(Topology& mesh, bool splitEdges)
 {
     const std::size_t points = mesh.points->size();
     const EdgeReport report = findSameDirectionEdges(mesh.triFaceVertex, points, 3);
     if (!splitEdges)
-        rejectSameDirection(
-            *mesh.faceOffset, report, name,
-            "turn one of the faces round, give it points of its own, or use --split-edges");
+        rejectSameDirection(*mesh.faceOffset, report);
     if (report.count == 0)
         Tessary::computeTriEdges(mesh.triFaceVertex, mesh.triEdges);
     else
@@ -138,36 +135,58 @@ Array<uint> quadOffsets(std::size_t cornerCount)
     return offsets;
 }
 
-}  // namespace
+// Quad 3t + k lies around corner k of triangle t.
+ParentMaps parentsOf(const Topology& mesh)
+{
+    const Ptr<Array<uint>> faces = facesOfTriangles(*mesh.faceOffset);
+    ParentMaps parents;
+    parents.corner = cornersOfTriangles(*mesh.faceOffset);
+    const auto face = makeMutable<Array<uint>>(parents.corner->size());
+    const auto triangle = makeMutable<Array<uint>>(parents.corner->size());
+    for (std::size_t quad = 0; quad < face->size(); ++quad) {
+        (*triangle)[quad] = static_cast<uint>(quad / 3);
+        (*face)[quad] = (*faces)[quad / 3];
+    }
+    parents.face = face;
+    parents.triangle = triangle;
+    return parents;
+}
 
-QuadMesh makeQuadMesh(const Object& mesh, const std::string& name,
-                      const Array<String>& propertyNames, const QuadOptions& options)
+QuadResult quadsOf(const Object& mesh, const QuadOptions& options, const Carry& carry)
 {
     checkOptions(options);
-    QuadMesh result;
+    QuadResult result;
     Topology topology(mesh);
     const std::size_t pointCount = topology.points->size();
-    rejectTooLarge(topology, name);
-    result.splitEdges = findEdges(topology, name, options.splitEdges);
+    rejectTooLarge(topology);
+    result.splitEdges = findEdges(topology, options.splitEdges);
     topology.pointCount = Tessary::computeQuadMesh(
         topology.triFaceVertex, topology.triEdges, creasesOf(topology, mesh, options),
         static_cast<uint>(pointCount), topology.quadFaceVertex);
     throwIfCancelled();
     const CutPoints cut = cutPointsOf(topology.triFaceVertex, topology.quadFaceVertex, pointCount,
                                       topology.pointCount, options);
-    QuadProperties properties(mesh, propertyNames);
+    QuadProperties properties(mesh, carry);
     properties.interpolate(cut);
     Array<float3> positions = properties.takePositions();
     openGaps(topology, cut, options.gap, positions);
 
-    result.edges = static_cast<uint>(topology.triEdges.size() / 2);
+    result.edges = topology.triEdges.size() / 2;
     forEachCrease(topology, [&result](uint, uint, uint) { ++result.creasedEdges; });
+    result.parents = parentsOf(topology);
     Array<uint> offsets = quadOffsets(topology.quadFaceVertex.size());
     result.mesh =
         makeMesh(std::move(positions), std::move(offsets), std::move(topology.quadFaceVertex));
     properties.addTo(*result.mesh);
     result.warnings = properties.warnings();
     return result;
+}
+
+}  // namespace
+
+QuadResult makeQuads(const Object& mesh, const QuadOptions& options, const Carry& carry)
+{
+    return guarded([&] { return quadsOf(mesh, options, carry); });
 }
 
 }  // namespace TessaryMesh

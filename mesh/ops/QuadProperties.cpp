@@ -5,7 +5,6 @@
 
 #include "base/Host.h"
 #include "base/MeshArrays.h"
-#include "base/MessageText.h"
 #include "ops/SeamCorners.h"
 #include <TessaryMesh/Errors.h>
 
@@ -91,31 +90,18 @@ std::size_t valueCountOf(const Object& mesh, const String& name)
 
 }  // namespace
 
-QuadProperties::QuadProperties(const Object& mesh, const Array<String>& names)
-    : m_mesh(mesh), m_result(Korvane::createObject())
+QuadProperties::QuadProperties(const Object& mesh, const Carry& carry)
+    : m_mesh(mesh),
+      m_plan(planProperties(mesh, carry, Onto::Quads)),
+      m_result(Korvane::createObject())
 {
-    for (const String& name : mesh.propertyNames())
-        if (std::find(names.begin(), names.end(), name) != names.end())
-            plan(name);
-}
-
-void QuadProperties::plan(const String& name)
-{
-    if (name == sRenderSettings) {
-        m_hasRenderSettings = true;
-        return;
+    for (const CarriedProperty& property : m_plan.carried) {
+        if (property.kind != CarriedProperty::Kind::Values)
+            continue;
+        const std::string number = std::to_string(m_carried.size());
+        m_carried.push_back(
+            {property, "v" + number, property.range.empty() ? String() : String("r" + number)});
     }
-    if (!getDataGeoProperty(m_mesh, name) || isTopology(name))
-        return;
-    const auto found = findElementProperty(m_mesh, name);
-    if (!found) {
-        m_warnings.push_back("property " + quoted(name.view()) +
-                             " does not follow onto quads and is left out");
-        return;
-    }
-    const std::string number = std::to_string(m_carried.size());
-    m_carried.push_back(
-        {*found, "v" + number, found->range.empty() ? String() : String("r" + number)});
 }
 
 // The stage's property has a default of its values' type, which the kernel asks for.
@@ -209,11 +195,9 @@ String QuadProperties::rangeNameFor(const Carried& carried, const Object& quads)
 
 void QuadProperties::addTo(Object& quads) const
 {
-    for (const String& name : m_mesh.propertyNames())
-        if (isOwnValue(m_mesh, name))
-            quads.setProperty(name, m_mesh.getProperty(name));
-    if (m_hasRenderSettings)
-        quads.setProperty(sRenderSettings, m_mesh.getProperty(sRenderSettings));
+    for (const CarriedProperty& property : m_plan.carried)
+        if (property.kind != CarriedProperty::Kind::Values)
+            quads.setProperty(property.name, m_mesh.getProperty(property.name));
     for (const Carried& carried : m_carried) {
         const auto property =
             makeMutable<Object>(*getDataGeoProperty(*m_result, carried.stageName));

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Host.h"
-#include "base/PropertyKinds.h"
 #include "ops/CutPoints.h"
+#include "ops/PropertyPlan.h"
 
 #include <string>
 #include <vector>
@@ -17,8 +17,8 @@ namespace TessaryMesh {
 /// are handed to it as corners of different points.
 class QuadProperties {
 public:
-    /// `mesh` has no errors; of `names` those that the mesh has are carried.
-    QuadProperties(const Object& mesh, const Array<String>& names);
+    /// `mesh` has no errors.
+    QuadProperties(const Object& mesh, const Carry& carry);
 
     /// Makes the values for all points, faces and corners of the quads.
     void interpolate(const CutPoints& cut);
@@ -30,7 +30,7 @@ public:
     void addTo(Object& quads) const;
 
     /// One line per property that cannot be carried.
-    const std::vector<std::string>& warnings() const { return m_warnings; }
+    const std::vector<std::string>& warnings() const { return m_plan.warnings; }
 
 private:
     struct Carried : ElementProperty {
@@ -38,17 +38,15 @@ private:
         String stageRange;
     };
 
-    void plan(const String& name);
     void stage(const Carried& carried, const Array<uint>* indices, Object& source) const;
     void interpolateSeparately(const CutPoints& cut);
     void interpolateCornersOf(const String& range, const CutPoints& cut);
     String rangeNameFor(const Carried& carried, const Object& quads) const;
 
     const Object& m_mesh;
-    std::vector<Carried> m_carried;
-    bool m_hasRenderSettings = false;
+    PropertyPlan m_plan;
+    std::vector<Carried> m_carried;  // the values of elements
     MutablePtr<Object> m_result;
-    std::vector<std::string> m_warnings;
 };
 
 }  // namespace TessaryMesh

@@ -1,11 +1,12 @@
-#include "ops/SampleCloud.h"
+#include <TessaryMesh/Operations.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MessageText.h"
-#include "base/PropertyKinds.h"
 #include "base/Scalars.h"
 #include "base/Vectors.h"
-#include <TessaryMesh/Errors.h>
+#include "ops/FanParents.h"
+#include "ops/PropertyPlan.h"
 
 #include <tbb/parallel_for.h>
 #include <algorithm>
@@ -59,13 +60,10 @@ public:
           m_samples(samples),
           m_faceIds(makeMutable<Array<uint>>(samples.count()))
     {
-        Array<uint> faceOfTriangle(m_corner->size() - 2 * (m_offset->size() - 1));
-        for (uint face = 0; face + 1 < m_offset->size(); ++face)
-            for (uint t = firstTriangle(face); t < firstTriangle(face + 1); ++t)
-                faceOfTriangle[t] = face;
-        Array<uint>& ids = *m_faceIds;
-        forEach(ids.size(),
-                [&](std::size_t i) { ids[i] = faceOfTriangle[(*samples.triangleIds)[i]]; });
+        const Ptr<Array<uint>> faces = facesOfTriangles(*m_offset);
+        uint* const ids = m_faceIds->data();
+        forEach(samples.count(),
+                [&](std::size_t i) { ids[i] = (*faces)[(*samples.triangles)[i]]; });
     }
 
     std::size_t count() const { return m_faceIds->size(); }
@@ -76,7 +74,7 @@ public:
     uint corner(std::size_t i, uint k) const
     {
         const uint face = (*m_faceIds)[i];
-        const uint inFan = (*m_samples.triangleIds)[i] - firstTriangle(face);
+        const uint inFan = (*m_samples.triangles)[i] - firstTriangle(face);
         return (*m_offset)[face] + (k == 0 ? 0 : inFan + k);
     }
 
@@ -167,62 +165,53 @@ Ptr<Array<float3>> normals(const Object& mesh, const Places& places)
 
 class CloudMaker {
 public:
-    CloudMaker(const Object& mesh, const SurfaceSamples& samples, const Array<String>& names,
+    CloudMaker(const Object& mesh, const SurfaceSamples& samples, const Carry& carry,
                bool withPlaces)
-        : m_mesh(mesh), m_names(names), m_places(mesh, samples), m_cloud(Korvane::createObject())
+        : m_mesh(mesh), m_plan(planProperties(mesh, carry, Onto::Samples)), m_places(mesh, samples)
     {
-        populatePointCloud(samples.positions, *m_cloud);
+        m_result.mesh = Korvane::createObject();
+        m_result.parents.face = m_places.faceIds();
+        m_result.parents.triangle = samples.triangles;
+        m_result.warnings = m_plan.warnings;
+        populatePointCloud(samples.positions, *m_result.mesh);
         if (withPlaces) {
             add("weight", weightVectors(m_places));
             add("face_id", m_places.faceIds());
-            add("triangle_id", samples.triangleIds);
+            add("triangle_id", samples.triangles);
         }
-        if (!hasNormals())
+        if (!(isCarried("normal") || (isCarried("nx") && isCarried("ny") && isCarried("nz"))))
             add("normal", normals(mesh, m_places));
     }
 
-    SampleCloud make()
+    Result make()
     {
-        for (const String& name : m_mesh.propertyNames())
-            if (isOwnValue(m_mesh, name) || (name == sRenderSettings && isNamed(name)))
-                m_cloud->setProperty(name, m_mesh.getProperty(name));
-            else if (isNamed(name) && getDataGeoProperty(m_mesh, name) && !isTopology(name))
-                carry(name);
-        return {m_cloud, std::move(m_warnings)};
+        for (const CarriedProperty& property : m_plan.carried)
+            if (property.kind == CarriedProperty::Kind::Values)
+                carry(property);
+            else
+                m_result.mesh->setProperty(property.name, m_mesh.getProperty(property.name));
+        return std::move(m_result);
     }
 
 private:
     template <class T>
     void add(const String& name, Ptr<Array<T>> values)
     {
-        addDataGeoProperty<T>(*m_cloud, name, sPointComp, std::move(values));
+        addDataGeoProperty<T>(*m_result.mesh, name, sPointComp, std::move(values));
     }
 
-    bool isNamed(const String& name) const
+    bool isCarried(const String& name) const
     {
-        return std::find(m_names.begin(), m_names.end(), name) != m_names.end();
-    }
-
-    bool hasNormals() const
-    {
-        const auto has = [this](const char* name) {
-            return isNamed(name) && findElementProperty(m_mesh, name);
-        };
-        return has("normal") || (has("nx") && has("ny") && has("nz"));
-    }
-
-    void carry(const String& name)
-    {
-        const auto property = findElementProperty(m_mesh, name);
-        if (!property) {
-            m_warnings.push_back("property " + quoted(name.view()) +
-                                 " does not follow onto samples and is left out");
-            return;
-        }
-        const Ptr<Object> source = getDataGeoProperty(m_mesh, name);
-        Korvane::visitArray(source->getProperty(sData), [&](const auto& array, const char*) {
-            carryValues(*property, *array);
+        return std::any_of(m_plan.carried.begin(), m_plan.carried.end(), [&](const auto& property) {
+            return property.name == name && property.kind == CarriedProperty::Kind::Values;
         });
+    }
+
+    void carry(const ElementProperty& property)
+    {
+        const Ptr<Object> source = getDataGeoProperty(m_mesh, property.name);
+        Korvane::visitArray(source->getProperty(sData),
+                            [&](const auto& array, const char*) { carryValues(property, *array); });
     }
 
     template <class T>
@@ -236,36 +225,51 @@ private:
                 missing.fetch_add(1, std::memory_order_relaxed);
         });
         if (missing > 0)
-            m_warnings.push_back("property " + quoted(property.name.view()) + " has no value at " +
-                                 std::to_string(missing) + " samples, which get its default");
+            m_result.warnings.push_back("property " + quoted(property.name.view()) +
+                                        " has no value at " + std::to_string(missing) +
+                                        " samples, which get its default");
         add<T>(freeName(property.name), result);
     }
 
     String freeName(const String& name)
     {
-        if (!m_cloud->hasProperty(name))
+        if (!m_result.mesh->hasProperty(name))
             return name;
         std::string other = "mesh_" + std::string(name.view());
-        while (m_mesh.hasProperty(other) || m_cloud->hasProperty(other))
+        while (m_mesh.hasProperty(other) || m_result.mesh->hasProperty(other))
             other += '_';
-        m_warnings.push_back("property " + quoted(name.view()) + " of the mesh is called " +
-                             quoted(other) + " here, as the samples have their own");
+        m_result.warnings.push_back("property " + quoted(name.view()) + " of the mesh is called " +
+                                    quoted(other) + " here, as the samples have their own");
         return other;
     }
 
     const Object& m_mesh;
-    const Array<String>& m_names;
+    const PropertyPlan m_plan;
     Places m_places;
-    MutablePtr<Object> m_cloud;
-    std::vector<std::string> m_warnings;
+    Result m_result;
 };
 
 }  // namespace
 
-SampleCloud makeSampleCloud(const Object& mesh, const SurfaceSamples& samples,
-                            const Array<String>& propertyNames, bool withPlaces)
+Result makeSampleCloud(const Object& mesh, const SurfaceSamples& samples, const Carry& carry,
+                       bool withPlaces)
 {
-    return CloudMaker(mesh, samples, propertyNames, withPlaces).make();
+    return guarded([&] { return CloudMaker(mesh, samples, carry, withPlaces).make(); });
+}
+
+SampleResult sample(const Object& mesh, const SampleOptions& options, const Carry& carry)
+{
+    if ((options.count > 0) == (options.distance != 0))
+        throw ArgumentError("distance", "either a distance or a count is needed, not both");
+    const SampledSurface surface(mesh);
+    const SurfaceSamples samples = options.count > 0
+                                       ? surface.sampleCount(options.count, options.seed)
+                                       : surface.sample(options.distance, options.seed);
+    SampleResult result;
+    static_cast<Result&>(result) = makeSampleCloud(mesh, samples, carry, options.withPlaces);
+    result.distance = samples.distance;
+    result.area = surface.area();
+    return result;
 }
 
 }  // namespace TessaryMesh

@@ -1,17 +1,15 @@
-#include "ops/SampledSurface.h"
+#include <TessaryMesh/Operations.h>
 
 #include <Pelon/RuntimeServices.h>
 #include <Tessary/Primitives.h>
 #include <Tessary/Sampling.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MachineMemory.h"
 #include "base/MeshArrays.h"
 #include "base/Vectors.h"
-#include "files/MeshFile.h"
 #include "ops/CountSearch.h"
-#include <TessaryMesh/Check.h>
-#include <TessaryMesh/Errors.h>
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_reduce.h>
@@ -19,7 +17,6 @@
 #include <cmath>
 #include <cstdio>
 #include <new>
-#include <stdexcept>
 
 namespace TessaryMesh {
 namespace {
@@ -35,11 +32,9 @@ constexpr double kFarthest = 1.7e38;       // so that differences are finite
 constexpr double kMostArea = 3e38, kLeastMeanArea = 1e-37;
 constexpr double kCandidatesPerSample = 11.25;  // measured on smooth surfaces
 
-[[noreturn]] void reject(const std::string& name, const char* kind, const char* message,
-                         const char* advice)
+[[noreturn]] void reject(const char* code, const char* message, const char* advice)
 {
-    throw InvalidMesh(
-        name, ValidationReport{{Problem{Problem::Severity::Error, kind, message, 1, {}, advice}}});
+    throw InvalidMesh(Problem{Problem::Severity::Error, code, message, 1, {}, advice});
 }
 
 std::string text(double number)
@@ -66,12 +61,12 @@ std::string lackOfMemory(double candidates)
                                  memoryText(memory);
 }
 
-MutablePtr<Object> trianglesOf(const Object& mesh, const std::string& name)
+MutablePtr<Object> trianglesOf(const Object& mesh)
 {
     const MeshArrays arrays(mesh);
     Array<uint> corners = fanTriangles(*arrays.faceOffset, *arrays.faceVertex);
     if (corners.empty())
-        reject(name, "no-faces", "there are no faces, so there is no surface to sample",
+        reject("no-faces", "there are no faces, so there is no surface to sample",
                "sample a mesh that has faces");
     Array<uint> offsets(corners.size() / 3 + 1);
     for (std::size_t t = 0; t < offsets.size(); ++t)
@@ -110,20 +105,20 @@ Measures measure(const Object& triangles)
 
 }  // namespace
 
-SampledSurface::SampledSurface(const Object& mesh, std::string name)
-    : m_name(std::move(name)), m_triangles(trianglesOf(mesh, m_name))
+SampledSurface::SampledSurface(const Object& mesh)
+    : m_triangles(guarded([&] { return trianglesOf(mesh); }))
 {
     const Measures measures = measure(*m_triangles);
     m_area = measures.area;
     m_farthest = measures.farthest;
     if (m_area > kMostArea || m_farthest > kFarthest)
-        reject(m_name, "area-overflow", "the faces are larger than single precision holds",
+        reject("area-overflow", "the faces are larger than single precision holds",
                "scale the mesh down");
     if (m_area == 0)
-        reject(m_name, "no-area", "no face has an area, so there is no surface to sample",
+        reject("no-area", "no face has an area, so there is no surface to sample",
                "look for points that coincide or lie on one line");
     if (m_area / getElementCount(*m_triangles, sFaceComp) < kLeastMeanArea)
-        reject(m_name, "area-underflow", "the faces are smaller than single precision holds",
+        reject("area-underflow", "the faces are smaller than single precision holds",
                "scale the mesh up");
 }
 
@@ -156,22 +151,23 @@ double SampledSurface::roundingShare(float distance) const
 void SampledSurface::checkDistance(float distance) const
 {
     if (!(distance > 0) || !std::isfinite(distance))
-        throw std::invalid_argument("the distance is not a number above zero that is finite");
+        throw ArgumentError("distance", "the distance is not a number above zero that is finite");
     const std::string advice = " (take a distance from " + textAbove(leastDistance()) + " on";
     const std::string asked = "the distance " + text(distance);
     if (distance < kLeastSquarable)
-        throw std::invalid_argument(asked + " is too small for single precision" + advice +
-                                    ", or scale the mesh up)");
+        throw ArgumentError("distance", asked + " is too small for single precision" + advice +
+                                            ", or scale the mesh up)");
     const double count = candidates(distance);
     if (count > kMostCandidates)
-        throw std::invalid_argument(asked + " asks for " + text(count) +
-                                    " candidates, which 32 bits cannot number" + advice + ")");
+        throw ArgumentError("distance", asked + " asks for " + text(count) +
+                                            " candidates, which 32 bits cannot number" + advice +
+                                            ")");
     if (m_farthest / distance > kMostCells)
-        throw std::invalid_argument(
-            asked + " is too small for a mesh that reaches as far from the origin as " +
-            text(m_farthest) + advice + ", or move the mesh to the origin)");
+        throw ArgumentError(
+            "distance", asked + " is too small for a mesh that reaches as far from the origin as " +
+                            text(m_farthest) + advice + ", or move the mesh to the origin)");
     if (const std::string lack = lackOfMemory(count); !lack.empty())
-        throw FileError(m_name + ": " + asked + lack + advice + ")");
+        throw OutOfMemory("", asked + lack + advice + ")", count * kCandidateBytes);
 }
 
 SurfaceSamples SampledSurface::sample(float distance, uint seed) const
@@ -185,10 +181,12 @@ SurfaceSamples SampledSurface::sample(float distance, uint seed) const
         });
     Object out;
     try {
-        Tessary::poissonSampleTriMesh(distance, seed, *m_triangles, out, &services);
-    } catch (const std::bad_alloc&) {
-        throw FileError(m_name + ": the distance " + text(distance) +
-                        " needs more memory than is free (take a larger one, or fewer samples)");
+        guarded(
+            [&] { Tessary::poissonSampleTriMesh(distance, seed, *m_triangles, out, &services); });
+    } catch (const OutOfMemory&) {
+        throw OutOfMemory("", "the distance " + text(distance) +
+                                  " needs more memory than is free (take a larger one, or fewer "
+                                  "samples)");
     }
     if (!trouble.empty())
         throw std::runtime_error(trouble);
@@ -208,10 +206,10 @@ double SampledSurface::distanceForCount(std::uint64_t count) const
     const std::string advice =
         " (ask for " + std::to_string(static_cast<std::uint64_t>(most)) + " at most)";
     if (needed > kMostCandidates)
-        throw std::invalid_argument(asked + " takes more candidates than 32 bits can number" +
-                                    advice);
+        throw ArgumentError("count",
+                            asked + " takes more candidates than 32 bits can number" + advice);
     if (!lack.empty())
-        throw FileError(m_name + ": " + asked + lack + advice);
+        throw OutOfMemory("", asked + lack + advice, needed * kCandidateBytes);
     checkDistance(static_cast<float>(distance));
     return distance;
 }

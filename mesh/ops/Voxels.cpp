@@ -1,11 +1,11 @@
-#include "ops/Voxels.h"
+#include <TessaryMesh/Operations.h>
 
 #include <Tessary/Primitives.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "ops/RowBounds.h"
-#include <TessaryMesh/Errors.h>
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -47,8 +46,9 @@ public:
         m_grid = boxOf(bounds(0, corners.size()));
         for (int k = 0; k < 3; ++k)
             if (m_grid.last[k] - m_grid.first[k] >= kMostCells)
-                throw std::invalid_argument("the mesh is more than " + std::to_string(kMostCells) +
-                                            " cells long; a larger cell makes fewer");
+                throw ArgumentError("cellSize", "the mesh is more than " +
+                                                    std::to_string(kMostCells) +
+                                                    " cells long; a larger cell makes fewer");
         for (int k = 0; k < 3; ++k)
             for (const std::int64_t cell : {m_grid.first[k], m_grid.last[k]})
                 m_rounding =
@@ -102,7 +102,8 @@ private:
             const double first = std::ceil(b.low[k] / m_size) - 1;
             const double last = std::floor(b.high[k] / m_size);
             if (!(first >= -kFarthest && last <= kFarthest))
-                throw std::invalid_argument(
+                throw ArgumentError(
+                    "cellSize",
                     "the mesh lies further than 2^30 cells from the origin; a larger cell makes "
                     "fewer");
             box.first[k] = static_cast<std::int64_t>(first);
@@ -225,11 +226,12 @@ private:
 
 Array<Cell> touchedCells(const Object& mesh, double cellSize)
 {
-    const MeshArrays arrays(mesh);
-    const Array<uint> triangles = fanTriangles(*arrays.faceOffset, *arrays.faceVertex);
-    if (triangles.empty())
-        return {};
-    return Voxelizer(*arrays.points, triangles, cellSize).cells();
+    return guarded([&] {
+        const MeshArrays arrays(mesh);
+        const Array<uint> triangles = fanTriangles(*arrays.faceOffset, *arrays.faceVertex);
+        return triangles.empty() ? Array<Cell>()
+                                 : Voxelizer(*arrays.points, triangles, cellSize).cells();
+    });
 }
 
 }  // namespace TessaryMesh

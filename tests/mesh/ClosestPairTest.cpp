@@ -2,7 +2,7 @@
 #include "support/Random.h"
 #include "support/Threads.h"
 
-#include <mesh/ops/ClosestPair.h>
+#include <TessaryMesh/Operations.h>
 
 #include <cmath>
 

@@ -3,7 +3,7 @@
 #include <tests/support/MeshBuilding.h>
 
 #include <TessaryMesh/Check.h>
-#include <mesh/ops/DemoMesh.h>
+#include <TessaryMesh/Operations.h>
 
 #include <algorithm>
 #include <cmath>
@@ -70,8 +70,8 @@ TEST(DemoMesh, MixesFacesOfManySizesAndGrowsWithTheResolution)
     EXPECT_GT(Demo(8).offset.size(), 200u);
     EXPECT_LT(Demo(8).offset.size(), 1000u);
     EXPECT_NEAR(double(demo.offset.size()) * 256, 1e6, 2e5);
-    EXPECT_THROW(makeDemoMesh(7), std::invalid_argument);
-    EXPECT_THROW(makeDemoMesh(8193), std::invalid_argument);
+    EXPECT_THROW(makeDemoMesh(7), TessaryMesh::ArgumentError);
+    EXPECT_THROW(makeDemoMesh(8193), TessaryMesh::ArgumentError);
 }
 
 TEST(DemoMesh, NormalsPointOutwardsAndBreakAtRidges)

@@ -1,4 +1,4 @@
-#include <mesh/ops/QuadMesh.h>
+#include <TessaryMesh/Operations.h>
 
 #include <Korvane/Geometry.h>
 #include <Tessary/Topology.h>
@@ -19,6 +19,7 @@ namespace {
 
 using namespace Korvane::Geometry;
 using namespace TestSupport;
+using TessaryMesh::Carry;
 using TessaryMesh::QuadOptions;
 
 //  3---2---5     two quads in the plane; corner 1 starts the edge 1-2, corner 7 the edge 2-1
@@ -30,13 +31,13 @@ MutablePtr<Object> twoQuads()
                     {0, 1, 2, 3, 1, 4, 5, 2});
 }
 
-TessaryMesh::QuadMesh quadsWithCreases(const MutablePtr<Object>& mesh,
-                                       const Ptr<Array<float>>& weights)
+TessaryMesh::QuadResult quadsWithCreases(const MutablePtr<Object>& mesh,
+                                         const Ptr<Array<float>>& weights)
 {
     addDataGeoProperty<float>(*mesh, "crease", sFaceVertexComp, weights);
     QuadOptions options;
     options.creaseProperty = "crease";
-    return TessaryMesh::makeQuadMesh(*mesh, "mesh", {}, options);
+    return TessaryMesh::makeQuads(*mesh, options, Carry::none());
 }
 
 TEST(QuadMeshOfObjects, NewPointsLieOnTheEdgesAndInTheTriangles)
@@ -46,7 +47,7 @@ TEST(QuadMeshOfObjects, NewPointsLieOnTheEdgesAndInTheTriangles)
     options.innerWeights[0] = 0.5f;
     options.innerWeights[1] = 0.5f;
     options.innerWeights[2] = 0;
-    const auto quads = TessaryMesh::makeQuadMesh(*meshOf(4, {{0, 1, 2}}), "mesh", {}, options)
+    const auto quads = TessaryMesh::makeQuads(*meshOf(4, {{0, 1, 2}}), options, Carry::none())
                            .mesh;  // 3 is unused
     EXPECT_EQ(*dataOf<uint>(*quads, sFaceVertex),
               (Array<uint>{0, 4, 7, 5, 1, 6, 7, 4, 2, 5, 7, 6}));
@@ -59,8 +60,16 @@ TEST(QuadMeshOfObjects, NewPointsLieOnTheEdgesAndInTheTriangles)
     const auto cloud = Korvane::createObject();
     populatePointCloud(points, *cloud);
     EXPECT_EQ(
-        *dataOf<float3>(*TessaryMesh::makeQuadMesh(*cloud, "cloud", {}, {}).mesh, sPointPosition),
+        *dataOf<float3>(*TessaryMesh::makeQuads(*cloud, {}, Carry::none()).mesh, sPointPosition),
         *points);
+}
+
+TEST(QuadMeshOfObjects, EachQuadKnowsItsFaceItsCornerAndItsTriangle)
+{
+    const auto parents = TessaryMesh::makeQuads(*meshOf(5, {{0, 1, 2, 3}, {2, 1, 4}})).parents;
+    EXPECT_EQ(*parents.face, (Array<uint>{0, 0, 0, 0, 0, 0, 1, 1, 1}));
+    EXPECT_EQ(*parents.corner, (Array<uint>{0, 1, 2, 0, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(*parents.triangle, (Array<uint>{0, 0, 0, 1, 1, 1, 2, 2, 2}));
 }
 
 TEST(QuadMeshOfObjects, PropertiesCreaseTheEdgeThatStartsAtTheirCorner)
@@ -76,12 +85,12 @@ TEST(QuadMeshOfObjects, PropertiesCreaseTheEdgeThatStartsAtTheirCorner)
     addDataGeoProperty<bool>(*mesh, "all", sFaceVertexComp, makeMutable<Array<bool>>(8, true));
     QuadOptions options;
     options.creaseProperty = "all";
-    EXPECT_EQ(TessaryMesh::makeQuadMesh(*mesh, "mesh", {}, options).creasedEdges, 7u)
+    EXPECT_EQ(TessaryMesh::makeQuads(*mesh, options, Carry::none()).creasedEdges, 7u)
         << "no diagonals";
 
-    EXPECT_THROW(quadsWithCreases(mesh, shared<float>({1, 2})), std::invalid_argument);
+    EXPECT_THROW(quadsWithCreases(mesh, shared<float>({1, 2})), TessaryMesh::ArgumentError);
     addDataGeoProperty<double>(*mesh, "all", sFaceVertexComp, makeMutable<Array<double>>(8));
-    EXPECT_THROW(TessaryMesh::makeQuadMesh(*mesh, "mesh", {}, options), std::invalid_argument);
+    EXPECT_THROW(TessaryMesh::makeQuads(*mesh, options, Carry::none()), TessaryMesh::ArgumentError);
 }
 
 TEST(QuadMeshOfObjects, AnglesAreThoseOfPolygonsWhateverTheirShape)
@@ -91,14 +100,14 @@ TEST(QuadMeshOfObjects, AnglesAreThoseOfPolygonsWhateverTheirShape)
                                {0, 5, 8}, {4, 0, 1, 2, 3, 2, 1, 5});
     QuadOptions options;
     options.creaseAngle = 1;
-    EXPECT_EQ(TessaryMesh::makeQuadMesh(*flat, "flat", {}, options).creasedEdges, 0u);
+    EXPECT_EQ(TessaryMesh::makeQuads(*flat, options, Carry::none()).creasedEdges, 0u);
 
     const float s = std::sqrt(.5f);  // folded by 45 degrees
     const auto folded =
         makeMesh({{0, 0, 0}, {0, 1, 0}, {1, 0, 0}, {-s, 0, s}}, {0, 3, 6}, {0, 2, 1, 0, 1, 3});
     for (const double degrees : {44.9, 45.1}) {
         options.creaseAngle = degrees;
-        EXPECT_EQ(TessaryMesh::makeQuadMesh(*folded, "folded", {}, options).creasedEdges,
+        EXPECT_EQ(TessaryMesh::makeQuads(*folded, options, Carry::none()).creasedEdges,
                   degrees < 45 ? 1u : 0u);
     }
 }

@@ -1,5 +1,4 @@
-#include <mesh/ops/QuadMesh.h>
-#include <mesh/ops/TriangulateMesh.h>
+#include <TessaryMesh/Operations.h>
 
 #include <Korvane/Geometry.h>
 
@@ -14,12 +13,12 @@ namespace {
 
 using namespace Korvane::Geometry;
 using namespace TestSupport;
+using TessaryMesh::Carry;
 using TessaryMesh::QuadOptions;
 
-TessaryMesh::QuadMesh quadsOf(const Object& mesh, const QuadOptions& options = {})
+TessaryMesh::QuadResult quadsOf(const Object& mesh, const QuadOptions& options = {})
 {
-    return TessaryMesh::makeQuadMesh(mesh, "mesh", TessaryMesh::carriedPropertyNames(mesh),
-                                     options);
+    return TessaryMesh::makeQuads(mesh, options);
 }
 
 // A grid of quads and pentagons (a quad with one edge halved), which no file has more of.
@@ -77,7 +76,7 @@ TEST(QuadProperties, IndexedCornersKeepTheirSeamsAndTheirGaps)
         options.innerWeights[0] = 0.5f;
         options.innerWeights[1] = options.innerWeights[2] = 0.25f;
         const auto quads = quadsOf(*mesh, options).mesh;
-        const auto triangles = TessaryMesh::triangulateMesh(*mesh, {"uv"}).mesh;
+        const auto triangles = TessaryMesh::triangulate(*mesh, {"uv"}).mesh;
         const Array<uint> before = *rangeOf(*triangles, "uv_index");
         const Array<uint> after = *rangeOf(*quads, "uv_index");
         const Array<float> all = *dataOf<float>(*quads, "uv");
@@ -164,7 +163,7 @@ TEST(QuadProperties, WhatHasNoRuleIsLeftOutWithAWarningAndWhatIsNotNamedWithoutO
     EXPECT_EQ(all.warnings, std::vector<std::string>{
                                 "property \"weight\" does not follow onto quads and is left out"});
     EXPECT_TRUE(all.mesh->hasProperty("id"));
-    const auto none = TessaryMesh::makeQuadMesh(*mesh, "mesh", {}, {});
+    const auto none = TessaryMesh::makeQuads(*mesh, {}, Carry::none());
     EXPECT_TRUE(none.warnings.empty());
     EXPECT_TRUE(TessaryMesh::carriedPropertyNames(*none.mesh).empty());
 }

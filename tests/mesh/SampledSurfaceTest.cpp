@@ -1,13 +1,10 @@
 #include "support/MeshBuilding.h"
 #include "support/Messages.h"
 
-#include <TessaryMesh/Check.h>
-#include <mesh/files/MeshFile.h>
+#include <TessaryMesh/Operations.h>
 #include <mesh/ops/CountSearch.h>
-#include <mesh/ops/SampledSurface.h>
 
 #include <cmath>
-#include <stdexcept>
 
 using namespace TestSupport;
 using TessaryMesh::SampledSurface;
@@ -37,23 +34,19 @@ MutablePtr<Object> rectangle(float width, float height, const float3& corner = {
         {0, 1, 2, 3});
 }
 
-SampledSurface surfaceOf(const Object& mesh)
-{
-    return {mesh, "mesh"};
-}
-
 std::size_t countAt(const Object& mesh, std::uint64_t wanted)
 {
-    return surfaceOf(mesh).sampleCount(wanted, 1).count();
+    return SampledSurface(mesh).sampleCount(wanted, 1).count();
 }
 
 TEST(SampledSurface, SamplesThePolygonsFanTriangles)
 {
     const auto mesh = rectangle(3, 2);
-    const SampledSurface surface = surfaceOf(*mesh);
+    const SampledSurface surface = SampledSurface(*mesh);
     EXPECT_EQ(surface.area(), 6.0);
     EXPECT_NEAR(surface.boundingRadius(), std::sqrt(13.0) / 2, 1e-6);
-    EXPECT_EQ(surfaceOf(*pieces(10000)).area(), 5000.0) << "of as many as are added in parallel";
+    EXPECT_EQ(SampledSurface(*pieces(10000)).area(), 5000.0)
+        << "of as many as are added in parallel";
     const TessaryMesh::SurfaceSamples samples = surface.sample(0.1f, 5);
 
     const auto triangles = Geometry::makeMesh(*dataOf<float3>(*mesh, Geometry::sPointPosition),
@@ -63,7 +56,7 @@ TEST(SampledSurface, SamplesThePolygonsFanTriangles)
     EXPECT_GT(samples.count(), 300u);
     EXPECT_EQ(*samples.positions, *dataOf<float3>(expected, Geometry::sPointPosition));
     EXPECT_EQ(*samples.weights, *dataOf<float>(expected, "weight"));
-    EXPECT_EQ(*samples.triangleIds, *dataOf<uint>(expected, "face_id"));
+    EXPECT_EQ(*samples.triangles, *dataOf<uint>(expected, "face_id"));
 }
 
 TEST(SampledSurface, RefusesMeshesWithoutASurfaceThatFloatsHold)
@@ -76,7 +69,7 @@ TEST(SampledSurface, RefusesMeshesWithoutASurfaceThatFloatsHold)
         Ptr<Object> mesh;
         const char* part;
     } cases[] = {
-        {makeMutable<Object>(points), "mesh: there are no faces, so"},
+        {makeMutable<Object>(points), "there are no faces, so"},
         {cloud, "there are no faces, so"},
         {meshOf(0, {}), "there are no faces, so"},
         {line, "no face has an area, so there is no surface to sample; look for points"},
@@ -85,16 +78,17 @@ TEST(SampledSurface, RefusesMeshesWithoutASurfaceThatFloatsHold)
         {rectangle(1e-20f, 1e-20f), "smaller than single precision holds; scale the mesh up"},
     };
     for (const auto& bad : cases)
-        EXPECT_TRUE(
-            contains(messageOf<TessaryMesh::InvalidMesh>([&] { surfaceOf(*bad.mesh); }), bad.part));
+        EXPECT_TRUE(contains(
+            messageOf<TessaryMesh::InvalidMesh>([&] { SampledSurface surface(*bad.mesh); }),
+            bad.part));
     EXPECT_GT(countAt(*rectangle(1e18f, 1e18f), 100), 90u) << "still large enough";
     EXPECT_GT(countAt(*rectangle(1e-17f, 1e-17f), 100), 90u) << "still small enough";
 }
 
 TEST(SampledSurface, RefusesDistancesThatCannotBeAndSaysWhichCan)
 {
-    const SampledSurface surface = surfaceOf(*rectangle(1, 1));
-    const SampledSurface far = surfaceOf(*rectangle(256, 256, {1e9f, 0, 0}));
+    const SampledSurface surface = SampledSurface(*rectangle(1, 1));
+    const SampledSurface far = SampledSurface(*rectangle(256, 256, {1e9f, 0, 0}));
     const struct {
         const SampledSurface& surface;
         float distance;
@@ -110,12 +104,12 @@ TEST(SampledSurface, RefusesDistancesThatCannotBeAndSaysWhichCan)
     };
     for (const auto& bad : cases) {
         const auto sample = [&] { bad.surface.sample(bad.distance, 0); };
-        EXPECT_TRUE(contains(messageOf<std::invalid_argument>(sample), bad.part));
+        EXPECT_TRUE(contains(messageOf<TessaryMesh::ArgumentError>(sample), bad.part));
     }
     const float least = surface.leastDistance();
     EXPECT_NO_THROW(surface.sample(0.5f, 0));
     EXPECT_GE(least, 3.8e-5f) << "32 bits of candidates on an area of 1";
-    EXPECT_THROW(surface.sampleCount(std::uint64_t{1} << 40, 0), std::invalid_argument);
+    EXPECT_THROW(surface.sampleCount(std::uint64_t{1} << 40, 0), TessaryMesh::ArgumentError);
     EXPECT_NEAR(far.roundingShare(59.6f), 1, 0.01) << "a float of 1e9 is rounded by up to 32";
 }
 

@@ -3,10 +3,9 @@
 #include "support/Threads.h"
 
 #include <Pelon/Job.h>
-#include <mesh/ops/Voxels.h>
+#include <TessaryMesh/Operations.h>
 
 #include <chrono>
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -83,7 +82,7 @@ TEST(Voxels, RefuseGridsThatAreTooLongOrTooFar)
 {
     const auto mesh = Geometry::makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {0, 3}, {0, 1, 2});
     for (const double size : {1e-7, 1e-300})
-        EXPECT_THROW(touchedCells(*mesh, size), std::invalid_argument);
+        EXPECT_THROW(touchedCells(*mesh, size), TessaryMesh::ArgumentError);
 }
 
 // A single face with minutes of work.

@@ -95,6 +95,12 @@ TESSARY_MESH_API std::vector<std::string> writeMesh(const Korvane::Object& mesh,
 TESSARY_MESH_API std::vector<std::string> saveMesh(const Korvane::Object& mesh,
                                                    const std::string& path, bool overwrite = false);
 
+/// The header line behind which a PLY file's list of numbers for each face, which became the property
+/// `name` of `mesh`, is a property of the corners: "comment property corner float crease crease".
+/// Empty where the property is no such list.
+TESSARY_MESH_API std::string plyCornerDeclaration(const Korvane::Object& mesh,
+                                                  const std::string& name);
+
 /// Writes arrays of numbers under their names: as .npz, for NumPy, or as a JSON object of lists, rows
 /// as lists of their own, in which null stands for the index 0xFFFFFFFF.
 ///

@@ -1,4 +1,4 @@
-#include <mesh/ops/TriangulateMesh.h>
+#include <TessaryMesh/Operations.h>
 
 #include <gtest/gtest.h>
 #include <support/Cancellation.h>
@@ -15,7 +15,8 @@ using namespace MeshFiles;
 using namespace TestSupport;
 using Korvane::Math::float2;
 using Korvane::Math::uint3;
-using TessaryMesh::TriangulatedMesh;
+using TessaryMesh::Result;
+using TessaryMesh::triangulate;
 using Strings = std::vector<std::string>;
 
 //  3---2---4     face 0 is the quad 0 1 2 3, face 1 the pentagon 1 5 6 4 2
@@ -26,9 +27,9 @@ MutablePtr<Object> quadAndPentagon()
     return meshOf(7, {{0, 1, 2, 3}, {1, 5, 6, 4, 2}});
 }
 
-TriangulatedMesh triangulateAll(const Object& mesh)
+std::vector<uint> listOf(const Array<uint>& array)
 {
-    return TessaryMesh::triangulateMesh(mesh, TessaryMesh::carriedPropertyNames(mesh));
+    return {array.begin(), array.end()};
 }
 
 // The value that a point, corner or face ends up with, whether plain or behind an index array.
@@ -45,7 +46,7 @@ std::vector<T> resolved(const Object& mesh, const String& name)
     return result;
 }
 
-TEST(TriangulateMesh, IndicesFollowTheCornersAndValuesAreShared)
+TEST(Triangulate, IndicesFollowTheCornersAndValuesAreShared)
 {
     const auto mesh = quadAndPentagon();
     const auto uvs = shared<float2>({{0, 0}, {1, 0}, {1, 1}, {0, 1}, {.5f, .5f}});
@@ -54,7 +55,7 @@ TEST(TriangulateMesh, IndicesFollowTheCornersAndValuesAreShared)
                                Common::DataInterpolationMode::None);
     addValues<int>(*mesh, "paint", "uv_index", {10, 11, 12, 13, 14});
 
-    const TriangulatedMesh result = triangulateAll(*mesh);
+    const Result result = triangulate(*mesh);
     EXPECT_EQ(result.warnings, Strings());
     EXPECT_EQ(*dataOf<uint>(*result.mesh, sFaceVertex),
               (Array<uint>{0, 1, 2, 0, 2, 3, 1, 5, 6, 1, 6, 4, 1, 4, 2}));
@@ -68,7 +69,7 @@ TEST(TriangulateMesh, IndicesFollowTheCornersAndValuesAreShared)
     EXPECT_EQ(rangeOf(*mesh, "uv_index")->size(), 9u) << "the source changed";
 }
 
-TEST(TriangulateMesh, CarriesOnlyWhatIsNamedInTheOrderOfTheSource)
+TEST(Triangulate, CarriesOnlyWhatIsNamedInTheOrderOfTheSource)
 {
     const auto mesh = quadAndPentagon();
     addValues<String>(*mesh, "group", sFaceComp, {"left", "right"});
@@ -79,14 +80,14 @@ TEST(TriangulateMesh, CarriesOnlyWhatIsNamedInTheOrderOfTheSource)
     mesh->setProperty("material_library", String("roof.mtl"));
     mesh->setProperty(sRenderSettings, String("glossy"));
 
-    const TriangulatedMesh all = triangulateAll(*mesh);
+    const Result all = triangulate(*mesh);
     EXPECT_EQ(all.mesh->propertyNames(), mesh->propertyNames());
     EXPECT_EQ(*dataOf<String>(*all.mesh, "group"),
               (Array<String>{"left", "left", "right", "right", "right"}));
     EXPECT_EQ(*rangeOf(*all.mesh, "shade_index"), (Array<uint>{1, 1, 0, 0, 0}));
     EXPECT_EQ(*rangeOf(*all.mesh, "ink_index"), *rangeOf(*mesh, "ink_index"));
 
-    const TriangulatedMesh some = TessaryMesh::triangulateMesh(*mesh, {"ink", "absent"});
+    const Result some = triangulate(*mesh, {"ink", "absent"});
     EXPECT_EQ(TessaryMesh::carriedPropertyNames(*some.mesh), Array<String>{"ink"});
     EXPECT_FALSE(some.mesh->hasProperty("shade_index"));
     EXPECT_FALSE(some.mesh->hasProperty(sRenderSettings));
@@ -102,14 +103,14 @@ void addList(Object& mesh, const std::string& name, Ptr<Array<uint>> offsets)
     addDataGeoProperty<uint>(mesh, name + "_offset", name, std::move(offsets));
 }
 
-TEST(TriangulateMesh, ListsOfPointsStayAndOthersAreLeftOutWithAWarning)
+TEST(Triangulate, ListsOfPointsStayAndOthersAreLeftOutWithAWarning)
 {
     const auto mesh = quadAndPentagon();
     addList(*mesh, "near", shared<uint>({0, 1, 1, 2, 2, 2, 3, 3}));
     addList(*mesh, "tags", shared<uint>({0, 2, 3}));
     EXPECT_EQ(TessaryMesh::carriedPropertyNames(*mesh), (Array<String>{"near", "tags"}));
 
-    const TriangulatedMesh result = triangulateAll(*mesh);
+    const Result result = triangulate(*mesh);
     EXPECT_EQ(dataOf<int>(*result.mesh, "near"), dataOf<int>(*mesh, "near"));
     EXPECT_EQ(dataOf<uint>(*result.mesh, "near_offset"), dataOf<uint>(*mesh, "near_offset"));
     EXPECT_EQ(getElementCount(*result.mesh, "near_component"), 3u);
@@ -121,18 +122,18 @@ TEST(TriangulateMesh, ListsOfPointsStayAndOthersAreLeftOutWithAWarning)
     // As many faces as points: nothing tells whose lists these are.
     const auto tetrahedron = meshOf(4, {{0, 1, 2}, {0, 3, 1}, {1, 3, 2}, {2, 3, 0}});
     addList(*tetrahedron, "tags", shared<uint>({0, 1, 2, 3, 3}));
-    EXPECT_EQ(triangulateAll(*tetrahedron).warnings, result.warnings);
+    EXPECT_EQ(triangulate(*tetrahedron).warnings, result.warnings);
 
     // But if they say it themselves, as those of a file do, their word counts.
     for (const String& owner : {sPointComp, sFaceComp}) {
         const auto offsets = makeMutable<Object>(*getDataGeoProperty(*tetrahedron, "tags_offset"));
         offsets->setProperty(sDependsOn, makeMutable<Array<String>>(Array<String>{owner}));
         tetrahedron->setProperty("tags_offset", offsets);
-        EXPECT_EQ(triangulateAll(*tetrahedron).warnings.size(), owner == sPointComp ? 0u : 1u);
+        EXPECT_EQ(triangulate(*tetrahedron).warnings.size(), owner == sPointComp ? 0u : 1u);
     }
 }
 
-TEST(TriangulateMesh, NamesInAWarningWhatHasNoRule)
+TEST(Triangulate, NamesInAWarningWhatHasNoRule)
 {
     const auto mesh = quadAndPentagon();
     addValues<float>(*mesh, "weight", "sample_component", {1});
@@ -141,28 +142,28 @@ TEST(TriangulateMesh, NamesInAWarningWhatHasNoRule)
     addIndices(*mesh, "inner", "outer", {1, 0});
     addValues<int>(*mesh, "deep", "inner", {3, 4});
     const std::string left = " does not follow onto triangles and is left out";
-    EXPECT_EQ(triangulateAll(*mesh).warnings,
+    EXPECT_EQ(triangulate(*mesh).warnings,
               (Strings{"property \"weight\"" + left,
                        "property of an unknown element type \"triple\"" + left,
                        "indexed property \"deep\"" + left}));
 }
 
-TEST(TriangulateMesh, FacelessMeshesKeepTheirPoints)
+TEST(Triangulate, FacelessMeshesKeepTheirPoints)
 {
     const auto cloud = Korvane::createObject();
     populatePointCloud(shared<float3>({{1, 2, 3}, {4, 5, 6}}), *cloud);
     addValues<int>(*cloud, "id", sPointComp, {8, 9});
-    const TriangulatedMesh result = triangulateAll(*cloud);
+    const Result result = triangulate(*cloud);
     EXPECT_EQ(firstDifference(*result.mesh, *cloud), "");
 }
 
-TEST(TriangulateMesh, RejectsFacesOfTwoCornersAndEndsWithACancelledJob)
+TEST(Triangulate, RejectsFacesOfTwoCornersAndEndsWithACancelledJob)
 {
-    EXPECT_THROW(triangulateAll(*meshOf(3, {{0, 1}})), std::invalid_argument);
+    EXPECT_THROW(triangulate(*meshOf(3, {{0, 1}})), TessaryMesh::InvalidMesh);
 
     const auto mesh = quadAndPentagon();
     addValues<int>(*mesh, "id", sFaceComp, {1, 2});
-    EXPECT_TRUE(endsWhenCancelled([&] { triangulateAll(*mesh); }));
+    EXPECT_TRUE(endsWhenCancelled([&] { triangulate(*mesh); }));
 }
 
 // The polygon corner from which each triangle corner of the fan comes, and its face.
@@ -193,7 +194,7 @@ void expectFollows(const Object& mesh, const Object& triangles, const String& na
 }
 
 // One mesh with UVs and many groups, one with a face of 66 corners.
-TEST(TriangulateMesh, RealMeshesKeepUvsNormalsAndGroupsThroughFiles)
+TEST(Triangulate, RealMeshesKeepUvsNormalsAndGroupsThroughFiles)
 {
     for (const char* name : {"spider.obj", "concave_polygon.obj"}) {
         SCOPED_TRACE(name);
@@ -201,7 +202,7 @@ TEST(TriangulateMesh, RealMeshesKeepUvsNormalsAndGroupsThroughFiles)
         if (path.empty())
             GTEST_SKIP() << "needs the package assimp-testmodels";
         const auto mesh = TessaryMesh::readMesh(path).mesh;
-        const auto triangles = triangulateAll(*mesh).mesh;
+        const auto triangles = triangulate(*mesh).mesh;
         const auto obj =
             TessaryMesh::readObj(written(*triangles, TessaryMesh::MeshFormat::Obj), "").mesh;
         EXPECT_EQ(firstDifference(*obj, *triangles), "");
@@ -220,7 +221,7 @@ TEST(TriangulateMesh, RealMeshesKeepUvsNormalsAndGroupsThroughFiles)
     }
 }
 
-TEST(TriangulateMesh, RandomMeshesFollowTheFanCornerByCorner)
+TEST(Triangulate, RandomMeshesFollowTheFanCornerByCorner)
 {
     for (std::uint32_t seed = 0; seed < 50; ++seed) {
         SCOPED_TRACE(seed);
@@ -239,7 +240,11 @@ TEST(TriangulateMesh, RandomMeshesFollowTheFanCornerByCorner)
         addValues<int>(*mesh, "b", "face", {4, 5, 6});
         addDataGeoProperty<uint>(*mesh, "c", sFaceVertexComp, indices);
 
-        const auto triangles = triangulateAll(*mesh).mesh;
+        const Result result = triangulate(*mesh);
+        const auto triangles = result.mesh;
+        const Origins origins(polygons.faceOffset);
+        EXPECT_EQ(listOf(*result.parents.face), origins.faces);
+        EXPECT_EQ(listOf(*result.parents.corner), origins.corners);
         expectFollows<int>(*mesh, *triangles, "a");
         expectFollows<int>(*mesh, *triangles, "b");
         expectFollows<uint>(*mesh, *triangles, "c");

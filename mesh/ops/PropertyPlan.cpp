@@ -1,0 +1,156 @@
+#include "ops/PropertyPlan.h"
+
+#include "base/Guard.h"
+#include "base/Host.h"
+#include "base/MessageText.h"
+
+#include <optional>
+#include <set>
+
+namespace TessaryMesh {
+namespace {
+
+using namespace Korvane::Geometry;
+using Kind = CarriedProperty::Kind;
+
+std::optional<String> targetOf(const Object& mesh, const String& name)
+{
+    const Ptr<Object> property = getDataGeoProperty(mesh, name);
+    return property ? entryOf<String>(*property, sTarget) : std::nullopt;
+}
+
+// Offsets into the values of another property, which they name as their target.
+bool isOffsets(const Object& mesh, const String& name)
+{
+    const std::optional<String> target = targetOf(mesh, name);
+    return target && getDataGeoProperty(mesh, *target);
+}
+
+bool isData(const Object& mesh, const String& name)
+{
+    return getDataGeoProperty(mesh, name) && !isTopology(name) && !isOffsets(mesh, name);
+}
+
+String offsetsOf(const Object& mesh, const String& list)
+{
+    for (const String& name : mesh.propertyNames())
+        if (targetOf(mesh, name) == list && dataArray<uint>(mesh, name))
+            return name;
+    return String();
+}
+
+// Without a declaration the length of the offsets says whose lists they are. Where there are as many
+// points as faces it does not, and guessing could attach values to the wrong elements.
+bool isPointList(const Object& mesh, const String& offsets)
+{
+    const std::uint64_t count = dataArray<uint>(mesh, offsets)->size();
+    const std::uint64_t points = getElementCount(mesh, sPointComp);
+    const std::uint64_t faces = getElementCount(mesh, sFaceComp);
+    const String owner = declaredOwner(*getDataGeoProperty(mesh, offsets));
+    return count == points + 1 && (owner.empty() ? points != faces : owner == sPointComp);
+}
+
+class Planner {
+public:
+    Planner(const Object& mesh, Onto onto) : m_mesh(mesh), m_onto(onto) {}
+
+    void addValue(const String& name) { add({name, String(), String()}, Kind::OwnValue); }
+
+    void addProperty(const String& name)
+    {
+        if (name == sRenderSettings)
+            add({name, String(), String()}, Kind::RenderSettings);
+        else if (isData(m_mesh, name) && m_onto == Onto::Triangles)
+            addToTriangles(name);
+        else if (isData(m_mesh, name))
+            addElement(name, "property");
+    }
+
+    PropertyPlan take() { return std::move(m_plan); }
+
+private:
+    void add(const ElementProperty& property, Kind kind)
+    {
+        m_plan.carried.push_back({property, kind});
+    }
+
+    void leaveOut(const std::string& kind, const String& name)
+    {
+        constexpr const char* kOnto[] = {"triangles", "quads", "samples"};
+        m_plan.warnings.push_back(kind + " " + quoted(name.view()) + " does not follow onto " +
+                                  kOnto[static_cast<int>(m_onto)] + " and is left out");
+    }
+
+    void addElement(const String& name, const char* kind)
+    {
+        if (const auto property = findElementProperty(m_mesh, name))
+            add(*property, Kind::Values);
+        else
+            leaveOut(kind, name);
+    }
+
+    void addToTriangles(const String& name)
+    {
+        const Array<String> chain = getTargetChain(m_mesh, name);
+        const String component = getTargetComponent(m_mesh, name);
+        if (!chain.empty())
+            addIndexed(name, chain, component);
+        else if (!isMeshComponent(component))
+            addList(name, component);
+        else
+            addElement(name, "property of an unknown element type");
+    }
+
+    // Shared values may be of any type.
+    void addIndexed(const String& name, const Array<String>& chain, const String& component)
+    {
+        const bool follows = chain.size() == 1 && getRangeGeoProperty(m_mesh, chain[0]) &&
+                             isMeshComponent(component);
+        if (follows)
+            add({name, chain[0], component}, Kind::Values);
+        else
+            leaveOut("indexed property", name);
+    }
+
+    void addList(const String& name, const String& component)
+    {
+        const String offsets = offsetsOf(m_mesh, name);
+        if (offsets.empty())
+            leaveOut("property", name);
+        else if (isPointList(m_mesh, offsets))
+            add({name, offsets, component}, Kind::PointList);
+        else
+            leaveOut("list property", name);
+    }
+
+    const Object& m_mesh;
+    Onto m_onto;
+    PropertyPlan m_plan;
+};
+
+}  // namespace
+
+PropertyPlan planProperties(const Object& mesh, const Carry& carry, Onto onto)
+{
+    const std::set<String> named(carry.names().begin(), carry.names().end());
+    Planner planner(mesh, onto);
+    for (const String& name : mesh.propertyNames())
+        if (isOwnValue(mesh, name))
+            planner.addValue(name);
+        else if (carry.isAll() || named.count(name))
+            planner.addProperty(name);
+    return planner.take();
+}
+
+Array<String> carriedPropertyNames(const Object& mesh)
+{
+    return guarded([&] {
+        Array<String> names;
+        for (const String& name : mesh.propertyNames())
+            if (isData(mesh, name) || name == sRenderSettings)
+                names.push_back(name);
+        return names;
+    });
+}
+
+}  // namespace TessaryMesh
