@@ -1,5 +1,5 @@
-# Install rules: a prefix that can be moved as a whole, with one CMake package for the library, one
-# for the embedded host, and a pkg-config module.
+# Install rules: a prefix that can be moved as a whole, with one CMake package for the libraries, one
+# for the embedded host, and pkg-config modules.
 include(CMakePackageConfigHelpers)
 
 set(tessary_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Tessary)
@@ -30,6 +30,15 @@ tessary_install_rpath(tessary ${CMAKE_INSTALL_FULL_LIBDIR})
 install(TARGETS tessary EXPORT TessaryTargets)
 install(DIRECTORY include/Tessary DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
+# A component of the package, with an export set of its own: who wants the kernels alone need not have
+# it.
+if(TARGET tessary_mesh)
+  tessary_install_rpath(tessary_mesh ${CMAKE_INSTALL_FULL_LIBDIR})
+  install(TARGETS tessary_mesh EXPORT TessaryMeshTargets)
+  install(EXPORT TessaryMeshTargets NAMESPACE Tessary:: DESTINATION ${tessary_package_dir})
+  install(DIRECTORY mesh/include/TessaryMesh DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endif()
+
 if(TESSARY_HOST_PACKAGE)
   set(tessary_host_package ${TESSARY_HOST_PACKAGE})
 else()
@@ -45,9 +54,15 @@ else()
   set(tessary_pc_includedir "\${prefix}")
   cmake_path(APPEND tessary_pc_libdir ${CMAKE_INSTALL_LIBDIR})
   cmake_path(APPEND tessary_pc_includedir ${CMAKE_INSTALL_INCLUDEDIR})
-  configure_file(cmake/tessary.pc.in ${PROJECT_BINARY_DIR}/cmake/tessary.pc @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/cmake/tessary.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  set(tessary_modules tessary)
+  if(TARGET tessary_mesh)
+    list(APPEND tessary_modules tessary-mesh)
+  endif()
+  foreach(module ${tessary_modules})
+    configure_file(cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/cmake/${module}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/cmake/${module}.pc
+      DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  endforeach()
 endif()
 tessary_install_package(Tessary Tessary:: ${tessary_package_dir})
 

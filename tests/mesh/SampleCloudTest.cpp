@@ -157,9 +157,9 @@ TEST(SampleCloud, NamesThatAreTakenGiveWayAndWhatHasNoRuleIsLeftOut)
     s.mesh->setProperty("material_library", String("roof.mtl"));
     const Result result = s.cloud();
     EXPECT_EQ(result.warnings,
-              (Names{"property \"face_id\" of the mesh is called \"mesh_face_id\" here, as the "
-                     "samples have their own",
-                     "property \"other\" does not follow onto samples and is left out"}));
+              (Names{"property \"other\" does not follow onto samples and is left out",
+                     "property \"face_id\" of the mesh is called \"mesh_face_id\" here, as the "
+                     "samples have their own"}));
     EXPECT_EQ((*dataOf<int>(*result.mesh, "mesh_face_id"))[0], 9);
     EXPECT_TRUE(dataOf<uint>(*result.mesh, "face_id"));
     EXPECT_EQ(*result.mesh->getProperty("material_library").get<String>(), "roof.mtl");
