@@ -12,10 +12,22 @@ namespace Tessary {
 /// No such element: no twin, no neighbour, an unfilled slot.
 inline constexpr uint kNone = 0xFFFFFFFF;
 
-/// The corner after `corner` in its triangle.
+/// The corner after `corner` in triangle `triangle`.
 inline uint nextCorner(uint corner, uint triangle)
 {
     return corner + 1 < 3 * triangle + 3 ? corner + 1 : 3 * triangle;
+}
+
+/// The corner after `corner` in its triangle; of 0, 1 and 2 also the number of it in any triangle.
+inline uint nextCorner(uint corner)
+{
+    return nextCorner(corner, corner / 3);
+}
+
+/// The corner before `corner` in its triangle, likewise.
+inline uint previousCorner(uint corner)
+{
+    return corner % 3 > 0 ? corner - 1 : corner + 2;
 }
 
 /// The first triangle of face `face` whose first corner is `offset`, if every face before it has two

@@ -96,8 +96,7 @@ T valueAtOrigin(uint code, CutWeights weights, const ValueAt& valueAt)
     const uint corner = cornerOf(code);
     const uint first = corner - corner % 3;
     const auto onEdge = [&](uint start) {
-        return betweenTwo<T>(weights.edge[start], valueAt(start),
-                             valueAt(nextCorner(start, start / 3)));
+        return betweenTwo<T>(weights.edge[start], valueAt(start), valueAt(nextCorner(start)));
     };
     switch (kindOf(code)) {
         case CutKind::AtCorner:
@@ -105,7 +104,7 @@ T valueAtOrigin(uint code, CutWeights weights, const ValueAt& valueAt)
         case CutKind::OnLeavingEdge:
             return onEdge(corner);
         case CutKind::OnArrivingEdge:
-            return onEdge(corner > first ? corner - 1 : corner + 2);
+            return onEdge(previousCorner(corner));
         default:
             break;
     }

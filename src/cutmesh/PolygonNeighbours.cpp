@@ -2,6 +2,7 @@
 
 #include <Tessary/Topology.h>
 
+#include "base/FanTransfer.h"
 #include "base/MeshLayout.h"
 #include "base/ParallelLoop.h"
 
@@ -16,16 +17,13 @@ struct OuterEdges {
 Array<OuterEdges> outerEdgesOf(const Array<uint>& faceOffset, std::size_t triangleCount)
 {
     Array<OuterEdges> outer(triangleCount, OuterEdges{false, false});
-    const uint* const offsets = faceOffset.data();
     OuterEdges* const out = outer.data();
-    parallelForEach(static_cast<uint>(faceOffset.size() - 1), LoopContext::Isolated,
-                    [=](uint face) {
-                        const Fan fan = fanOf(offsets, face);
-                        if (fan.begin == fan.end)
-                            return;
-                        out[fan.begin].hasFirst = true;
-                        out[fan.end - 1].hasLast = true;
-                    });
+    forEachFan(faceOffset, LoopContext::Isolated, [out](uint, Fan fan) {
+        if (fan.begin == fan.end)
+            return;
+        out[fan.begin].hasFirst = true;
+        out[fan.end - 1].hasLast = true;
+    });
     return outer;
 }
 

@@ -3,12 +3,12 @@
 // How one property of one element type gets onto a cut mesh. Compiled for the blended types in
 // BlendProperty.cpp and for the picked ones in PickProperty.cpp.
 
+#include "base/FanTransfer.h"
 #include "cutmesh/CutMesh.h"
 #include "cutmesh/Interpolation.h"
 #include "cutmesh/NewIndices.h"
 #include "properties/ElementTypes.h"
 #include "properties/OutputProperty.h"
-#include "triangulate/FanTransfer.h"
 
 #include <algorithm>
 
@@ -28,7 +28,7 @@ void interpolatePoints(const CutMesh& cut, const Array<T>& pointValue, Array<T>&
 template <class T>
 void repeatOnQuads(const CutMesh& cut, const Array<T>& faceValue, Array<T>& out)
 {
-    forEachFan(*cut.faceOffset, [&](uint face, Fan fan) {
+    forEachFan(*cut.faceOffset, LoopContext::Bound, [&](uint face, Fan fan) {
         std::fill(out.begin() + std::size_t{3} * fan.begin, out.begin() + std::size_t{3} * fan.end,
                   faceValue[face]);
     });
@@ -53,7 +53,7 @@ void interpolateCorners(const CutMesh& cut, const Array<T>& cornerValue, Array<T
     const T* const in = cornerValue.data();
     T* const out = quadCornerValue.data();
     const CutWeights weights = cut.weights;
-    forEachFan(*cut.faceOffset, [=](uint, Fan fan) {
+    forEachFan(*cut.faceOffset, LoopContext::Bound, [=](uint, Fan fan) {
         const T* corner = in + fan.firstCorner;
         const T& apex = *corner;
         for (std::size_t t = fan.begin; t < fan.end; ++t) {

@@ -1,12 +1,11 @@
 #include <Tessary/Topology.h>
 
-#include "base/ParallelLoop.h"
+#include "base/ParallelReduce.h"
 #include "base/Prefetch.h"
 #include "base/PropertyAccess.h"
 #include "topology/LongLists.h"
 
 #include <algorithm>
-#include <atomic>
 #include <vector>
 
 // The triangle across a half-edge from point a to point b is the first, in the order of b's list of
@@ -19,17 +18,9 @@ namespace {
 // Looks at every list: offsets that wrapped around may reach far in the middle and end low.
 bool allListsEndWithin(std::size_t dualSize, const Array<uint>& dualOffset)
 {
-    std::atomic<bool> all{true};
     const uint* const end = dualOffset.data() + 1;
-    parallelLoop(0, static_cast<uint>(dualOffset.size() - 1), 1, LoopContext::Isolated,
-                 [&](uint first, uint last) {
-                     uint largest = 0;
-                     for (uint point = first; point < last; ++point)
-                         largest = std::max(largest, end[point]);
-                     if (largest > dualSize)
-                         all.store(false, std::memory_order_relaxed);
-                 });
-    return all;
+    return parallelMax(dualOffset.size() - 1, 1, [end](std::size_t point) { return end[point]; }) <=
+           dualSize;
 }
 
 // The offsets cut to the corners that there are, for a dual that was built more than once; none for

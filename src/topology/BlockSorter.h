@@ -2,6 +2,7 @@
 
 // The half-edges of a block of points, in the order of the edge table.
 
+#include "base/CountingSort.h"
 #include "base/MeshLayout.h"
 #include "base/Prefetch.h"
 #include "topology/HalfEdgeKeys.h"
@@ -66,9 +67,7 @@ public:
         uint* const next = m_bucketEnd.data();
         for (std::size_t i = 0; i < count; ++i)
             ++next[m_keyOf.place(filed.get(i)) & mask];
-        uint sum = 0;
-        for (uint& bucketEnd : m_bucketEnd)
-            sum += std::exchange(bucketEnd, sum);
+        exclusiveScan(next, pointCount);
         makeRoom(count);
         Key* const keys = m_keys.data();
         for (std::size_t i = 0; i < count; ++i) {
@@ -94,7 +93,7 @@ public:
             if (i + kAhead < count)
                 TESSARY_PREFETCH(faceVertex + corners[i + kAhead]);
             const uint corner = corners[i];
-            const uint next = nextCorner(corner, corner / 3);
+            const uint next = nextCorner(corner);
             keys[i] = keyOf.make(Ends(faceVertex[corner], faceVertex[next]), corner);
         }
     }

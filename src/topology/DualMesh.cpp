@@ -1,13 +1,13 @@
 #include <Tessary/Topology.h>
 
 #include "base/Assert.h"
+#include "base/CountingSort.h"
 #include "base/MeshLayout.h"
-#include "base/ParallelLoop.h"
+#include "base/ParallelReduce.h"
 #include "base/PropertyAccess.h"
-#include "topology/PieceCounters.h"
 
 #include <algorithm>
-#include <atomic>
+#include <numeric>
 #include <vector>
 
 namespace Tessary {
@@ -19,16 +19,8 @@ constexpr uint kCornersPerPiece = 1 << 20;
 // Whether the entries [0, size) all have one value.
 bool areAll(const Array<uint>& entries, std::size_t size, uint value)
 {
-    std::atomic<bool> all{true};
-    parallelLoop(0, static_cast<uint>(size), kCornersPerPiece, LoopContext::Isolated,
-                 [&](uint begin, uint end) {
-                     uint other = 0;
-                     for (std::size_t i = begin; i < end; ++i)
-                         other |= entries[i] ^ value;
-                     if (other != 0)
-                         all.store(false, std::memory_order_relaxed);
-                 });
-    return all;
+    const uint* const entry = entries.data();
+    return !parallelAny(size, kCornersPerPiece, [=](std::size_t i) { return entry[i] != value; });
 }
 
 // Whether the arrays arrive as addDual makes them: offsets zero, a free slot for every corner.
@@ -58,21 +50,17 @@ void listCorners(const Array<uint>& faceVertex, Range corners, uint* cursors, ui
         slots[cursors[faceVertex[corner]]++] = static_cast<uint>(corner);
 }
 
-void sumUp(Array<uint>& offsets)
+// Counts and lists the corners with the offsets themselves as cursors.
+void listSerially(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
+                  Array<uint>& dualFaceVertex)
 {
-    uint sum = 0;
-    for (uint& offset : offsets)
-        offset = sum += offset;
-}
-
-// Lists the corners with the offsets themselves as cursors, and shifts the offsets back.
-void fillByOffsets(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
-                   Array<uint>& dualFaceVertex)
-{
-    listCorners(faceVertex, {0, faceVertex.size()}, dualFaceOffset.data(), dualFaceVertex.data());
-    // Every cursor has reached the start of the next point's list.
-    std::copy_backward(dualFaceOffset.begin(), dualFaceOffset.end() - 1, dualFaceOffset.end());
-    dualFaceOffset[0] = 0;
+    const Range corners{0, faceVertex.size()};
+    const std::size_t pointCount = dualFaceOffset.size() - 1;
+    uint* const cursors = dualFaceOffset.data() + 1;
+    countCorners(faceVertex, corners, pointCount, cursors);
+    exclusiveScan(cursors, pointCount);
+    // Each cursor ends where the next point's list begins: at that point's offset.
+    listCorners(faceVertex, corners, cursors, dualFaceVertex.data());
 }
 
 // Lists the corners in pieces, each with cursors of its own.
@@ -80,16 +68,16 @@ void listInPieces(const Array<uint>& faceVertex, uint pieceCount, Array<uint>& d
                   Array<uint>& dualFaceVertex)
 {
     const std::size_t pointCount = dualFaceOffset.size() - 1;
-    PieceCounters cursors(pieceCount, pointCount);
+    CountingSort sort(pieceCount, pointCount);
     const auto cornersOf = [&](uint piece) { return partOf(faceVertex.size(), piece, pieceCount); };
     parallelForEach(pieceCount, LoopContext::Isolated, [&](uint piece) {
-        countCorners(faceVertex, cornersOf(piece), pointCount, cursors.of(piece));
+        countCorners(faceVertex, cornersOf(piece), pointCount, sort.counters(piece));
     });
-    cursors.turnIntoStarts();
+    sort.exclusiveScan();
     parallelForEach(pieceCount, LoopContext::Isolated, [&](uint piece) {
-        listCorners(faceVertex, cornersOf(piece), cursors.of(piece), dualFaceVertex.data());
+        listCorners(faceVertex, cornersOf(piece), sort.counters(piece), dualFaceVertex.data());
     });
-    std::copy_n(cursors.binEnds(), pointCount, dualFaceOffset.data() + 1);
+    std::copy_n(sort.binEnds(), pointCount, dualFaceOffset.data() + 1);
 }
 
 // As many as there are threads, where the cursors of all of them take no more than the corners.
@@ -162,12 +150,13 @@ void constructDualMesh(const Array<uint>& faceVertex, Array<uint>& dualFaceOffse
         listInPieces(faceVertex, pieceCount, dualFaceOffset, dualFaceVertex);
         return;
     }
+    if (isPrepared) {
+        listSerially(faceVertex, dualFaceOffset, dualFaceVertex);
+        return;
+    }
     countCorners(faceVertex, {0, faceVertex.size()}, pointCount, dualFaceOffset.data() + 1);
-    sumUp(dualFaceOffset);
-    if (isPrepared)
-        fillByOffsets(faceVertex, dualFaceOffset, dualFaceVertex);
-    else
-        fillBySearch(faceVertex, dualFaceOffset, dualFaceVertex);
+    std::partial_sum(dualFaceOffset.begin(), dualFaceOffset.end(), dualFaceOffset.begin());
+    fillBySearch(faceVertex, dualFaceOffset, dualFaceVertex);
 }
 
 void addDual(Object& geometry, const String& pointComponent, const String& faceVertexName,

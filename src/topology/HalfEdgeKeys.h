@@ -2,7 +2,7 @@
 
 // Half-edges by their larger point, and as numbers that stand in the order of the edge table.
 
-#include "base/Host.h"
+#include "base/MeshLayout.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -38,7 +38,7 @@ struct SortedTriangle {
     {
         const uint ofTwo = point[1] > point[0] ? 1 : 0;
         const uint k = point[2] > point[ofTwo] ? 2 : ofTwo;
-        const uint after = k == 2 ? 0 : k + 1;
+        const uint after = nextCorner(k, 0);
         const uint before = k == 0 ? 2 : k - 1;
         largest = point[k];
         middle = std::max(point[after], point[before]);

@@ -1,11 +1,11 @@
 #include <Tessary/Topology.h>
 
+#include "base/FanTransfer.h"
 #include "base/MeshLayout.h"
-#include "base/ParallelLoop.h"
+#include "base/ParallelReduce.h"
 #include "base/Prefetch.h"
 
 #include <algorithm>
-#include <atomic>
 #include <limits>
 #include <vector>
 
@@ -20,12 +20,6 @@ bool isCrease(float weight)
 bool isCrease(bool flag)
 {
     return flag;
-}
-
-// The corner after another in its triangle.
-uint after(uint corner)
-{
-    return nextCorner(corner, corner / 3);
 }
 
 // How many inner points a triangle gets, and which of them the quad of each corner uses. The corner
@@ -46,14 +40,14 @@ constexpr InnerPoints kInnerPoints[8] = {
 void setEdgePoints(uint corner, uint leaving, uint arriving, Array<uint>& quadFaceVertex)
 {
     quadFaceVertex[std::size_t{4} * corner + 1] = leaving;
-    quadFaceVertex[std::size_t{4} * after(corner) + 3] = arriving;
+    quadFaceVertex[std::size_t{4} * nextCorner(corner) + 3] = arriving;
 }
 
 // Whether `other` runs along the edge of `corner` the opposite way.
 bool isOpposite(const Array<uint>& triFaceVertex, uint corner, uint other)
 {
-    return triFaceVertex[other] == triFaceVertex[after(corner)] &&
-           triFaceVertex[after(other)] == triFaceVertex[corner];
+    return triFaceVertex[other] == triFaceVertex[nextCorner(corner)] &&
+           triFaceVertex[nextCorner(other)] == triFaceVertex[corner];
 }
 
 // Numbers new points in parallel as one pass over [0, size) would: `count(begin, end)` counts those of
@@ -152,30 +146,18 @@ uint numberInnerPoints(const Array<uint>& triFaceVertex, const Array<bool>& isCr
 template <class Crease>
 bool hasCrease(const Array<Crease>& creases)
 {
-    std::atomic<bool> any{false};
-    parallelLoop(0, static_cast<uint>(creases.size()), 1, LoopContext::Isolated,
-                 [&](uint begin, uint end) {
-                     uint found = 0;  // no bool: compilers vectorise this one
-                     for (std::size_t corner = begin; corner < end; ++corner)
-                         found |= isCrease(creases[corner]) ? 1u : 0u;
-                     if (found != 0)
-                         any.store(true, std::memory_order_relaxed);
-                 });
-    return any;
+    const Crease* const values = creases.data();
+    return parallelAny(creases.size(), 1, [values](std::size_t i) { return isCrease(values[i]); });
 }
 
 // Whether the table names all corners of the triangles, each of which it names at most once.
 bool namesEveryCorner(const Array<uint>& triEdges, std::size_t triangleCount)
 {
-    std::atomic<std::size_t> named{0};
-    parallelLoop(0, static_cast<uint>(triEdges.size() / 2), 1, LoopContext::Isolated,
-                 [&](uint begin, uint end) {
-                     std::size_t count = end - begin;
-                     for (uint e = begin; e < end; ++e)
-                         count += triEdges[std::size_t{2} * e + 1] != kNone ? 1 : 0;
-                     named.fetch_add(count, std::memory_order_relaxed);
-                 });
-    return named == 3 * triangleCount;
+    const std::size_t edgeCount = triEdges.size() / 2;
+    const uint* const other = triEdges.data() + 1;
+    const uint paired =
+        parallelCount(edgeCount, 1, [other](std::size_t e) { return other[2 * e] != kNone; });
+    return edgeCount + paired == 3 * triangleCount;
 }
 
 // Calls `visit(t)` for every triangle, in parallel, in rounds that end where an array of three entries
@@ -220,7 +202,7 @@ uint smoothQuadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdge
             quad[4 * k] = triFaceVertex[std::size_t{3} * t + k];
             quad[4 * k + 1] = edgePoint[k];
             quad[4 * k + 2] = firstInner + t;
-            quad[4 * k + 3] = edgePoint[(k + 2) % 3];
+            quad[4 * k + 3] = edgePoint[previousCorner(static_cast<uint>(k))];
         }
     });
     return firstInner + triangleCount;
@@ -257,17 +239,12 @@ uint computeQuadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdg
 void quadFaceIndexedInterpolation(const Array<uint>& faceOffset, const Array<uint>& faceValues,
                                   Array<uint>& quadFaceValues)
 {
-    if (faceOffset.empty())
-        return;
-    const uint* const offsets = faceOffset.data();
     const uint* const in = faceValues.data();
     uint* const out = quadFaceValues.data();
-    parallelForEach(static_cast<uint>(faceOffset.size() - 1), LoopContext::Isolated,
-                    [=](uint face) {
-                        const Fan fan = fanOf(offsets, face);
-                        for (std::size_t t = fan.begin; t < fan.end; ++t)
-                            out[3 * t] = out[3 * t + 1] = out[3 * t + 2] = in[face];
-                    });
+    forEachFan(faceOffset, LoopContext::Isolated, [in, out](uint face, Fan fan) {
+        for (std::size_t t = fan.begin; t < fan.end; ++t)
+            out[3 * t] = out[3 * t + 1] = out[3 * t + 2] = in[face];
+    });
 }
 
 }  // namespace Tessary

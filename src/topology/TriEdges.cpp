@@ -1,12 +1,12 @@
 #include <Tessary/Topology.h>
 
+#include "base/CountingSort.h"
 #include "base/MeshLayout.h"
-#include "base/ParallelLoop.h"
+#include "base/ParallelReduce.h"
 #include "topology/BlockSorter.h"
-#include "topology/PieceCounters.h"
 
 #include <algorithm>
-#include <atomic>
+#include <functional>
 #include <iostream>
 #include <vector>
 
@@ -21,6 +21,9 @@
 
 namespace Tessary {
 namespace {
+
+// Fewer are looked through as soon by one thread.
+constexpr uint kCornersPerPiece = 65536;
 
 class EdgeTable {
 public:
@@ -42,7 +45,7 @@ public:
     {
         makeRoom();
         count();
-        m_cursors.turnIntoStarts();
+        m_cursors.exclusiveScan();
         file();
         if (!sortBlocks())
             return false;
@@ -129,14 +132,14 @@ private:
         for (std::size_t t = triangles.begin; t < triangles.end; ++t) {
             const uint* const point = m_faceVertex + 3 * t;
             for (uint k = 0; k < 3; ++k)
-                visit(Ends(point[k], point[k == 2 ? 0 : k + 1]), static_cast<uint>(3 * t) + k);
+                visit(Ends(point[k], point[nextCorner(k, 0)]), static_cast<uint>(3 * t) + k);
         }
     }
 
     void count()
     {
         parallelForEach(m_cursors.pieceCount(), LoopContext::Isolated, [this](uint piece) {
-            uint* const counts = m_cursors.of(piece);
+            uint* const counts = m_cursors.counters(piece);
             if (m_binBits == 0)
                 forEachTriangle(piece, [counts](const SortedTriangle& triangle) {
                     counts[triangle.largest] += 2;
@@ -160,7 +163,7 @@ private:
 
     void fileByPoint(uint piece)
     {
-        uint* const cursors = m_cursors.of(piece);
+        uint* const cursors = m_cursors.counters(piece);
         uint* const corners = m_triEdges.data();
         forEachTriangle(piece, [=](const SortedTriangle& triangle) {
             const uint slot = cursors[triangle.largest];
@@ -173,7 +176,7 @@ private:
 
     void fileByBlock(uint piece)
     {
-        uint* const cursors = m_cursors.of(piece);
+        uint* const cursors = m_cursors.counters(piece);
         const Filed filed{m_triEdges.data(), m_upper.data()};
         const HalfEdgeKeys keyOf = m_keyOf;
         forEachHalfEdge(piece, [=](Ends ends, uint corner) {
@@ -183,14 +186,15 @@ private:
 
     bool sortBlocks()
     {
-        std::atomic<bool> succeeded{true};
-        parallelLoop(0, m_blockCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
+        const auto sortSome = [this](uint begin, uint end) {
             BlockSorter sorter(m_faceVertex, m_keyOf);
+            bool succeeded = true;
             for (uint block = begin; block < end; ++block)
-                if (!sortBlock(block, sorter))
-                    succeeded.store(false, std::memory_order_relaxed);
-        });
-        return succeeded;
+                succeeded &= sortBlock(block, sorter);
+            return succeeded;
+        };
+        return parallelReduce(m_blockCount, 1, LoopContext::Isolated, true, sortSome,
+                              std::logical_and<>());
     }
 
     bool sortBlock(uint block, BlockSorter& sorter)
@@ -246,7 +250,7 @@ private:
     HalfEdgeKeys m_keyOf;
     uint m_binBits;  // a bin has 2^m_binBits points
     uint m_blockCount;
-    PieceCounters m_cursors;  // for pieces of the triangles
+    CountingSort m_cursors;  // for pieces of the triangles
     Array<uint> m_upper;
     std::vector<std::vector<uint>> m_singles;  // of each block, from its begin on
     Array<uint>& m_triEdges;
@@ -266,19 +270,12 @@ Array<uint> ranksOf(const Array<uint>& points)
     return ranks;
 }
 
-// One more than the largest point that is named.
+// One more than the largest point that is named; there is one.
 std::size_t pointCountOf(const Array<uint>& faceVertex)
 {
-    const uint pieces = 1 + static_cast<uint>(faceVertex.size() / 65536);
-    std::vector<std::size_t> count(pieces);
-    parallelForEach(pieces, LoopContext::Isolated, [&](uint i) {
-        const Range range = partOf(faceVertex.size(), i, pieces);
-        uint largest = 0;
-        for (std::size_t corner = range.begin; corner < range.end; ++corner)
-            largest = std::max(largest, faceVertex[corner]);
-        count[i] = range.begin < range.end ? std::size_t{largest} + 1 : 0;
-    });
-    return *std::max_element(count.begin(), count.end());
+    const uint* const points = faceVertex.data();
+    return std::size_t{1} + parallelMax(faceVertex.size(), kCornersPerPiece,
+                                        [points](std::size_t corner) { return points[corner]; });
 }
 
 }  // namespace

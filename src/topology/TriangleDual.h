@@ -25,7 +25,7 @@ struct TriangleDual {
     /// The point that follows a corner in its triangle; kNone where an incomplete last one lacks it.
     uint pointAfter(uint corner) const
     {
-        const uint next = nextCorner(corner, corner / 3);
+        const uint next = nextCorner(corner);
         return next < cornerCount ? faceVertex[next] : kNone;
     }
 };

@@ -1,9 +1,9 @@
 #include <Tessary/Triangulation.h>
 
+#include "base/FanTransfer.h"
 #include "base/PropertyAccess.h"
 #include "properties/ElementTypes.h"
 #include "properties/OutputProperty.h"
-#include "triangulate/FanTransfer.h"
 
 namespace Tessary {
 namespace {

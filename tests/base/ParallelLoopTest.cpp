@@ -1,4 +1,4 @@
-#include "base/ParallelLoop.h"
+#include "base/ParallelReduce.h"
 
 #include "support/Cancellation.h"
 #include "support/Threads.h"
@@ -63,4 +63,20 @@ TEST(ParallelLoop, AnExceptionOfTheBodyReachesTheCaller)
             throw std::length_error("body");
     };
     EXPECT_THROW(parallelLoop(0, 100, 1, LoopContext::Isolated, body), std::length_error);
+}
+
+TEST(ParallelReduce, SeesEveryIndexOnceAtAnyThreadCount)
+{
+    TestSupport::atSeveralThreadCounts([](int) {
+        for (const uint size : {0u, 1u, 2u, 1000u, 100000u}) {
+            SCOPED_TRACE(size);
+            const auto isLast = [size](std::size_t i) { return i + 1 == size; };
+            EXPECT_EQ(parallelAny(size, 1, isLast), size > 0);
+            EXPECT_FALSE(parallelAny(size, 16, [size](std::size_t i) { return i >= size; }));
+            EXPECT_EQ(parallelCount(size, 1, [](std::size_t i) { return i % 3 == 0; }),
+                      (size + 2) / 3);
+            EXPECT_EQ(parallelMax(size, 1, [](std::size_t i) { return uint(i ^ 1); }),
+                      size < 2 ? size : size - 1);
+        }
+    });
 }

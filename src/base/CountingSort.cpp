@@ -1,4 +1,4 @@
-#include "topology/PieceCounters.h"
+#include "base/CountingSort.h"
 
 #include "base/ParallelLoop.h"
 
@@ -8,7 +8,15 @@
 
 namespace Tessary {
 
-void PieceCounters::turnIntoStarts()
+uint exclusiveScan(uint* counts, std::size_t size)
+{
+    uint sum = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        sum += std::exchange(counts[i], sum);
+    return sum;
+}
+
+uint CountingSort::exclusiveScan()
 {
     constexpr std::size_t kBinsPerBlock = 4096;
     const auto blockCount = static_cast<uint>((m_binCount + kBinsPerBlock - 1) / kBinsPerBlock);
@@ -17,17 +25,18 @@ void PieceCounters::turnIntoStarts()
         const Range bins = partOf(m_binCount, block, blockCount);
         uint sum = 0;
         for (uint piece = 0; piece < m_pieceCount; ++piece)
-            sum = std::accumulate(of(piece) + bins.begin, of(piece) + bins.end, sum);
-        blockBegin[block + 1] = sum;
+            sum = std::accumulate(counters(piece) + bins.begin, counters(piece) + bins.end, sum);
+        blockBegin[block] = sum;
     });
-    std::partial_sum(blockBegin.begin(), blockBegin.end(), blockBegin.begin());
+    const uint itemCount = Tessary::exclusiveScan(blockBegin.data(), blockBegin.size());
     parallelForEach(blockCount, LoopContext::Isolated, [&](uint block) {
         const Range bins = partOf(m_binCount, block, blockCount);
         uint sum = blockBegin[block];
         for (std::size_t bin = bins.begin; bin < bins.end; ++bin)
             for (uint piece = 0; piece < m_pieceCount; ++piece)
-                sum += std::exchange(of(piece)[bin], sum);
+                sum += std::exchange(counters(piece)[bin], sum);
     });
+    return itemCount;
 }
 
 }  // namespace Tessary

@@ -7,38 +7,38 @@
 
 namespace Tessary {
 
-/// Runs `body(face, fan)` for every face, in parallel and bound to the caller's job.
+/// Runs `body(face, fan)` for every face, in parallel.
 template <class Body>
-void forEachFan(const Array<uint>& faceOffset, const Body& body)
+void forEachFan(const Array<uint>& faceOffset, LoopContext context, const Body& body)
 {
     if (faceOffset.empty())
         return;
     const uint* const offsets = faceOffset.data();
-    parallelForEach(static_cast<uint>(faceOffset.size() - 1), LoopContext::Bound,
+    parallelForEach(static_cast<uint>(faceOffset.size() - 1), context,
                     [offsets, &body](uint face) { body(face, fanOf(offsets, face)); });
 }
 
-/// Repeats each face's value on the triangles of its fan.
+/// Repeats each face's value on the triangles of its fan. Bound to the caller's job.
 template <class T>
 void repeatOnTriangles(const Array<uint>& faceOffset, const Array<T>& faceValue,
                        Array<T>& triangleValue)
 {
     const T* const in = faceValue.data();
     T* const out = triangleValue.data();
-    forEachFan(faceOffset, [in, out](uint face, Fan fan) {
+    forEachFan(faceOffset, LoopContext::Bound, [in, out](uint face, Fan fan) {
         for (uint t = fan.begin; t < fan.end; ++t)
             out[t] = in[face];
     });
 }
 
-/// Picks, for each triangle corner, the value of the polygon corner that it came from.
+/// Picks, for each triangle corner, the value of the polygon corner that it came from. Bound.
 template <class T>
 void pickAtCorners(const Array<uint>& faceOffset, const Array<T>& cornerValue,
                    Array<T>& triangleCornerValue)
 {
     const T* const in = cornerValue.data();
     T* const out = triangleCornerValue.data();
-    forEachFan(faceOffset, [in, out](uint, Fan fan) {
+    forEachFan(faceOffset, LoopContext::Bound, [in, out](uint, Fan fan) {
         if (fan.begin == fan.end)
             return;
         const T* corner = in + fan.firstCorner;
