@@ -1,7 +1,16 @@
 #pragma once
 
-// Half-edges by their larger point, and as numbers that stand in the order of the edge table.
+// Half-edges by their larger point, and as numbers that stand in the order of the edge table:
+//
+//   63                                                0
+//   | place        | smaller point | corner | direction |
+//     low bits of                             1 where it starts at the larger point;
+//     the larger point                        no bit where the other fields take all 64
+//
+// Of keys in one bucket of a point, the higher fields alone tell edges apart, and the corner makes every
+// key different: any sort of keys is stable.
 
+#include "base/CountingSort.h"
 #include "base/MeshLayout.h"
 
 #include <algorithm>
@@ -10,7 +19,8 @@
 
 namespace Tessary {
 
-/// A half-edge by its ends, told apart without jumps: which is the larger is hard to foresee.
+/// A half-edge by its ends, branchless: which is the larger is unpredictable, and mispredictions would
+/// dominate the scatter.
 struct Ends {
     uint larger;
     uint smaller;
@@ -24,47 +34,35 @@ struct Ends {
     }
 };
 
-/// A triangle by its points. Two of its half-edges have the largest one for their larger end, the third
-/// has the middle one.
-struct SortedTriangle {
-    uint largest;
-    uint middle;
-    uint corner;  ///< of the largest point
-    uint next;
-    uint previous;
+/// The triangles of an edge table to be.
+struct Triangles {
+    const uint* faceVertex;
+    std::size_t count;
+    std::size_t pointCount;  ///< one more than the largest point
 
-    /// Jumps: where triangles follow each other in the order of their points, they can be foreseen.
-    SortedTriangle(const uint* point, uint firstCorner)
+    std::size_t cornerCount() const { return 3 * count; }
+
+    Ends ends(uint corner) const
     {
-        const uint ofTwo = point[1] > point[0] ? 1 : 0;
-        const uint k = point[2] > point[ofTwo] ? 2 : ofTwo;
-        const uint after = nextCorner(k, 0);
-        const uint before = k == 0 ? 2 : k - 1;
-        largest = point[k];
-        middle = std::max(point[after], point[before]);
-        corner = firstCorner + k;
-        next = firstCorner + after;
-        previous = firstCorner + before;
+        return Ends(faceVertex[corner], faceVertex[nextCorner(corner)]);
     }
 };
 
 using Key = std::uint64_t;
 
-/// Keys hold, from their highest bit on, as much of the larger point as there is room for (its place),
-/// the smaller point, the corner, and the direction. Those of one larger point are ordered by smaller
-/// point, then corner; the corner makes every key different, so that no order is left open.
+/// Packs half-edges into keys and reads them.
 class HalfEdgeKeys {
 public:
-    /// `faceVertex` stays referred to.
-    HalfEdgeKeys(const uint* faceVertex, std::size_t cornerCount, std::size_t pointCount)
-        : m_faceVertex(faceVertex),
-          m_cornerBits(bitsOf(cornerCount - 1)),
-          m_smallerBits(bitsOf(pointCount - 1)),
-          m_directionBits(m_cornerBits + m_smallerBits < 64 ? 1 : 0),
-          m_cornerMask((Key{1} << m_cornerBits) - 1),
-          m_smallerUnit(Key{1} << (m_cornerBits + m_directionBits)),
-          m_placeUnit(m_smallerUnit << m_smallerBits)
-    {}
+    /// `mesh.faceVertex` stays referred to.
+    explicit HalfEdgeKeys(const Triangles& mesh) : m_faceVertex(mesh.faceVertex)
+    {
+        m_cornerBits = bitsOf(mesh.cornerCount() - 1);
+        m_smallerBits = bitsOf(mesh.pointCount - 1);
+        m_directionBits = m_cornerBits + m_smallerBits < 64 ? 1 : 0;
+        m_cornerMask = (Key{1} << m_cornerBits) - 1;
+        m_smallerUnit = Key{1} << (m_cornerBits + m_directionBits);
+        m_placeUnit = m_smallerUnit << m_smallerBits;
+    }
 
     /// How many of the larger point's low bits are in its place.
     uint placeBits() const { return 64 - m_smallerBits - m_cornerBits - m_directionBits; }
@@ -100,7 +98,7 @@ private:
     const uint* m_faceVertex;
     uint m_cornerBits;
     uint m_smallerBits;
-    uint m_directionBits;  // the largest meshes have no bit to spare
+    uint m_directionBits;
     Key m_cornerMask;
     Key m_smallerUnit;
     Key m_placeUnit;
