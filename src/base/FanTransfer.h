@@ -1,7 +1,11 @@
 #pragma once
 
-// How the faces of a polygon mesh hand values on to the triangles of their fans.
+// How values of a polygon mesh come to the triangles of its fans:
+//
+//   face values      | A       |     repeatOnTriangles   | A     | A     |
+//   corner values    | a b c d |     pickAtCorners       | a b c | a c d |
 
+#include "base/Assert.h"
 #include "base/MeshLayout.h"
 #include "base/ParallelLoop.h"
 
@@ -25,7 +29,11 @@ void repeatOnTriangles(const Array<uint>& faceOffset, const Array<T>& faceValue,
 {
     const T* const in = faceValue.data();
     T* const out = triangleValue.data();
-    forEachFan(faceOffset, LoopContext::Bound, [in, out](uint face, Fan fan) {
+    forEachFan(faceOffset, LoopContext::Bound, [&, in, out](uint face, Fan fan) {
+        TESSARY_ASSERT(
+            fan.begin == fan.end || (face < faceValue.size() && fan.end <= triangleValue.size()),
+            "face " << face << " of " << faceValue.size() << ", triangle " << fan.end << " of "
+                    << triangleValue.size());
         for (uint t = fan.begin; t < fan.end; ++t)
             out[t] = in[face];
     });
@@ -38,9 +46,14 @@ void pickAtCorners(const Array<uint>& faceOffset, const Array<T>& cornerValue,
 {
     const T* const in = cornerValue.data();
     T* const out = triangleCornerValue.data();
-    forEachFan(faceOffset, LoopContext::Bound, [in, out](uint, Fan fan) {
+    forEachFan(faceOffset, LoopContext::Bound, [&, in, out](uint, Fan fan) {
         if (fan.begin == fan.end)
             return;
+        TESSARY_ASSERT(
+            fan.firstCorner + std::size_t{2} + (fan.end - fan.begin) <= cornerValue.size() &&
+                std::size_t{3} * fan.end <= triangleCornerValue.size(),
+            "corner " << fan.firstCorner << " of " << cornerValue.size() << ", triangle " << fan.end
+                      << " of " << triangleCornerValue.size() / 3);
         const T* corner = in + fan.firstCorner;
         const T& apex = *corner;
         for (std::size_t t = fan.begin; t < fan.end; ++t) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Assert.h"
 #include "base/Host.h"
 #include "cutmesh/Interpolation.h"
 
@@ -27,7 +28,12 @@ struct CutMesh {
         return hasFaces() && hasTriangles() && dualOffset && !dualOffset->empty() && dualCorner;
     }
 
-    uint originOf(uint point) const { return pointOrigins[pointIds[point]]; }
+    uint originOf(uint point) const
+    {
+        TESSARY_ASSERT(point < pointIds.size() && pointIds[point] < pointOrigins.size(),
+                       "point " << point << " of " << pointIds.size());
+        return pointOrigins[pointIds[point]];
+    }
 };
 
 /// One property on its way.

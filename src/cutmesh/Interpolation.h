@@ -2,8 +2,11 @@
 
 // A value between two or three others: blended where the type is a real one, else picked.
 //
-// t is the weight of an edge's start a against its end b; w[0], w[1] and w[2] are those of a
-// triangle's corners a, b and c. All are floats and widened where the values are doubles.
+//                                            blended                   picked
+//   on an edge from a to b                   t a + (1 - t) b           a where t >= 1/2, else b
+//   in a triangle of corners a, b, c         w0 a + w1 b + w2 c        the one of the largest weight
+//
+// Weights are floats, widened first where the values are doubles.
 
 #include "base/Host.h"
 #include "base/MeshLayout.h"
@@ -83,7 +86,7 @@ T amongThree(const float* w, const T& a, const T& b, const T& c)
     }
 }
 
-/// Where the triangles' corners and edges are cut.
+/// t of the edge that leaves each corner of the triangles, and w of each corner.
 struct CutWeights {
     const float* edge;
     const float* triangle;

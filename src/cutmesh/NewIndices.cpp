@@ -2,6 +2,7 @@
 
 #include <Tessary/Topology.h>
 
+#include "base/Assert.h"
 #include "base/MeshLayout.h"
 #include "cutmesh/PolygonNeighbours.h"
 #include "properties/OutputProperty.h"
@@ -14,7 +15,14 @@ MutablePtr<Array<uint>> unsetIndices(const CutMesh& cut, const String& component
     return filledArray<uint>(Geometry::getElementCount(cut.target, component), kNone);
 }
 
-// Numbers the values at the corners of the quads, triangle by triangle.
+// Numbers the values at the corners of the quads, triangle by triangle: at the fan's corners as in the
+// source, everywhere else with new numbers in the order of the slots in which they are first needed.
+//
+//            x2               e01    the fan's last diagonal, or an edge of the polygon
+//           .  .              centre always new
+//       e20      e12          e20    the fan's next diagonal, or an edge of the polygon
+//        .  centre  .         e12    an edge of the polygon: the neighbour's number where it has one
+//     x0 --- e01 --- x1
 class CornerNumbering {
 public:
     CornerNumbering(const Array<uint>& sourceIndices, const Array<uint>& neighbours,
@@ -23,17 +31,19 @@ public:
           m_neighbours(neighbours.data()),
           m_valueCount(valueCount),
           m_slots(out.indices->data()),
+          m_slotCount(out.indices->size()),
           m_appended(out.appended)
     {}
 
     void addFan(Fan fan)
     {
+        TESSARY_ASSERT(std::size_t{12} * fan.end <= m_slotCount,
+                       "target corner " << 12 * fan.end << " of " << m_slotCount);
         for (uint triangle = fan.begin; triangle < fan.end; ++triangle) {
             const uint middle = fan.firstCorner + (triangle - fan.begin) + 1;
             const uint corner = 3 * triangle;
             const uint points[3] = {m_source[fan.firstCorner], m_source[middle],
                                     m_source[middle + 1]};
-            // In the order of the slots: new values come in the order in which they are needed.
             const uint e01 = triangle > fan.begin ? m_diagonal : edgeIndex(corner);
             const uint centre = append(corner, CutKind::InTriangle);
             const uint e20 = triangle + 1 < fan.end ? append(corner + 2, CutKind::OnLeavingEdge)
@@ -78,6 +88,7 @@ private:
     const uint* m_neighbours;
     const uint m_valueCount;
     uint* m_slots;
+    [[maybe_unused]] const std::size_t m_slotCount;
     Array<uint>& m_appended;
     uint m_diagonal = kNone;  // the index at the edge that the fan's next triangle begins with
 };

@@ -1,7 +1,13 @@
 #pragma once
 
-// Where a cut point lies: a corner of a triangle and one of four kinds, in one word. Corner c of the
-// triangles has the quad 4c to 4c + 3, and each of its entries lies where that number says as a code.
+// Where a cut point lies, in one word: corner c of a triangle in the upper 30 bits, one of four kinds in
+// the lower two.
+//
+//   next            The quad of corner c is entries 4c to 4c + 3, in the order of the kinds: each entry
+//   |  .            lies where its own number says as a code.
+//   1     .
+//   |  2     .
+//   c -- 3 -- previous
 
 #include "base/Host.h"
 

@@ -6,6 +6,11 @@
 #include "base/MeshLayout.h"
 #include "base/ParallelLoop.h"
 
+//   o+2 --- o+1                  of a fan's triangles, the edges at corner 1 all belong to the polygon,
+//   | 1 .    |                   those at corner 0 and 2 only in the first and the last; the others are
+//   |   . 0  |                   inner diagonals
+//   o+3 ---- o
+
 namespace Tessary {
 namespace {
 

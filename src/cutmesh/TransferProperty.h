@@ -3,6 +3,7 @@
 // How one property of one element type gets onto a cut mesh. Compiled for the blended types in
 // BlendProperty.cpp and for the picked ones in PickProperty.cpp.
 
+#include "base/Assert.h"
 #include "base/FanTransfer.h"
 #include "cutmesh/CutMesh.h"
 #include "cutmesh/Interpolation.h"
@@ -19,7 +20,11 @@ void interpolatePoints(const CutMesh& cut, const Array<T>& pointValue, Array<T>&
 {
     const T* const values = pointValue.data();
     const uint* const points = cut.cornerPoint->data();
-    const auto valueAt = [=](uint corner) -> const T& { return values[points[corner]]; };
+    const auto valueAt = [&, values, points](uint corner) -> const T& {
+        TESSARY_ASSERT(corner < cut.cornerPoint->size() && points[corner] < pointValue.size(),
+                       "corner " << corner << " of " << cut.cornerPoint->size());
+        return values[points[corner]];
+    };
     parallelForEach(static_cast<uint>(out.size()), LoopContext::Bound, [&](uint point) {
         out[point] = valueAtOrigin<T>(cut.originOf(point), cut.weights, valueAt);
     });
@@ -29,12 +34,20 @@ template <class T>
 void repeatOnQuads(const CutMesh& cut, const Array<T>& faceValue, Array<T>& out)
 {
     forEachFan(*cut.faceOffset, LoopContext::Bound, [&](uint face, Fan fan) {
+        TESSARY_ASSERT(fan.begin == fan.end ||
+                           (face < faceValue.size() && std::size_t{3} * fan.end <= out.size()),
+                       "face " << face << " of " << faceValue.size() << ", target face "
+                               << 3 * fan.end << " of " << out.size());
         std::fill(out.begin() + std::size_t{3} * fan.begin, out.begin() + std::size_t{3} * fan.end,
                   faceValue[face]);
     });
 }
 
-// The twelve corners of a triangle's quads from its own three values.
+//            f2             The twelve corners of a triangle's quads from its own three values:
+//           .  .
+//       e20      e12       0: f0 e01 centre e20
+//        .  centre  .       1: f1 e12 centre e01
+//     f0 --- e01 --- f1    2: f2 e20 centre e12
 template <class T>
 void interpolateTriangle(CutWeights weights, const T& f0, const T& f1, const T& f2, T* out)
 {
@@ -53,15 +66,22 @@ void interpolateCorners(const CutMesh& cut, const Array<T>& cornerValue, Array<T
     const T* const in = cornerValue.data();
     T* const out = quadCornerValue.data();
     const CutWeights weights = cut.weights;
-    forEachFan(*cut.faceOffset, LoopContext::Bound, [=](uint, Fan fan) {
-        const T* corner = in + fan.firstCorner;
-        const T& apex = *corner;
-        for (std::size_t t = fan.begin; t < fan.end; ++t) {
-            ++corner;
-            interpolateTriangle({weights.edge + 3 * t, weights.triangle + 3 * t}, apex, corner[0],
-                                corner[1], out + 12 * t);
-        }
-    });
+    forEachFan(
+        *cut.faceOffset, LoopContext::Bound, [=, &cornerValue, &quadCornerValue](uint, Fan fan) {
+            TESSARY_ASSERT(
+                fan.begin == fan.end || (fan.firstCorner + std::size_t{2} + (fan.end - fan.begin) <=
+                                             cornerValue.size() &&
+                                         std::size_t{12} * fan.end <= quadCornerValue.size()),
+                "corner " << fan.firstCorner << " of " << cornerValue.size() << ", target corner "
+                          << 12 * fan.end << " of " << quadCornerValue.size());
+            const T* corner = in + fan.firstCorner;
+            const T& apex = *corner;
+            for (std::size_t t = fan.begin; t < fan.end; ++t) {
+                ++corner;
+                interpolateTriangle({weights.edge + 3 * t, weights.triangle + 3 * t}, apex,
+                                    corner[0], corner[1], out + 12 * t);
+            }
+        });
 }
 
 template <class T>

@@ -1,5 +1,6 @@
 #include <Tessary/Topology.h>
 
+#include "base/Assert.h"
 #include "base/ParallelReduce.h"
 #include "base/Prefetch.h"
 #include "base/PropertyAccess.h"
@@ -8,9 +9,10 @@
 #include <algorithm>
 #include <vector>
 
-// The triangle across a half-edge from point a to point b is the first, in the order of b's list of
-// corners, that follows b with a. Lists are short on most meshes and walked as they are; long ones
-// are indexed first.
+//   b ----- .        The triangle across the half-edge from a to b is the first in b's list of corners,
+//   | \ ?   |        other than t, whose corner at b is followed by a.
+//   | t \   |
+//   . ----- a        Lists are short on most meshes and walked; long ones are indexed first.
 
 namespace Tessary {
 namespace {
@@ -23,8 +25,8 @@ bool allListsEndWithin(std::size_t dualSize, const Array<uint>& dualOffset)
            dualSize;
 }
 
-// The offsets cut to the corners that there are, for a dual that was built more than once; none for
-// any other.
+// The offsets clamped to the corners that there are, for a dual that was built more than once; none
+// for any other.
 std::vector<uint> offsetsInside(const Array<uint>& dualOffset, std::size_t dualSize)
 {
     if (allListsEndWithin(dualSize, dualOffset))
@@ -33,6 +35,13 @@ std::vector<uint> offsetsInside(const Array<uint>& dualOffset, std::size_t dualS
     for (uint& offset : inside)
         offset = static_cast<uint>(std::min<std::size_t>(offset, dualSize));
     return inside;
+}
+
+[[maybe_unused]] std::size_t largestPoint(const Array<uint>& faceVertex)
+{
+    const uint* const points = faceVertex.data();
+    return parallelMax(faceVertex.size(), 1,
+                       [points](std::size_t corner) { return points[corner]; });
 }
 
 uint findInList(const TriangleDual& dual, DirectedEdge edge)
@@ -47,22 +56,29 @@ uint findInList(const TriangleDual& dual, DirectedEdge edge)
     return kNone;
 }
 
+// Prefetches the lists that triangle `t`'s successors will walk, and before that where these begin:
+// points may come in any order.
+void prefetchLists(const TriangleDual& dual, uint t, uint triangleCount)
+{
+    constexpr std::size_t kOffsetsAhead = 24;
+    constexpr std::size_t kListsAhead = 12;
+    const uint* const point = dual.faceVertex + std::size_t{3} * t;
+    for (int k = 0; k < 3 && t + kOffsetsAhead < triangleCount; ++k) {
+        TESSARY_PREFETCH(dual.offset + point[3 * kOffsetsAhead + k]);
+        TESSARY_PREFETCH(dual.corners + dual.offset[point[3 * kListsAhead + k]]);
+    }
+}
+
 // Writes `find(dual, edge)` for every half-edge of the triangles.
 template <class Find>
 void forEachHalfEdge(const TriangleDual& mesh, uint* adjacentTri, const Find& find)
 {
-    // Points may come in any order, so their lists are asked for well before they are walked.
-    constexpr std::size_t kOffsetsAhead = 24;
-    constexpr std::size_t kListsAhead = 12;
     const uint triangleCount = static_cast<uint>(mesh.cornerCount / 3);
     parallelLoop(0, triangleCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
         const TriangleDual dual = mesh;  // a copy that registers can hold
         for (uint t = begin; t < end; ++t) {
             const uint* const point = dual.faceVertex + std::size_t{3} * t;
-            for (int k = 0; k < 3 && t + kOffsetsAhead < triangleCount; ++k) {
-                TESSARY_PREFETCH(dual.offset + point[3 * kOffsetsAhead + k]);
-                TESSARY_PREFETCH(dual.corners + dual.offset[point[3 * kListsAhead + k]]);
-            }
+            prefetchLists(dual, t, triangleCount);
             uint* const out = adjacentTri + std::size_t{3} * t;
             out[0] = find(dual, {t, point[0], point[1]});
             out[1] = find(dual, {t, point[1], point[2]});
@@ -79,6 +95,9 @@ void populateAdjacentTri(const Array<uint>& triFaceVertex, const Array<uint>& du
     adjacentTri.resize(triFaceVertex.size());
     if (triFaceVertex.size() < 3 || dualFaceOffset.empty())
         return;
+    TESSARY_ASSERT(largestPoint(triFaceVertex) + 1 < dualFaceOffset.size(),
+                   "a corner names point " << largestPoint(triFaceVertex) << " of "
+                                           << dualFaceOffset.size() - 1);
     const std::vector<uint> inside = offsetsInside(dualFaceOffset, dualFaceVertex.size());
     const TriangleDual mesh{triFaceVertex.data(), triFaceVertex.size(),
                             inside.empty() ? dualFaceOffset.data() : inside.data(),

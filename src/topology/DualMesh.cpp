@@ -10,6 +10,17 @@
 #include <numeric>
 #include <vector>
 
+// A counting sort of the corners by point, with the offsets themselves as its counters:
+//
+//   faceVertex        2 0 2 1
+//   offset        0 | 1 1 2 |       counts, one entry on
+//                 0 | 0 1 2 |       exclusiveScan: cursors
+//                 0 | 1 2 4 |       scattered: each cursor ends where the next list begins
+//   corners       | 1 | 3 | 0 2 |
+//
+// In pieces on several threads, each piece has counters of its own. Both take arrays as addDual
+// prepares them; in any others, corners go to the first slot of their point's range that is free.
+
 namespace Tessary {
 namespace {
 
@@ -50,7 +61,7 @@ void listCorners(const Array<uint>& faceVertex, Range corners, uint* cursors, ui
         slots[cursors[faceVertex[corner]]++] = static_cast<uint>(corner);
 }
 
-// Counts and lists the corners with the offsets themselves as cursors.
+// With the offsets themselves as cursors.
 void listSerially(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
                   Array<uint>& dualFaceVertex)
 {
@@ -59,11 +70,9 @@ void listSerially(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
     uint* const cursors = dualFaceOffset.data() + 1;
     countCorners(faceVertex, corners, pointCount, cursors);
     exclusiveScan(cursors, pointCount);
-    // Each cursor ends where the next point's list begins: at that point's offset.
     listCorners(faceVertex, corners, cursors, dualFaceVertex.data());
 }
 
-// Lists the corners in pieces, each with cursors of its own.
 void listInPieces(const Array<uint>& faceVertex, uint pieceCount, Array<uint>& dualFaceOffset,
                   Array<uint>& dualFaceVertex)
 {
@@ -89,8 +98,8 @@ uint pieceCountFor(std::size_t cornerCount, std::size_t pointCount)
         std::min<std::size_t>({loopConcurrency(), 8, mostByMemory, mostBySize}));
 }
 
-// Finds free slots as a search from any start would, in near constant time: every slot knows one at
-// or after it, up to the first free one, and each look shortens the way of the next.
+// Finds free slots as a search from any start would: a disjoint-set forest in which every slot points
+// to itself where it is free, else to one behind it. Each search halves its path.
 class FreeSlots {
 public:
     explicit FreeSlots(const Array<uint>& dualFaceVertex)
@@ -102,7 +111,7 @@ public:
             m_next[slot] = dualFaceVertex[slot] == kNone ? slot : m_next[slot + 1];
     }
 
-    /// The first free slot from `slot` on; past the end of the array where there is none.
+    // The first free slot from `slot` on; past the end of the array where there is none.
     uint find(uint slot)
     {
         slot = std::min(slot, static_cast<uint>(m_next.size()) - 1);
@@ -119,8 +128,7 @@ private:
     std::vector<uint> m_next;
 };
 
-// Lists the corners, each in the first free slot of its point's range. Offsets
-// that arrived filled may make ranges overlap, wrap, or reach past the array.
+// Offsets that arrived filled may make ranges overlap, wrap, or reach past the array.
 void fillBySearch(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffset,
                   Array<uint>& dualFaceVertex)
 {

@@ -1,8 +1,16 @@
 #include <Tessary/HalfEdge.h>
 
+#include "base/Assert.h"
 #include "base/MeshLayout.h"
 
 #include <algorithm>
+
+// The half-edges of a polygon f and of its fan; t is the fan's first triangle, offset[f] - 2 f:
+//
+//   the one at the first corner          corner 0 of triangle t
+//   at the ith corner in between         corner 1 of triangle t + i - 1, which has it in the middle
+//   at the last corner                   corner 2 of the fan's last triangle
+//   none: an inner diagonal              corner 0 or 2 of any other triangle
 
 namespace Tessary {
 namespace {
@@ -28,16 +36,18 @@ HalfEdge polyEdgeToTriEdge(const Array<uint>& faceOffset, HalfEdge polyEdge)
 {
     const uint corner = polyEdge.faceVertex;
     const uint face = polyEdge.face;
+    TESSARY_ASSERT(std::size_t{face} + 1 < faceOffset.size(),
+                   "face " << face << " of " << faceOffset.size() - 1);
 
-    if (corner == faceOffset[face]) {  // corner 0 of the first triangle
+    if (corner == faceOffset[face]) {
         const uint triangle = corner - 2 * face;
         return {3 * triangle, triangle};
     }
-    if (corner == faceOffset[face + 1] - 1) {  // corner 2 of the last triangle
+    if (corner == faceOffset[face + 1] - 1) {
         const uint triangle = corner - 2 * face - 2;
         return {3 * triangle + 2, triangle};
     }
-    const uint triangle = corner - 2 * face - 1;  // the triangle that has it in the middle
+    const uint triangle = corner - 2 * face - 1;
     return {3 * triangle + 1, triangle};
 }
 
@@ -65,8 +75,13 @@ HalfEdge findAdjacentHalfEdge(const Array<uint>& triFaceVertex, const Array<uint
     if (next >= cornerCount)
         return {kNone, kNone};
 
+    TESSARY_ASSERT(triEdge.faceVertex < cornerCount,
+                   "corner " << triEdge.faceVertex << " of " << cornerCount);
     const uint start = triFaceVertex[triEdge.faceVertex];
     const uint end = triFaceVertex[next];
+    TESSARY_ASSERT(
+        std::size_t{end} + 1 < dualFaceOffset.size(),
+        "corner " << next << " names point " << end << " of " << dualFaceOffset.size() - 1);
     // A dual that was built twice has offsets beyond its corners.
     const std::size_t listEnd =
         std::min<std::size_t>(dualFaceOffset[std::size_t{end} + 1], dualFaceVertex.size());

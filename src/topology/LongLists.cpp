@@ -1,20 +1,11 @@
 #include "topology/LongLists.h"
 
-#include "base/ParallelLoop.h"
-
-#include <mutex>
+#include "base/ParallelReduce.h"
 
 namespace Tessary {
 namespace {
 
-// Calls `visitPiece(begin, end)` for pieces of a point's list.
-template <class VisitPiece>
-void forPiecesOfList(const TriangleDual& dual, uint point, const VisitPiece& visitPiece)
-{
-    constexpr uint kSlotsPerPiece = 8192;
-    parallelLoop(dual.offset[point], dual.offset[std::size_t{point} + 1], kSlotsPerPiece,
-                 LoopContext::Isolated, visitPiece);
-}
+constexpr uint kSlotsPerPiece = 8192;
 
 // Calls `visit(triangle, after)` for the slots [begin, end) with the point after each corner.
 template <class Visit>
@@ -41,45 +32,43 @@ struct Following {
     uint greatest = 0;
 
     std::size_t rangeSize() const { return std::size_t{greatest} - least + 1; }
-
-    void add(const Following& other)
-    {
-        count += other.count;
-        least = std::min(least, other.least);
-        greatest = std::max(greatest, other.greatest);
-    }
 };
+
+Following both(const Following& a, const Following& b)
+{
+    return {a.count + b.count, std::min(a.least, b.least), std::max(a.greatest, b.greatest)};
+}
 
 Following pointsFollowing(const TriangleDual& dual, uint point)
 {
-    Following all;
-    std::mutex mutex;
-    forPiecesOfList(dual, point, [&](uint begin, uint end) {
+    const uint begin = dual.offset[point];
+    const auto ofSlots = [&dual, begin](uint first, uint last) {
         Following piece;
-        forEachFollowing(dual, begin, end, [&piece](uint, uint after) {
-            piece.add({1, after, after});
+        forEachFollowing(dual, begin + first, begin + last, [&piece](uint, uint after) {
+            piece = both(piece, {1, after, after});
         });
-        const std::lock_guard<std::mutex> lock(mutex);
-        all.add(piece);
-    });
-    return all;
+        return piece;
+    };
+    const auto size = static_cast<uint>(dual.listSize(point));
+    return parallelReduce(size, kSlotsPerPiece, LoopContext::Isolated, Following(), ofSlots, both);
 }
 
 std::vector<uint> pointsWithLongLists(const TriangleDual& dual)
 {
-    std::vector<uint> points;
-    std::mutex mutex;
-    parallelLoop(0, static_cast<uint>(dual.pointCount), 1, LoopContext::Isolated,
-                 [&](uint begin, uint end) {
-                     std::vector<uint> piece;
-                     for (uint point = begin; point < end; ++point)
-                         if (LongLists::isLong(dual, point))
-                             piece.push_back(point);
-                     if (piece.empty())
-                         return;
-                     const std::lock_guard<std::mutex> lock(mutex);
-                     points.insert(points.end(), piece.begin(), piece.end());
-                 });
+    const auto longAmong = [&dual](uint begin, uint end) {
+        std::vector<uint> piece;
+        for (uint point = begin; point < end; ++point)
+            if (LongLists::isLong(dual, point))
+                piece.push_back(point);
+        return piece;
+    };
+    const auto joined = [](std::vector<uint> all, const std::vector<uint>& piece) {
+        all.insert(all.end(), piece.begin(), piece.end());
+        return all;
+    };
+    std::vector<uint> points =
+        parallelReduce(static_cast<uint>(dual.pointCount), 1, LoopContext::Isolated,
+                       std::vector<uint>(), longAmong, joined);
     std::sort(points.begin(), points.end());
     return points;
 }
@@ -112,11 +101,12 @@ void ListIndex::collectPoints(const TriangleDual& dual, uint point)
 // Returns how many entries are filled.
 std::size_t ListIndex::fillInAnyOrder(const TriangleDual& dual, uint point)
 {
-    forPiecesOfList(dual, point, [&](uint begin, uint end) {
-        forEachFollowing(dual, begin, end, [this](uint triangle, uint after) {
-            m_first[entryOf(after)].set(triangle);
-        });
-    });
+    parallelLoop(dual.offset[point], dual.offset[std::size_t{point} + 1], kSlotsPerPiece,
+                 LoopContext::Isolated, [&](uint begin, uint end) {
+                     forEachFollowing(dual, begin, end, [this](uint triangle, uint after) {
+                         m_first[entryOf(after)].set(triangle);
+                     });
+                 });
     return static_cast<std::size_t>(std::count_if(
         m_first.begin(), m_first.end(), [](const Entry& entry) { return !entry.isFree(); }));
 }

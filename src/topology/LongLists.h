@@ -8,10 +8,20 @@
 
 namespace Tessary {
 
-/// The corner list of one point by the points that follow its corners.
+/// The corner list of one point b, inverted: for each point that follows a corner of the list, the first
+/// triangle there and the first other one, which serves the edges of the first.
 ///
-/// Takes O(n) time for n corners where those points are nearly a range, as around a fan, and
-/// O(n log n) elsewhere. Parallel, never polled; at most 16 bytes per corner.
+///   list of b          | corner of t, followed by 7 | of u, by 5 | of v, by 7 | of w, by 8 |
+///   points             5   6   7   8           direct where they are nearly a range, else sorted
+///   first              u   -   t   w
+///   other              -   -   v   -           only where any point follows twice
+///
+/// Takes O(n) time for n corners where the points are nearly a range, as around a fan, and O(n log n)
+/// elsewhere. Parallel, never polled; at most 16 bytes per corner.
+///
+/// One sorted array of (next point, slot) in place of these forms was shorter by half and slower:
+/// adjacency of a fan of 200,000 triangles 12 -> 48 ms, of a book of as many 28 -> 92 ms, of 10,000 hubs
+/// of 100 triangles 115 -> 240 ms; hash buckets of (next point, triangle) 46, 72 and 183 ms.
 class ListIndex {
 public:
     ListIndex() = default;

@@ -1,5 +1,7 @@
 #include <Tessary/Topology.h>
 
+#include "base/Assert.h"
+#include "base/CountingSort.h"
 #include "base/FanTransfer.h"
 #include "base/MeshLayout.h"
 #include "base/ParallelReduce.h"
@@ -9,8 +11,20 @@
 #include <limits>
 #include <vector>
 
+//            c
+//          /   \            corner a of a triangle has the quad (a, ab, m, ca), b and c likewise.
+//        ca     bc
+//       /  \   /  \         ab, bc, ca: one new point per edge, two on a creased edge
+//      /     m     \        m: one inner point, more where creases separate corners
+//     a -----ab---- b
+//
+// The edge table lists edges by point, so the quads of one edge may lie anywhere: writes to them are
+// scattered, and prefetched.
+
 namespace Tessary {
 namespace {
+
+constexpr std::size_t kEntriesAhead = 64;
 
 bool isCrease(float weight)
 {
@@ -51,8 +65,8 @@ bool isOpposite(const Array<uint>& triFaceVertex, uint corner, uint other)
 }
 
 // Numbers new points in parallel as one pass over [0, size) would: `count(begin, end)` counts those of
-// a block, then `number(begin, end, first)` numbers them from `first` on. Returns the next unused
-// number.
+// a block, an exclusive scan makes these the blocks' first numbers, and `number(begin, end, first)`
+// numbers them. Returns the next unused number.
 template <class Count, class Number>
 uint numberInBlocks(std::size_t size, uint next, const Count& count, const Number& number)
 {
@@ -60,14 +74,13 @@ uint numberInBlocks(std::size_t size, uint next, const Count& count, const Numbe
     const uint blockCount = static_cast<uint>((size + kBlock - 1) / kBlock);
     const auto endOf = [size](uint block) { return std::min((block + 1) * kBlock, size); };
 
-    std::vector<uint> first(std::size_t{blockCount} + 1, next);
+    std::vector<uint> first(blockCount);
     parallelForEach(blockCount, LoopContext::Isolated,
-                    [&](uint block) { first[block + 1] = count(block * kBlock, endOf(block)); });
-    for (uint block = 0; block < blockCount; ++block)
-        first[block + 1] += first[block];
+                    [&](uint block) { first[block] = count(block * kBlock, endOf(block)); });
+    const uint total = exclusiveScan(first.data(), first.size());
     parallelForEach(blockCount, LoopContext::Isolated,
-                    [&](uint block) { number(block * kBlock, endOf(block), first[block]); });
-    return first[blockCount];
+                    [&](uint block) { number(block * kBlock, endOf(block), next + first[block]); });
+    return next + total;
 }
 
 // Marks the corners whose leaving edge is creased, and numbers the edge points from `next` on. Every
@@ -95,10 +108,8 @@ uint numberEdgePoints(const Array<uint>& triFaceVertex, const Array<uint>& triEd
         return count;
     };
     const auto number = [&](std::size_t begin, std::size_t end, uint first) {
-        // The table lists edges by point, so their quads may lie anywhere: they are asked for early.
-        constexpr std::size_t kAhead = 64;  // entries
         for (std::size_t e = begin; e < end; ++e) {
-            for (const std::size_t i : {2 * e + kAhead, 2 * e + kAhead + 1})
+            for (const std::size_t i : {2 * e + kEntriesAhead, 2 * e + kEntriesAhead + 1})
                 if (i < triEdges.size() && triEdges[i] != kNone)
                     TESSARY_PREFETCH(quadFaceVertex.data() + std::size_t{4} * triEdges[i]);
             const uint corner = triEdges[2 * e];
@@ -143,6 +154,20 @@ uint numberInnerPoints(const Array<uint>& triFaceVertex, const Array<bool>& isCr
     return numberInBlocks(triFaceVertex.size() / 3, next, count, number);
 }
 
+[[maybe_unused]] bool namesCornersAtMostOnce(const Array<uint>& triEdges, std::size_t cornerCount)
+{
+    std::vector<bool> isNamed(cornerCount);
+    for (std::size_t i = 0; i < triEdges.size() / 2 * 2; ++i) {
+        const uint corner = triEdges[i];
+        if (corner == kNone && i % 2 == 1)
+            continue;
+        if (corner >= cornerCount || isNamed[corner])
+            return false;
+        isNamed[corner] = true;
+    }
+    return true;
+}
+
 template <class Crease>
 bool hasCrease(const Array<Crease>& creases)
 {
@@ -160,9 +185,12 @@ bool namesEveryCorner(const Array<uint>& triEdges, std::size_t triangleCount)
     return edgeCount + paired == 3 * triangleCount;
 }
 
-// Calls `visit(t)` for every triangle, in parallel, in rounds that end where an array of three entries
-// for each triangle, which fills the last quarter of one of twelve, would be written to before it is
-// read.
+// Calls `visit(t)` for every triangle, in parallel, where it reads entries 9 n + 3 t of an array and
+// writes 12 t up to 12 t + 11. A round ends where it would write what it has yet to read:
+//
+//   | q0 q1 q2 ...                          | e0 e1 e2 ... |        n = 8
+//     round 1: 6 triangles ---------------->                        12 * 6 = 9 * 8
+//                                            round 2: 1, then 1     3/4 of what is left each time
 template <class Visit>
 void forEachTriangleBeforeItsTwelve(uint triangleCount, const Visit& visit)
 {
@@ -174,9 +202,9 @@ void forEachTriangleBeforeItsTwelve(uint triangleCount, const Visit& visit)
     }
 }
 
-// The quads where every edge has one point. The table lists edges by point, so their corners may lie
-// anywhere. The points are first put side by side, by corner, where little memory is written to out of
-// order: in the last quarter of the quads, which is needed last.
+// The quads where every edge has one point. The points are first scattered by corner into the last
+// quarter of the quads, which is needed last: a scatter of 4 bytes per corner instead of two per edge
+// into four times the memory.
 uint smoothQuadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdges, uint firstIndex,
                     Array<uint>& quadFaceVertex)
 {
@@ -185,10 +213,9 @@ uint smoothQuadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdge
     uint* const quads = quadFaceVertex.data();
     uint* const edgePoints = quads + std::size_t{9} * triangleCount;
     parallelLoop(0, edgeCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
-        constexpr std::size_t kAhead = 64;  // entries
         for (std::size_t i = std::size_t{2} * begin; i < std::size_t{2} * end; ++i) {
-            if (i + kAhead < triEdges.size() && triEdges[i + kAhead] != kNone)
-                TESSARY_PREFETCH(edgePoints + triEdges[i + kAhead]);
+            if (i + kEntriesAhead < triEdges.size() && triEdges[i + kEntriesAhead] != kNone)
+                TESSARY_PREFETCH(edgePoints + triEdges[i + kEntriesAhead]);
             if (triEdges[i] != kNone)
                 edgePoints[triEdges[i]] = firstIndex + static_cast<uint>(i / 2);
         }
@@ -213,6 +240,12 @@ uint quadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdges,
               const Array<Crease>& creases, uint firstIndex, Array<uint>& quadFaceVertex)
 {
     quadFaceVertex.resize(4 * triFaceVertex.size());
+    TESSARY_ASSERT(
+        namesCornersAtMostOnce(triEdges, triFaceVertex.size()),
+        "a corner stands twice in the table of edges, or beyond all " << triFaceVertex.size());
+    TESSARY_ASSERT(
+        triEdges.size() < 2 || triFaceVertex.size() <= creases.size(),
+        "creases for " << creases.size() << " of " << triFaceVertex.size() << " corners");
     if (!hasCrease(creases) && namesEveryCorner(triEdges, triFaceVertex.size() / 3))
         return smoothQuadMesh(triFaceVertex, triEdges, firstIndex, quadFaceVertex);
     Array<bool> isCreased(triFaceVertex.size());
@@ -241,7 +274,11 @@ void quadFaceIndexedInterpolation(const Array<uint>& faceOffset, const Array<uin
 {
     const uint* const in = faceValues.data();
     uint* const out = quadFaceValues.data();
-    forEachFan(faceOffset, LoopContext::Isolated, [in, out](uint face, Fan fan) {
+    forEachFan(faceOffset, LoopContext::Isolated, [&, in, out](uint face, Fan fan) {
+        TESSARY_ASSERT(fan.begin == fan.end || (face < faceValues.size() &&
+                                                std::size_t{3} * fan.end <= quadFaceValues.size()),
+                       "face " << face << " of " << faceValues.size() << ", triangle " << fan.end
+                               << " of " << quadFaceValues.size() / 3);
         for (std::size_t t = fan.begin; t < fan.end; ++t)
             out[3 * t] = out[3 * t + 1] = out[3 * t + 2] = in[face];
     });

@@ -1,8 +1,18 @@
 #include <Tessary/Triangulation.h>
 
 #include "base/Arrays.h"
+#include "base/Assert.h"
 #include "base/MeshLayout.h"
 #include "base/ParallelLoop.h"
+
+#include <algorithm>
+#include <cstddef>
+
+//   faceVertex       | a b c d | e f g |             polygons of n corners
+//   triangleVertex   | a b c | a c d | e f g |       n - 2 triangles around the first one
+//
+// Where every face is a polygon, triangle 0 of face f is the (offset[f] - offset[0] - 2 f)th, whatever
+// the other faces are: faces are split in parallel.
 
 namespace Tessary {
 namespace {
@@ -10,8 +20,7 @@ namespace {
 // Handing a piece to another thread costs about as much as splitting a thousand quads.
 constexpr uint kFacesPerPiece = 4096;
 
-// Whether every face has three corners or more and no offset decreases: then each face's triangles
-// have their place in the output whatever the other faces are.
+// Whether every face has three corners or more and no offset decreases.
 bool areAllPolygons(const uint* faceOffset, std::size_t faceCount)
 {
     bool all = true;
@@ -50,6 +59,9 @@ void triangulatePolygons(const Array<uint>& faceOffsets, const Array<uint>& face
                          Array<uint>& triangleFaceOffsets, Array<uint>& triangleVertices)
 {
     const uint faceCount = static_cast<uint>(faceOffsets.size() - 1);
+    TESSARY_ASSERT(
+        faceOffsets[faceCount] <= faceVertices.size(),
+        "faces end at corner " << faceOffsets[faceCount] << " of " << faceVertices.size());
     const std::size_t cornerCount = faceOffsets[faceCount] - faceOffsets[0];
     const std::size_t triangleCount = cornerCount - std::size_t{2} * faceCount;
     resizeForOverwriting(triangleFaceOffsets, triangleCount + 1);
@@ -73,6 +85,8 @@ bool appendTriangles(const Array<uint>& faceOffsets, const Array<uint>& faceVert
         const std::size_t end = faceOffsets[f + 1];
         if (end >= begin && end - begin < 3)
             return false;
+        TESSARY_ASSERT(end <= std::max(begin, faceVertices.size()),
+                       "face " << f << " ends at corner " << end << " of " << faceVertices.size());
         for (std::size_t corner = begin + 2; corner < end; ++corner) {
             triangleFaceOffsets.push_back(static_cast<uint>(triangleVertices.size()));
             triangleVertices.push_back(faceVertices[begin]);
