@@ -18,6 +18,8 @@ template <class T, class Reduce, class Combine>
 T parallelReduce(uint count, uint grain, LoopContext context, const T& identity,
                  const Reduce& reduce, const Combine& combine)
 {
+    if (count <= grain)
+        return count > 0 ? reduce(0, count) : identity;
     T result = identity;
     std::mutex mutex;
     parallelLoop(0, count, grain, context, [&](uint begin, uint end) {
@@ -28,12 +30,15 @@ T parallelReduce(uint count, uint grain, LoopContext context, const T& identity,
     return result;
 }
 
+/// The least that is worth a thread of its own of what follows.
+inline constexpr uint kReduceGrain = 16384;
+
 /// For how many indices in [0, size) `isTrue(i)` holds. Isolated.
 template <class IsTrue>
-uint parallelCount(std::size_t size, uint grain, const IsTrue& isTrue)
+uint parallelCount(std::size_t size, const IsTrue& isTrue)
 {
     return parallelReduce(
-        static_cast<uint>(size), grain, LoopContext::Isolated, 0u,
+        static_cast<uint>(size), kReduceGrain, LoopContext::Isolated, 0u,
         [&isTrue](uint begin, uint end) {
             uint count = 0;
             for (std::size_t i = begin; i < end; ++i)
@@ -46,10 +51,10 @@ uint parallelCount(std::size_t size, uint grain, const IsTrue& isTrue)
 /// Whether `isTrue(i)` holds for any index in [0, size). Isolated; looks at every index, so that
 /// compilers vectorise the loop.
 template <class IsTrue>
-bool parallelAny(std::size_t size, uint grain, const IsTrue& isTrue)
+bool parallelAny(std::size_t size, const IsTrue& isTrue)
 {
     return parallelReduce(
-        static_cast<uint>(size), grain, LoopContext::Isolated, false,
+        static_cast<uint>(size), kReduceGrain, LoopContext::Isolated, false,
         [&isTrue](uint begin, uint end) {
             uint found = 0;  // no bool: compilers vectorise this one
             for (std::size_t i = begin; i < end; ++i)
@@ -61,10 +66,10 @@ bool parallelAny(std::size_t size, uint grain, const IsTrue& isTrue)
 
 /// The largest `value(i)` of the indices in [0, size), 0 where there are none. Isolated.
 template <class Value>
-uint parallelMax(std::size_t size, uint grain, const Value& value)
+uint parallelMax(std::size_t size, const Value& value)
 {
     return parallelReduce(
-        static_cast<uint>(size), grain, LoopContext::Isolated, 0u,
+        static_cast<uint>(size), kReduceGrain, LoopContext::Isolated, 0u,
         [&value](uint begin, uint end) {
             uint largest = 0;
             for (std::size_t i = begin; i < end; ++i)

@@ -21,7 +21,7 @@ namespace {
 bool allListsEndWithin(std::size_t dualSize, const Array<uint>& dualOffset)
 {
     const uint* const end = dualOffset.data() + 1;
-    return parallelMax(dualOffset.size() - 1, 1, [end](std::size_t point) { return end[point]; }) <=
+    return parallelMax(dualOffset.size() - 1, [end](std::size_t point) { return end[point]; }) <=
            dualSize;
 }
 
@@ -40,8 +40,7 @@ std::vector<uint> offsetsInside(const Array<uint>& dualOffset, std::size_t dualS
 [[maybe_unused]] std::size_t largestPoint(const Array<uint>& faceVertex)
 {
     const uint* const points = faceVertex.data();
-    return parallelMax(faceVertex.size(), 1,
-                       [points](std::size_t corner) { return points[corner]; });
+    return parallelMax(faceVertex.size(), [points](std::size_t corner) { return points[corner]; });
 }
 
 uint findInList(const TriangleDual& dual, DirectedEdge edge)
@@ -56,29 +55,22 @@ uint findInList(const TriangleDual& dual, DirectedEdge edge)
     return kNone;
 }
 
-// Prefetches the lists that triangle `t`'s successors will walk, and before that where these begin:
-// points may come in any order.
-void prefetchLists(const TriangleDual& dual, uint t, uint triangleCount)
-{
-    constexpr std::size_t kOffsetsAhead = 24;
-    constexpr std::size_t kListsAhead = 12;
-    const uint* const point = dual.faceVertex + std::size_t{3} * t;
-    for (int k = 0; k < 3 && t + kOffsetsAhead < triangleCount; ++k) {
-        TESSARY_PREFETCH(dual.offset + point[3 * kOffsetsAhead + k]);
-        TESSARY_PREFETCH(dual.corners + dual.offset[point[3 * kListsAhead + k]]);
-    }
-}
-
 // Writes `find(dual, edge)` for every half-edge of the triangles.
 template <class Find>
 void forEachHalfEdge(const TriangleDual& mesh, uint* adjacentTri, const Find& find)
 {
+    // Points may come in any order: their lists are prefetched, and before that where these begin.
+    constexpr std::size_t kOffsetsAhead = 24;
+    constexpr std::size_t kListsAhead = 12;
     const uint triangleCount = static_cast<uint>(mesh.cornerCount / 3);
     parallelLoop(0, triangleCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
         const TriangleDual dual = mesh;  // a copy that registers can hold
         for (uint t = begin; t < end; ++t) {
             const uint* const point = dual.faceVertex + std::size_t{3} * t;
-            prefetchLists(dual, t, triangleCount);
+            for (int k = 0; k < 3 && t + kOffsetsAhead < triangleCount; ++k) {
+                TESSARY_PREFETCH(dual.offset + point[3 * kOffsetsAhead + k]);
+                TESSARY_PREFETCH(dual.corners + dual.offset[point[3 * kListsAhead + k]]);
+            }
             uint* const out = adjacentTri + std::size_t{3} * t;
             out[0] = find(dual, {t, point[0], point[1]});
             out[1] = find(dual, {t, point[1], point[2]});

@@ -31,7 +31,7 @@ constexpr uint kCornersPerPiece = 1 << 20;
 bool areAll(const Array<uint>& entries, std::size_t size, uint value)
 {
     const uint* const entry = entries.data();
-    return !parallelAny(size, kCornersPerPiece, [=](std::size_t i) { return entry[i] != value; });
+    return !parallelAny(size, [=](std::size_t i) { return entry[i] != value; });
 }
 
 // Whether the arrays arrive as addDual makes them: offsets zero, a free slot for every corner.

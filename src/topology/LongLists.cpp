@@ -67,7 +67,7 @@ std::vector<uint> pointsWithLongLists(const TriangleDual& dual)
         return all;
     };
     std::vector<uint> points =
-        parallelReduce(static_cast<uint>(dual.pointCount), 1, LoopContext::Isolated,
+        parallelReduce(static_cast<uint>(dual.pointCount), kReduceGrain, LoopContext::Isolated,
                        std::vector<uint>(), longAmong, joined);
     std::sort(points.begin(), points.end());
     return points;

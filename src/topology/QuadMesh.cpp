@@ -172,7 +172,7 @@ template <class Crease>
 bool hasCrease(const Array<Crease>& creases)
 {
     const Crease* const values = creases.data();
-    return parallelAny(creases.size(), 1, [values](std::size_t i) { return isCrease(values[i]); });
+    return parallelAny(creases.size(), [values](std::size_t i) { return isCrease(values[i]); });
 }
 
 // Whether the table names all corners of the triangles, each of which it names at most once.
@@ -181,7 +181,7 @@ bool namesEveryCorner(const Array<uint>& triEdges, std::size_t triangleCount)
     const std::size_t edgeCount = triEdges.size() / 2;
     const uint* const other = triEdges.data() + 1;
     const uint paired =
-        parallelCount(edgeCount, 1, [other](std::size_t e) { return other[2 * e] != kNone; });
+        parallelCount(edgeCount, [other](std::size_t e) { return other[2 * e] != kNone; });
     return edgeCount + paired == 3 * triangleCount;
 }
 

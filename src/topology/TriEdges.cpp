@@ -1,6 +1,5 @@
 #include <Tessary/Topology.h>
 
-#include "base/Arrays.h"
 #include "base/ParallelReduce.h"
 #include "topology/BlockBuckets.h"
 #include "topology/EdgeBlocks.h"
@@ -37,10 +36,13 @@ bool isInPointOrder(const Triangles& mesh)
     return farCount < kSamples / 8;
 }
 
-// Room for the corners, and for the marks of a short boundary.
+// Room for the corners, and for the marks of a short boundary. A table that held as many corners keeps
+// them: elements are zeroed only where there are more.
 void makeRoom(std::size_t cornerCount, Array<uint>& table)
 {
-    resizeForOverwriting(table, std::max(table.size(), cornerCount + cornerCount / 32));
+    if (table.size() < cornerCount)
+        table.resize(0);
+    table.resize(std::max(table.size(), cornerCount + cornerCount / 32));
 }
 
 // Sorts the half-edges block by block. False where neighbours run the same way.
@@ -104,10 +106,9 @@ Array<uint> ranksOf(const Array<uint>& points)
 // One more than the largest point that is named; there is one.
 std::size_t pointCountOf(const Array<uint>& faceVertex)
 {
-    constexpr uint kGrain = 65536;
     const uint* const points = faceVertex.data();
-    return std::size_t{1} + parallelMax(faceVertex.size(), kGrain,
-                                        [points](std::size_t corner) { return points[corner]; });
+    return std::size_t{1} +
+           parallelMax(faceVertex.size(), [points](std::size_t corner) { return points[corner]; });
 }
 
 }  // namespace

@@ -71,11 +71,11 @@ TEST(ParallelReduce, SeesEveryIndexOnceAtAnyThreadCount)
         for (const uint size : {0u, 1u, 2u, 1000u, 100000u}) {
             SCOPED_TRACE(size);
             const auto isLast = [size](std::size_t i) { return i + 1 == size; };
-            EXPECT_EQ(parallelAny(size, 1, isLast), size > 0);
-            EXPECT_FALSE(parallelAny(size, 16, [size](std::size_t i) { return i >= size; }));
-            EXPECT_EQ(parallelCount(size, 1, [](std::size_t i) { return i % 3 == 0; }),
+            EXPECT_EQ(parallelAny(size, isLast), size > 0);
+            EXPECT_FALSE(parallelAny(size, [size](std::size_t i) { return i >= size; }));
+            EXPECT_EQ(parallelCount(size, [](std::size_t i) { return i % 3 == 0; }),
                       (size + 2) / 3);
-            EXPECT_EQ(parallelMax(size, 1, [](std::size_t i) { return uint(i ^ 1); }),
+            EXPECT_EQ(parallelMax(size, [](std::size_t i) { return uint(i ^ 1); }),
                       size < 2 ? size : size - 1);
         }
     });
