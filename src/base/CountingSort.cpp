@@ -18,6 +18,8 @@ uint exclusiveScan(uint* counts, std::size_t size)
 
 uint CountingSort::exclusiveScan()
 {
+    // In parallel for machines with many threads, whose pieces have up to 4 counters a triangle; on two
+    // threads, edges of 1 M triangles take as long with a serial scan, and with blocks of 512.
     constexpr std::size_t kBinsPerBlock = 4096;
     const auto blockCount = static_cast<uint>((m_binCount + kBinsPerBlock - 1) / kBinsPerBlock);
     std::vector<uint> blockBegin(std::size_t{blockCount} + 1);

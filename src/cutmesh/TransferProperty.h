@@ -66,22 +66,21 @@ void interpolateCorners(const CutMesh& cut, const Array<T>& cornerValue, Array<T
     const T* const in = cornerValue.data();
     T* const out = quadCornerValue.data();
     const CutWeights weights = cut.weights;
-    forEachFan(
-        *cut.faceOffset, LoopContext::Bound, [=, &cornerValue, &quadCornerValue](uint, Fan fan) {
-            TESSARY_ASSERT(
-                fan.begin == fan.end || (fan.firstCorner + std::size_t{2} + (fan.end - fan.begin) <=
-                                             cornerValue.size() &&
-                                         std::size_t{12} * fan.end <= quadCornerValue.size()),
-                "corner " << fan.firstCorner << " of " << cornerValue.size() << ", target corner "
-                          << 12 * fan.end << " of " << quadCornerValue.size());
-            const T* corner = in + fan.firstCorner;
-            const T& apex = *corner;
-            for (std::size_t t = fan.begin; t < fan.end; ++t) {
-                ++corner;
-                interpolateTriangle({weights.edge + 3 * t, weights.triangle + 3 * t}, apex,
-                                    corner[0], corner[1], out + 12 * t);
-            }
-        });
+    forEachFan(*cut.faceOffset, LoopContext::Bound, [&, in, out, weights](uint, Fan fan) {
+        TESSARY_ASSERT(
+            fan.begin == fan.end ||
+                (fan.firstCorner + std::size_t{2} + (fan.end - fan.begin) <= cornerValue.size() &&
+                 std::size_t{12} * fan.end <= quadCornerValue.size()),
+            "corner " << fan.firstCorner << " of " << cornerValue.size() << ", target corner "
+                      << 12 * fan.end << " of " << quadCornerValue.size());
+        const T* corner = in + fan.firstCorner;
+        const T& apex = *corner;
+        for (std::size_t t = fan.begin; t < fan.end; ++t) {
+            ++corner;
+            interpolateTriangle({weights.edge + 3 * t, weights.triangle + 3 * t}, apex, corner[0],
+                                corner[1], out + 12 * t);
+        }
+    });
 }
 
 template <class T>

