@@ -1,8 +1,9 @@
 #include <Tessary/Primitives.h>
 
-#include "base/Float4.h"
+#include "base/Simd.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 // A triangle with the points u0, u1, u2, seen from the middle of the box, and a box of half-size h

@@ -1,16 +1,10 @@
 #pragma once
 
+#include "base/Simd.h"
 #include "sampling/CandidateGrid.h"
 
 #include <algorithm>
 #include <vector>
-
-#if defined(__SSE2__) && !defined(TESSARY_SCALAR_LANES)
-#define TESSARY_PAIRS_SSE2 1
-#include <emmintrin.h>
-#else
-#define TESSARY_PAIRS_SSE2 0
-#endif
 
 namespace Tessary {
 
@@ -116,99 +110,46 @@ private:
     std::size_t m_foundCount = 0;
 };
 
-#if TESSARY_PAIRS_SSE2
-
 template <Partners partners>
 struct Neighbourhood::Test {
-    const float* localA;
-    const float* localB;
-    const float* localC;
-    const std::int32_t* slotC;
-    const std::int32_t* rank;
-    __m128 a, b, c;
-    __m128i ownSlotC, ownRank;
+    const CandidateGrid& grid;
+    Float4 a, b, c;
+    Int4 ownSlotC, ownRank;
 
-    Test(const CandidateGrid& grid, const PairEnd& end)
-        : localA(grid.localA()),
-          localB(grid.localB()),
-          localC(grid.localC()),
-          slotC(grid.slotC()),
-          rank(grid.rank()),
-          a(_mm_set1_ps(end.a)),
-          b(_mm_set1_ps(end.b)),
-          c(_mm_set1_ps(end.c)),
-          ownSlotC(_mm_set1_epi32(end.slotC)),
-          ownRank(_mm_set1_epi32(end.rank))
+    Test(const CandidateGrid& candidates, const PairEnd& end)
+        : grid(candidates),
+          a(splat(end.a)),
+          b(splat(end.b)),
+          c(splat(end.c)),
+          ownSlotC(splat(end.slotC)),
+          ownRank(splat(end.rank))
     {}
 
-    static __m128 difference(__m128 step, const float* other, __m128 own)
+    static Float4 difference(Float4 step, Float4 other, Float4 own)
     {
         if (partners == Partners::Earlier)
-            return _mm_sub_ps(_mm_sub_ps(own, step), _mm_loadu_ps(other));
-        return _mm_sub_ps(_mm_add_ps(step, _mm_loadu_ps(other)), own);
+            return sub(sub(own, step), other);
+        return sub(add(step, other), own);
     }
 
-    static __m128i load(const std::int32_t* values)
+    Mask4 isPartner(Int4 rank) const
     {
-        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(values));
+        return partners == Partners::Later ? less(ownRank, rank) : less(rank, ownRank);
     }
 
     uint operator()(const Block& block) const
     {
         const std::size_t i = block.first;
-        const __m128 stepC = _mm_cvtepi32_ps(_mm_sub_epi32(load(slotC + i), ownSlotC));
-        const __m128 x = difference(_mm_set1_ps(block.stepA), localA + i, a);
-        const __m128 y = difference(_mm_set1_ps(block.stepB), localB + i, b);
-        const __m128 z = difference(stepC, localC + i, c);
-        const __m128 square =
-            _mm_add_ps(_mm_add_ps(_mm_mul_ps(y, y), _mm_mul_ps(x, x)), _mm_mul_ps(z, z));
-        const __m128 isNear = _mm_cmple_ps(square, _mm_set1_ps(1.0f));
+        const Float4 stepC = toFloat(sub(load4(grid.slotC() + i), ownSlotC));
+        const Float4 x = difference(splat(block.stepA), load4(grid.localA() + i), a);
+        const Float4 y = difference(splat(block.stepB), load4(grid.localB() + i), b);
+        const Float4 z = difference(stepC, load4(grid.localC() + i), c);
+        const Float4 square = add(add(mul(y, y), mul(x, x)), mul(z, z));
+        const Mask4 isNear = lessOrEqual(square, splat(1.0f));
         if (partners == Partners::All)
-            return static_cast<uint>(_mm_movemask_ps(isNear));
-        const __m128i isPartner = partners == Partners::Later
-                                      ? _mm_cmpgt_epi32(load(rank + i), ownRank)
-                                      : _mm_cmplt_epi32(load(rank + i), ownRank);
-        return static_cast<uint>(_mm_movemask_ps(_mm_and_ps(isNear, _mm_castsi128_ps(isPartner))));
+            return bitsOf(isNear);
+        return bitsOf(both(isNear, isPartner(load4(grid.rank() + i))));
     }
 };
-
-#else
-
-template <Partners partners>
-struct Neighbourhood::Test {
-    const CandidateGrid& grid;
-    PairEnd own;
-
-    Test(const CandidateGrid& candidates, const PairEnd& end) : grid(candidates), own(end) {}
-
-    static float difference(float step, float other, float own)
-    {
-        return partners == Partners::Earlier ? (own - step) - other : (step + other) - own;
-    }
-
-    bool isPartner(std::int32_t rank) const
-    {
-        if (partners == Partners::All)
-            return true;
-        return partners == Partners::Later ? rank > own.rank : rank < own.rank;
-    }
-
-    uint operator()(const Block& block) const
-    {
-        uint hits = 0;
-        for (uint lane = 0; lane < kLanes; ++lane) {
-            const std::size_t i = std::size_t{block.first} + lane;
-            const std::int64_t stepC = std::int64_t{grid.slotC()[i]} - own.slotC;
-            const float x = difference(block.stepA, grid.localA()[i], own.a);
-            const float y = difference(block.stepB, grid.localB()[i], own.b);
-            const float z = difference(static_cast<float>(stepC), grid.localC()[i], own.c);
-            const bool isNear = 1.0f >= (y * y + x * x) + z * z;
-            hits |= (isNear && isPartner(grid.rank()[i]) ? 1u : 0u) << lane;
-        }
-        return hits;
-    }
-};
-
-#endif
 
 }  // namespace Tessary

@@ -1,6 +1,6 @@
 #include <Tessary/Solver.h>
 
-#include "base/Float4.h"
+#include "base/Simd.h"
 
 #include <algorithm>
 #include <cmath>
@@ -54,47 +54,32 @@ float largestOf(const Array<float>& inverseMasses)
     return largest;
 }
 
-#if TESSARY_SSE2
-
 // Whether those of pairs first to first + 3 that are in `lanes`, a bit for each, rest.
-bool fourRest(const Contact& contact, const Others& others, uint first, int lanes, Float4 D_g)
+bool fourRest(const Contact& contact, const Others& others, uint first, uint lanes, Float4 D_g)
 {
-    const __m128 zero = _mm_setzero_ps();
-    const __m128 lambda = _mm_loadu_ps(others.lambda + first);
-    if ((_mm_movemask_ps(_mm_cmpneq_ps(lambda, zero)) & lanes) != 0)
+    const Float4 zero = splat(0.0f);
+    const Float4 lambda = load4(others.lambda + first);
+    if ((bitsOf(notEqual(lambda, zero)) & lanes) != 0)
         return false;
     const FourPoints D_o(others.D + first);
-    const auto product = [](Float4 g, __m128 o, Float4 n) {
-        return _mm_mul_ps(_mm_sub_ps(g, o), n);
-    };
     const Float4 n = contact.n;
-    const __m128 x = product(splatX(D_g), D_o.x, splatX(n));
-    const __m128 y = product(splatY(D_g), D_o.y, splatY(n));
-    const __m128 z = product(splatZ(D_g), D_o.z, splatZ(n));
-    const __m128 m = timesSignOf(_mm_add_ps(_mm_add_ps(x, y), z), lambda);
-    const __m128 apart = _mm_cmple_ps(m, zero);
-    if ((_mm_movemask_ps(apart) & lanes) == lanes)
+    const Float4 x = mul(sub(lane<0>(D_g), D_o.x), lane<0>(n));
+    const Float4 y = mul(sub(lane<1>(D_g), D_o.y), lane<1>(n));
+    const Float4 z = mul(sub(lane<2>(D_g), D_o.z), lane<2>(n));
+    const Float4 m = timesSignOf(add(add(x, y), z), lambda);
+    const Mask4 apart = lessOrEqual(m, zero);
+    if ((bitsOf(apart) & lanes) == lanes)
         return true;  // without a look at the scales
-    const __m128 push = _mm_mul_ps(m, _mm_loadu_ps(others.scale + first));
-    const __m128 rest = _mm_or_ps(apart, _mm_cmpeq_ps(push, zero));
-    return (_mm_movemask_ps(rest) & lanes) == lanes;
+    const Float4 push = mul(m, load4(others.scale + first));
+    return (bitsOf(either(apart, equal(push, zero))) & lanes) == lanes;
 }
-
-#else
-
-bool fourRest(const Contact&, const Others&, uint, int, Float4)
-{
-    return false;
-}
-
-#endif
 
 // Whether the pairs from `begin` to `end`, at most four, rest; if need be, looks at some before.
 bool allRest(const Contact& contact, const Others& others, uint begin, uint end, Float4 D_g)
 {
     if (!contact.mayRest || end < 4)
         return false;
-    return fourRest(contact, others, end - 4, 15 << (4 - (end - begin)) & 15, D_g);
+    return fourRest(contact, others, end - 4, 15u << (4 - (end - begin)) & 15, D_g);
 }
 
 // Whether a pair that its scale keeps from pushing rests. Such pairs are told from their
