@@ -4,7 +4,6 @@
 #include <Pelon/Array.h>
 #include <Tessary/Api.h>
 
-#include <cmath>
 #include <cstddef>
 #include <cstring>
 
@@ -73,18 +72,7 @@ public:
     ///
     /// in     relaxation  the part of a violation that one projection takes away, 1 for all of it.
     ///                    A pair of two immovable colliders is ignored
-    void preparePairs(Side side = Side::Behind, float relaxation = 1.0f)
-    {
-        const std::size_t pairs = std::size_t{contactCount()} * otherCount();
-        pairScales.resize(0);
-        pairScales.resize(pairs);
-        pairLambdas.resize(0);
-        pairLambdas.resize(pairs, side == Side::Behind ? 0.0f : -0.0f);
-        forEachPair([&](std::size_t pair, uint collider, uint, uint other) {
-            const float weight = inverseMasses[collider] + inverseMasses[other];
-            pairScales[pair] = weight > 0.0f ? relaxation / weight : 0.0f;
-        });
-    }
+    TESSARY_API void preparePairs(Side side = Side::Behind, float relaxation = 1.0f);
 
     /// The pair of a collider's contact and another collider, an index into the pair arrays.
     std::size_t pairIndex(uint collider, uint contact, uint other) const
@@ -95,7 +83,7 @@ public:
     /// Puts a pair on a side, without a push.
     void setSide(std::size_t pair, Side side)
     {
-        pairLambdas[pair] = side == Side::Behind ? 0.0f : -0.0f;
+        setLambdaBits(pair, side == Side::Behind ? 0 : kSignBit);
     }
 
     /// Lets a pair move freely; preparePairs() undoes it.
@@ -152,15 +140,29 @@ protected:
 private:
     uint otherCount() const { return colliderCount() < 2 ? 0 : colliderCount() - 1; }
 
-    void withdrawPush(std::size_t pair)
+    // What follows treats floats as bits, and what computes with them is in the library: a caller's
+    // compiler may fuse multiply-adds, drop the signs of zeros or take every number for finite.
+    static constexpr uint kSignBit = 0x80000000;
+    static constexpr uint kInfinityBits = 0x7F800000;
+
+    uint lambdaBits(std::size_t pair) const
     {
-        pairLambdas[pair] = std::copysign(0.0f, pairLambdas[pair]);
+        uint bits;
+        std::memcpy(&bits, &pairLambdas[pair], sizeof bits);
+        return bits;
     }
+
+    void setLambdaBits(std::size_t pair, uint bits)
+    {
+        std::memcpy(&pairLambdas[pair], &bits, sizeof bits);
+    }
+
+    void withdrawPush(std::size_t pair) { setLambdaBits(pair, lambdaBits(pair) & kSignBit); }
 
     void withdrawPushesThatAreNotFinite()
     {
         for (std::size_t pair = 0; pair < pairLambdas.size(); ++pair)
-            if (!std::isfinite(pairLambdas[pair]))
+            if ((lambdaBits(pair) & kInfinityBits) == kInfinityBits)
                 withdrawPush(pair);
     }
 
@@ -172,36 +174,7 @@ private:
         return {value, value, value};
     }
 
-    // Calls visit(pair, collider, contact, other) in the order of the sweeps.
-    template <class Visit>
-    void forEachPair(const Visit& visit) const
-    {
-        for (uint g = 0; g < colliderCount(); ++g)
-            for (uint c = contactOffsets[g]; c < contactOffsets[g + 1]; ++c)
-                for (uint o = 0; o < colliderCount(); ++o)
-                    if (o != g)
-                        visit(pairIndex(g, c, o), g, c, o);
-    }
-
-    static float3 moved(const float3& from, const float3& along, float by)
-    {
-        return {from.x + along.x * by, from.y + along.y * by, from.z + along.z * by};
-    }
-
-    void startFromFreeDisplacements()
-    {
-        displacements = freeDisplacements;
-        forEachPair([&](std::size_t pair, uint collider, uint contact, uint other) {
-            const float lambda = pairLambdas[pair];
-            if (lambda == 0.0f)
-                return;
-            const float3& n = contactDirections[contact].direction;
-            float3& own = displacements[collider];
-            float3& others = displacements[other];
-            own = moved(own, n, -inverseMasses[collider] * lambda);
-            others = moved(others, n, inverseMasses[other] * lambda);
-        });
-    }
+    TESSARY_API void startFromFreeDisplacements();
 };
 
 }  // namespace Tessary
