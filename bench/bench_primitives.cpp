@@ -1,6 +1,7 @@
 // The bounding sphere against one plain pass over the points on two threads, and the overlap test
 // against its thirteen tests one after the other.
 
+#include "reference/TriangleBox.h"
 #include "support/Inputs.h"
 #include "support/Measure.h"
 #include "support/PrimitiveInputs.h"
@@ -67,31 +68,9 @@ void boundingSphere(Row& row, const Array<float3>& points)
     row.expectNear("radius", sphere.getRadius(), plain);
 }
 
-float3 cross(const float3& a, const float3& b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
 bool inOrder(const TriangleAndBox& t)
 {
-    const float3& h = t.half;
-    const float3 u[] = {minus(t.a, t.center), minus(t.b, t.center), minus(t.c, t.center)};
-    const float3 e[] = {minus(t.b, t.a), minus(t.c, t.b), minus(t.a, t.c)};
-    const float3 units[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-    for (const float3& unit : units)
-        for (const float3& edge : e) {
-            const float3 a = cross(unit, edge);
-            const float p0 = dot(a, u[0]), p1 = dot(a, u[1]), p2 = dot(a, u[2]);
-            const float r = dot({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)}, h);
-            if (std::max(std::min({p0, p1, p2}), -std::max({p0, p1, p2})) > r)
-                return false;
-        }
-    for (float float3::*const x : {&float3::x, &float3::y, &float3::z})
-        if (-(h.*x) > std::max({u[0].*x, u[1].*x, u[2].*x}) ||
-            std::min({u[0].*x, u[1].*x, u[2].*x}) > h.*x)
-            return false;
-    const float3 n = cross(e[0], e[1]);
-    return dot({std::fabs(n.x), std::fabs(n.y), std::fabs(n.z)}, h) >= std::fabs(dot(n, u[0]));
+    return Reference::triangleOverlapsBox(t.a, t.b, t.c, t.center, t.half);
 }
 
 bool ours(const TriangleAndBox& t)

@@ -1,5 +1,5 @@
-// Samples of closed surfaces against the literal steps: candidates sorted by comparison, a concurrent
-// map from cell to bin, and a serial walk with 27 look-ups a candidate.
+// Samples of closed surfaces against the literal steps on one thread: a hash map from cell to
+// candidates, and a walk with 27 look-ups for each candidate that is left.
 
 #include "support/Measure.h"
 #include "support/SamplingInputs.h"
@@ -21,7 +21,7 @@ namespace {
 constexpr uint kSeed = 1;
 
 // The literal steps' result, as the cloud that the kernel makes.
-Pelon::MutablePtr<Korvane::Object> cloudOf(LiteralSampling::Result&& result)
+Pelon::MutablePtr<Korvane::Object> cloudOf(Reference::SampleResult&& result)
 {
     const auto out = Korvane::createObject();
     const auto add = [&out](const char* name, auto& array) {
@@ -54,11 +54,11 @@ void measure(Row& row, const Surface& surface, Literal steps)
         [&] { Tessary::poissonSampleTriMesh(distance, kSeed, *source, *out, nullptr); },
         [&] { out = Korvane::createObject(); }, clear, hash};
     const Contender literal{
-        [&] { out = cloudOf(LiteralSampling::sample(surface, distance, kSeed)); }, nullptr, clear,
+        [&] { out = cloudOf(Reference::poissonSample(surface, distance, kSeed)); }, nullptr, clear,
         hash};
-    const Work work{LiteralSampling::candidateCount(area, distance), "candidate"};
+    const Work work{Reference::candidateCount(area, distance), "candidate"};
     if (steps == Literal::Beside)
-        row.compare(work, kernel, {"literal steps", literal});
+        row.compare(work, kernel, {"literal steps", literal, "on one thread"});
     else
         row.measure(work, kernel);
     row.figure("left", static_cast<double>(left));

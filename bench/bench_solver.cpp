@@ -1,8 +1,8 @@
 // Sweeps of the contact solver against the same projections one after the other in memory.
 
+#include "reference/ContactSweeps.h"
 #include "support/Inputs.h"
 #include "support/Measure.h"
-#include "tests/support/LiteralSweeps.h"
 
 #include <Tessary/Solver.h>
 
@@ -80,7 +80,7 @@ void measure(Row& row, Pairs pairs)
     row.compare(
         {pairCount, "pair", 12 * pairCount * start.maxIterations, "10 sweeps, 64 colliders"},
         sweeps(ours, start, [](Solver& s) { s.solveInternal(); }),
-        {"plain loop", sweeps(plain, start, [](Solver& s) { LiteralSweeps::solve(s); }),
+        {"plain loop", sweeps(plain, start, [](Solver& s) { Reference::solve(s); }),
          "keeps nothing in registers"});
     const auto pushing = std::count_if(ours.pairLambdas.begin(), ours.pairLambdas.end(),
                                        [](float lambda) { return lambda != 0; });

@@ -55,7 +55,7 @@ void fillRow(Row& row, const Surface& surface, const MakeSampler& makePeer)
     auto out = Korvane::createObject();
     Tessary::poissonSampleTriMesh(distance, kSeed, *source, *out, nullptr);
     Samples ours = samplesOf(*out), others;
-    const SamplingJob job{surface, distance, LiteralSampling::candidateCount(area, distance),
+    const SamplingJob job{surface, distance, Reference::candidateCount(area, distance),
                           ours.size()};
     const Other peer = makePeer(job, others);
     row.compare({job.candidates, "candidate", 0, ""}, samplingKernel(*source, distance, out), peer);
@@ -75,7 +75,7 @@ Samples uniformCloud(const Surface& surface, std::size_t count)
     const auto corner = [&](std::size_t c) { return surface.points[surface.faceVertex[c]]; };
     std::vector<double> areaUpTo;
     double area = 0;
-    for (const float each : LiteralSampling::triangleAreas(surface))
+    for (const float each : Reference::triangleAreas(surface))
         areaUpTo.push_back(area += each);
     std::mt19937_64 random(kSeed);
     const auto share = [&] { return static_cast<double>(random() >> 11) * 0x1p-53; };

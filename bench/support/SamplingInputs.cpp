@@ -68,7 +68,7 @@ Pelon::MutablePtr<Korvane::Object> objectOf(const Surface& surface)
 
 float areaOf(const Surface& surface)
 {
-    return LiteralSampling::totalArea(LiteralSampling::triangleAreas(surface));
+    return Reference::totalArea(Reference::triangleAreas(surface));
 }
 
 float distanceLeaving(std::uint64_t samples, float area)

@@ -5,13 +5,13 @@
 #include "support/Inputs.h"
 
 #include <Korvane/Object.h>
-#include <tests/support/LiteralSampling.h>
+#include <reference/PoissonSample.h>
 
 #include <cstdint>
 
 namespace Bench {
 
-using Surface = LiteralSampling::Mesh;
+using Surface = Reference::TriangleMesh;
 
 /// About `triangleCount` triangles: the faces of a cube in squares, drawn out to a sphere.
 Surface sphereSurface(uint triangleCount);

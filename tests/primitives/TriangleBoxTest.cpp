@@ -1,3 +1,4 @@
+#include "reference/TriangleBox.h"
 #include "support/MeshBuilding.h"
 
 #include <gtest/gtest.h>
@@ -21,42 +22,9 @@ struct Case {
     }
 };
 
-float3 minus(const float3& a, const float3& b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-float3 cross(const float3& a, const float3& b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-// Thirteen tests one after the other, nothing left out.
 bool reference(const Case& t)
 {
-    const float3& h = t.half;
-    const float3 u[] = {minus(t.a, t.center), minus(t.b, t.center), minus(t.c, t.center)};
-    const float3 e[] = {minus(t.b, t.a), minus(t.c, t.b), minus(t.a, t.c)};
-    const float3 units[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-    for (const float3& s : units)
-        for (const float3& v : e) {
-            const float3 a = cross(s, v);
-            float p[3];
-            for (int i = 0; i < 3; ++i)
-                p[i] = a.x * u[i].x + a.y * u[i].y + a.z * u[i].z;
-            const float r = std::fabs(a.x) * h.x + std::fabs(a.y) * h.y + std::fabs(a.z) * h.z;
-            if (std::max(std::min(std::min(p[0], p[1]), p[2]),
-                         -std::max(std::max(p[0], p[1]), p[2])) > r)
-                return false;
-        }
-    for (float float3::*const axis : {&float3::x, &float3::y, &float3::z}) {
-        const float x0 = u[0].*axis, x1 = u[1].*axis, x2 = u[2].*axis;
-        if (-(h.*axis) > std::max(std::max(x0, x1), x2) || std::min(std::min(x0, x1), x2) > h.*axis)
-            return false;
-    }
-    const float3 n = cross(e[0], e[1]);
-    return std::fabs(n.x) * h.x + std::fabs(n.y) * h.y + std::fabs(n.z) * h.z >=
-           std::fabs(n.x * u[0].x + n.y * u[0].y + n.z * u[0].z);
+    return Reference::triangleOverlapsBox(t.a, t.b, t.c, t.center, t.half);
 }
 
 // Numbers of a case in a row, so that a test can replace any of them.

@@ -21,7 +21,7 @@ struct Case {
 
 float areaOf(const Mesh& mesh)
 {
-    return LiteralSampling::totalArea(LiteralSampling::triangleAreas(mesh));
+    return Reference::totalArea(Reference::triangleAreas(mesh));
 }
 
 // The distance at which a mesh gets about `candidates`.
@@ -34,7 +34,7 @@ float distanceFor(const Mesh& mesh, float candidates)
 float wrappingDistance(const Mesh& mesh)
 {
     float distance = distanceFor(mesh, 0x1p32f) * 1.00001f;
-    while (LiteralSampling::candidateCount(areaOf(mesh), distance) > 5000)
+    while (Reference::candidateCount(areaOf(mesh), distance) > 5000)
         distance = std::nextafter(distance, 0.0f);
     return std::nextafter(distance, 0.0f);
 }
@@ -88,7 +88,7 @@ std::vector<Case> unusualCases()
 
 void expectLiteralSteps(const Mesh& mesh, float distance, uint seed)
 {
-    const Result expected = LiteralSampling::sample(mesh, distance, seed);
+    const Result expected = Reference::poissonSample(mesh, distance, seed);
     atSeveralThreadCounts([&](int threads) {
         SCOPED_TRACE(threads);
         expectSame(resultOf(*sampled(mesh, distance, seed)), expected);
@@ -100,7 +100,7 @@ TEST(PoissonSample, EqualsTheLiteralStepsOnUnusualMeshes)
     for (const Case& unusual : unusualCases()) {
         SCOPED_TRACE(unusual.name);
         const float area = areaOf(unusual.mesh);
-        const uint candidates = LiteralSampling::candidateCount(area, unusual.distance);
+        const uint candidates = Reference::candidateCount(area, unusual.distance);
         EXPECT_LE(candidates, 4 * unusual.candidates);
         EXPECT_GE(candidates, unusual.candidates / 4);
         expectLiteralSteps(unusual.mesh, unusual.distance, 7);
@@ -132,7 +132,7 @@ TEST(PoissonSample, KeepsSamplesApartAndEveryCandidateNearOne)
         SCOPED_TRACE(seed);
         const Mesh mesh = randomTriangles(seed, 1 + 5 * seed);
         const float distance = distanceFor(mesh, 2000);
-        const auto candidates = LiteralSampling::drawCandidates(mesh, distance, seed).positions;
+        const auto candidates = Reference::drawCandidates(mesh, distance, seed).positions;
         Array<float3> live = resultOf(*sampled(mesh, distance, seed)).samples.positions;
         live.push_back(candidates[0]);  // lives, but is never put out
         const auto liveWithin = [&live](double limit, const float3& p) {

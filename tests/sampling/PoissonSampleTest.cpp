@@ -92,7 +92,7 @@ TEST(PoissonSample, CountsTheFacesOfTheComponentIn64Bits)
     const auto plain = without(objectOf(unitTriangles(2)), Geometry::sFaceOffset);
     const MutablePtr<Object> out = Korvane::createObject();
     Tessary::poissonSampleTriMesh(0.1f, 3, *plain, *out, nullptr);
-    expectSame(resultOf(*out), LiteralSampling::sample(unitTriangles(2), 0.1f, 3));
+    expectSame(resultOf(*out), Reference::poissonSample(unitTriangles(2), 0.1f, 3));
 }
 
 void expectProperty(const Object& out, const String& name, const String& component)
@@ -140,7 +140,7 @@ TEST(PoissonSample, OverwritesWhatTheOutputHeldAndCopiesWhatIsShared)
     const Result first = resultOf(*out);
     Tessary::poissonSampleTriMesh(0.2f, 2, *objectOf(unitTriangles(3)), *out, nullptr);
     expectSame(resultOf(earlier), first);
-    expectSame(resultOf(*out), LiteralSampling::sample(unitTriangles(3), 0.2f, 2));
+    expectSame(resultOf(*out), Reference::poissonSample(unitTriangles(3), 0.2f, 2));
     expectCloud(*out, resultOf(*out).samples.faceIds.size());
     EXPECT_TRUE(out->hasProperty("mark"));
 }

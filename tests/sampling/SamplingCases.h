@@ -2,7 +2,7 @@
 
 // Meshes to sample, and the sampler's output as plain arrays.
 
-#include "support/LiteralSampling.h"
+#include "reference/PoissonSample.h"
 #include "support/MeshBuilding.h"
 
 #include <cmath>
@@ -11,8 +11,8 @@
 
 namespace TestSupport {
 
-using LiteralSampling::Mesh;
-using LiteralSampling::Result;
+using Mesh = Reference::TriangleMesh;
+using Result = Reference::SampleResult;
 
 /// In [-1, 1), the same on every machine.
 inline float randomCoordinate(std::mt19937& random)

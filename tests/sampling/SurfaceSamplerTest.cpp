@@ -36,8 +36,8 @@ TEST(Elimination, EqualsTheLiteralWalkOnAnyPointsWithAndWithoutFixedOnes)
         const float distance = seed % 5 == 4 ? 0.75f : 1;
         const Array<float3> points = randomCloud(seed, seed < 3 ? seed : 50 * (seed % 12));
         const Array<float3> fixed = randomCloud(seed + 1000, seed % 7);
-        const auto withFixed = LiteralSampling::reject(points, distance, fixed);
-        const auto without = LiteralSampling::reject(points, distance);
+        const auto withFixed = Reference::reject(points, distance, fixed);
+        const auto without = Reference::reject(points, distance);
         atSeveralThreadCounts([&](int threads) {
             SCOPED_TRACE(threads);
             EXPECT_EQ(Tessary::eliminate(points, distance, &fixed), withFixed);
@@ -54,8 +54,8 @@ TEST(AliasTable, EqualsTheLiteralTable)
         Array<float> areas(1 + random() % 70);
         for (float& area : areas)
             area = std::fabs(std::pow(randomCoordinate(random), static_cast<float>(seed % 9)));
-        const float total = LiteralSampling::totalArea(areas);
-        const auto expected = LiteralSampling::aliasTable(areas, total);
+        const float total = Reference::totalArea(areas);
+        const auto expected = Reference::aliasTable(areas, total);
         const Tessary::AliasTable table = Tessary::makeAliasTable(areas, total);
         EXPECT_EQ(table.alias, expected.alias);
         EXPECT_EQ(table.threshold, expected.threshold);

@@ -1,4 +1,4 @@
-#include "support/LiteralSweeps.h"
+#include "reference/ContactSweeps.h"
 #include "support/Random.h"
 
 #include <Tessary/Solver.h>
@@ -94,7 +94,7 @@ TEST(Multicollider, SweepsEqualTheReferenceToTheBit)
         Bare ours = randomProblem(seed);
         Multicollider reference = ours;
         ours.solveInternal();
-        LiteralSweeps::solve(reference);
+        Reference::solve(reference);
         expectSame(ours, reference);
         if (!ours.pairLambdas.empty() && ours.displacements[0].x != 7)
             ++converged;

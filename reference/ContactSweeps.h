@@ -1,13 +1,12 @@
 #pragma once
 
-// The contact solver done the plain way, one projection after the other and everything in memory:
-// what the library's solver is compared with, and timed against.
+// The contact solver's sweeps, one projection after the other and everything in memory.
 
 #include <Tessary/Solver.h>
 
 #include <cmath>
 
-namespace LiteralSweeps {
+namespace Reference {
 
 using Tessary::Multicollider;
 using Tessary::uint;
@@ -55,4 +54,4 @@ inline void solve(Multicollider& s)
         D = s.fallbackDisplacement;
 }
 
-}  // namespace LiteralSweeps
+}  // namespace Reference

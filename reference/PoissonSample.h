@@ -1,8 +1,7 @@
 #pragma once
 
-// Poisson-disk sampling done the plain way, step by step, on plain arrays: what the library's
-// sampler is compared with, and timed against. A concurrent vector of candidates sorted by
-// comparison, a concurrent map from cell to bin, and a serial walk with 27 look-ups a candidate.
+// Poisson-disk sampling step by step on one thread and plain arrays: a hash map from cell to candidates,
+// and a walk with 27 look-ups for each candidate that is left.
 
 #include <Korvane/Math.h>
 #include <Pelon/Array.h>
@@ -10,13 +9,13 @@
 
 #include <cstdint>
 
-namespace LiteralSampling {
+namespace Reference {
 
 using Korvane::Math::float3;
 using Pelon::Array;
 using Pelon::uint;
 
-struct Mesh {
+struct TriangleMesh {
     Array<float3> points;
     Array<uint> faceVertex;  // 3 per triangle
 };
@@ -32,22 +31,27 @@ struct AliasTable {
     Array<uint> threshold;
 };
 
-struct Result {
+struct SampleResult {
     Samples samples;
     Array<uint> faceOffset;
 };
 
-Array<float> triangleAreas(const Mesh& mesh);
+Array<float> triangleAreas(const TriangleMesh& mesh);
 float totalArea(const Array<float>& areas);
 AliasTable aliasTable(const Array<float>& areas, float total);
 uint candidateCount(float total, float distance);
-Samples drawCandidates(const Mesh& mesh, float distance, uint seed);
+
+/// Appends candidates to those in `drawn`, of which `counted` were drawn by earlier calls.
+void drawCandidates(const TriangleMesh& mesh, float distance, uint seed, uint& counted,
+                    Samples& drawn);
+Samples drawCandidates(const TriangleMesh& mesh, float distance, uint seed);
+
 /// 1 for every candidate that an earlier survivor or a fixed point eliminates; empty where the
 /// distance is too small for a grid.
 Array<unsigned char> reject(const Array<float3>& positions, float distance,
                             const Array<float3>& fixedPoints = {});
 
 /// All steps.
-Result sample(const Mesh& mesh, float distance, uint seed);
+SampleResult poissonSample(const TriangleMesh& mesh, float distance, uint seed);
 
-}  // namespace LiteralSampling
+}  // namespace Reference
