@@ -42,7 +42,7 @@ private:
 /// else   coordinates that are NaN or infinite end like others, in a sphere that means nothing.
 ///        Squares that overflow make the radius infinite
 /// cost   O(n) time per pass over the points, usually 3 to 15 passes; parallel, never polls for
-///        cancellation. 16 bytes of scratch per 8192 points
+///        cancellation
 TESSARY_API Sphere computeBoundingSphere(const Pelon::Array<Korvane::Math::float3>& points);
 
 /// Whether a solid triangle and a solid axis-aligned box have a point in common; touching counts.

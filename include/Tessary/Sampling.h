@@ -18,7 +18,7 @@
 
 namespace Tessary {
 
-/// A point filed in a cell of a uniform grid whose cells are 1 wide, once the point is scaled.
+/// A point in a cell of a uniform grid whose cells are 1 wide, once the point is scaled.
 struct LocalPosition {
     uint index;                   ///< of the point in its array
     uint segment;                 ///< of the array among the caller's arrays

@@ -1,6 +1,6 @@
 #include "primitives/FarthestPoint.h"
 
-#include "base/ParallelLoop.h"
+#include "base/ParallelReduce.h"
 #include "primitives/LargestDistance.h"
 
 #include <algorithm>
@@ -10,10 +10,14 @@
 // Distances are computed point by point and compared with > alone, so the result depends neither on
 // how the points are cut into blocks nor on how many of them are computed at once.
 //
-// Most stretches of points need no distance in double: float rules them out. With c the centre, c' the
-// same rounded to float, and f the squared distance of a point to c' in float, every difference, square
-// and sum is off by a factor of 1 + 2^-24 at most. So the point is no farther from c than
-// sqrt(f) (1 + 2^-22) + |c - c'|, but for squares that are too small for a float.
+// Most chunks of points are rejected by a conservative test in float and need no distance in double:
+//
+//   c, c'     centre, and the same rounded to float
+//   f         largest squared distance of the chunk's points to c', in float
+//   |p - c| <= sqrt(f) (1 + 2^-22) + |c - c'| + 2^-60
+//
+// as every difference, square and sum is off by a factor of 1 + 2^-24 at most, but for squares that
+// are too small for a float: the root of what these lose is below 2^-60.
 
 namespace Tessary {
 namespace {
@@ -23,13 +27,13 @@ namespace {
 constexpr std::size_t kBlock = 8192;
 
 // How far the largest distance is followed before its point is looked for, within the nearest cache.
-constexpr std::size_t kStretch = 512;
+constexpr std::size_t kChunk = 512;
 
-// How many stretches of a block in a row float may fail to rule out before it is not asked any more:
-// close to the end all points on a sphere are equally far in float.
-constexpr int kMostInVain = 2;
+// After so many failed rejections in a row a block is searched in double alone: close to the end all
+// points on a sphere are equally far in float.
+constexpr int kMostFailures = 2;
 
-// One look at all points, from several threads.
+// One pass over all points, on several threads.
 class Pass {
 public:
     Pass(const Vector3d& center, double atLeast)
@@ -42,8 +46,8 @@ public:
 
     const Vector3d& center() const { return m_center; }
 
-    // Whether none of these points is as far as the farthest one so far. NaN rules nothing out.
-    bool rulesOut(const float3* p, std::size_t count) const
+    // Whether none of these points is as far as the farthest one so far. NaN rejects nothing.
+    bool rejects(const float3* p, std::size_t count) const
     {
         const double f = largestDistance(p, count, m_rounded);
         const double most = (std::sqrt(f) + m_roundedBy) * (1 + 0x1p-22) + kTooSmall;
@@ -60,7 +64,6 @@ public:
     }
 
 private:
-    // More than the root of what squares lose that are too small for a float.
     static constexpr double kTooSmall = 0x1p-60;
 
     Vector3d m_center;
@@ -80,69 +83,75 @@ std::size_t firstAt(const float3* p, std::size_t count, const Ball& ball)
                                     p);
 }
 
-FarthestPoint::Found farthestOf(const float3* p, std::size_t begin, std::size_t end, Pass& pass,
-                                double atLeast)
+// The farthest of points [begin, end), at most a block.
+Farthest farthestOf(const float3* p, std::size_t begin, std::size_t end, Pass& pass, double atLeast)
 {
-    FarthestPoint::Found found = {FarthestPoint::kNone, atLeast};
-    int inVain = 0;
-    for (std::size_t i = begin; i < end; i += kStretch) {
-        const std::size_t count = std::min(kStretch, end - i);
-        if (inVain < kMostInVain && pass.rulesOut(p + i, count)) {
-            inVain = 0;
+    Farthest found = {Farthest::kNone, atLeast};
+    int failures = 0;
+    for (std::size_t i = begin; i < end; i += kChunk) {
+        const std::size_t count = std::min(kChunk, end - i);
+        if (failures < kMostFailures && pass.rejects(p + i, count)) {
+            failures = 0;
             continue;
         }
-        ++inVain;
+        ++failures;
         const double d = largestDistance(p + i, count, {pass.center(), found.squaredDistance});
         if (d > found.squaredDistance) {
             found = {i, d};
             pass.note(d);
         }
     }
-    if (found.index != FarthestPoint::kNone)
-        found.index += firstAt(p + found.index, std::min(kStretch, end - found.index),
+    if (found.index != Farthest::kNone)
+        found.index += firstAt(p + found.index, std::min(kChunk, end - found.index),
                                {pass.center(), found.squaredDistance});
     return found;
 }
 
+Farthest fartherOf(const Farthest& a, const Farthest& b)
+{
+    if (a.squaredDistance == b.squaredDistance)
+        return a.index < b.index ? a : b;  // kNone is the last
+    return a.squaredDistance > b.squaredDistance ? a : b;
+}
+
+// Reduces `ofBlock(begin, end)` over blocks of points.
+template <class T, class OfBlock, class Combine>
+T reduceBlocks(std::size_t size, const T& identity, const OfBlock& ofBlock, const Combine& combine)
+{
+    const auto blocks = static_cast<uint>((size + kBlock - 1) / kBlock);
+    return parallelReduce(
+        blocks, 1, LoopContext::Isolated, identity,
+        [&](uint firstBlock, uint endBlock) {
+            T result = identity;
+            for (std::size_t block = firstBlock; block < endBlock; ++block)
+                result =
+                    combine(result, ofBlock(block * kBlock, std::min((block + 1) * kBlock, size)));
+            return result;
+        },
+        combine);
+}
+
 }  // namespace
 
-FarthestPoint::FarthestPoint(const Array<float3>& points)
-    : m_points(points), m_found((points.size() + kBlock - 1) / kBlock)
-{}
-
-std::size_t FarthestPoint::blockBegin(std::size_t block) const
+Farthest farthestFrom(const Vector3d& center, const Array<float3>& points, double atLeast)
 {
-    return std::min(block * kBlock, m_points.size());
-}
-
-FarthestPoint::Found FarthestPoint::from(const Vector3d& center, double atLeast)
-{
-    const auto blocks = static_cast<uint>(m_found.size());
     Pass pass(center, atLeast);
-    parallelForEach(blocks, LoopContext::Isolated, [&](uint block) {
-        m_found[block] = farthestOf(m_points.data(), blockBegin(block),
-                                    blockBegin(std::size_t{block} + 1), pass, atLeast);
-    });
-    Found farthest = {kNone, atLeast};
-    for (const Found& found : m_found)
-        if (found.index != kNone && found.squaredDistance > farthest.squaredDistance)
-            farthest = found;
-    return farthest;
+    return reduceBlocks(
+        points.size(), Farthest{Farthest::kNone, atLeast},
+        [&](std::size_t begin, std::size_t end) {
+            return farthestOf(points.data(), begin, end, pass, atLeast);
+        },
+        fartherOf);
 }
 
-float FarthestPoint::largestFloatDistance(const float3& center)
+float largestFloatDistance(const float3& center, const Array<float3>& points)
 {
-    const auto blocks = static_cast<uint>(m_found.size());
-    parallelForEach(blocks, LoopContext::Isolated, [&](uint block) {
-        const std::size_t begin = blockBegin(block);
-        const std::size_t end = blockBegin(std::size_t{block} + 1);
-        m_found[block].squaredDistance =
-            largestDistance(m_points.data() + begin, end - begin, center);
-    });
-    float largest = 0.0f;
-    for (const Found& found : m_found)
-        largest = std::max(largest, static_cast<float>(found.squaredDistance));
-    return largest;
+    return reduceBlocks(
+        points.size(), 0.0f,
+        [&](std::size_t begin, std::size_t end) {
+            return largestDistance(points.data() + begin, end - begin, center);
+        },
+        [](float a, float b) { return std::max(a, b); });
 }
 
 }  // namespace Tessary

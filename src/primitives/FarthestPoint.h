@@ -4,30 +4,19 @@
 
 namespace Tessary {
 
-/// The pass over all points that the search for their ball repeats.
-class FarthestPoint {
-public:
+/// A point of an array, and its squared distance to a centre.
+struct Farthest {
     static constexpr std::size_t kNone = ~std::size_t{0};
 
-    struct Found {
-        std::size_t index;
-        double squaredDistance;
-    };
-
-    explicit FarthestPoint(const Array<float3>& points);
-
-    /// The point farthest from `center`, of equally far ones the first, if it is farther than
-    /// `atLeast`; else kNone and `atLeast`. A point at a distance that is NaN is never found.
-    Found from(const Vector3d& center, double atLeast);
-
-    /// The largest squared distance to `center` in float; 0 where there is none.
-    float largestFloatDistance(const float3& center);
-
-private:
-    std::size_t blockBegin(std::size_t block) const;
-
-    const Array<float3>& m_points;
-    std::vector<Found> m_found;  // per block
+    std::size_t index;
+    double squaredDistance;
 };
+
+/// The point farthest from `center`, of equally far ones the first, if it is farther than `atLeast`, a
+/// squared distance; else kNone and `atLeast`. A point at a distance that is NaN is never found.
+Farthest farthestFrom(const Vector3d& center, const Array<float3>& points, double atLeast);
+
+/// The largest squared distance to `center` in float; 0 where there is none.
+float largestFloatDistance(const float3& center, const Array<float3>& points);
 
 }  // namespace Tessary

@@ -36,7 +36,7 @@ Float4 rotatedCross(Float4 a, Float4 b)
     return sub(mul(a, rotated(b)), mul(rotated(a), b));
 }
 
-// The axes of the box itself. One jump for both ends: which of them it is, is hard to foresee.
+// The axes of the box itself. One branch for both ends: which of them separates is unpredictable.
 bool facesSeparate(const Triangle& t, Float4 h)
 {
     const int isBelow = anyGreater3(negated(h), largest(t.u0, t.u1, t.u2)) ? 1 : 0;

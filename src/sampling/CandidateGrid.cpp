@@ -1,6 +1,7 @@
 #include "sampling/CandidateGrid.h"
 
 #include "base/ParallelLoop.h"
+#include "base/ParallelReduce.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +11,8 @@ namespace Tessary {
 namespace {
 
 using Key = CandidateGrid::Key;
+
+constexpr std::size_t kLeastPiece = 16384;
 
 // Biased, so that keys order as slots do. No slot is so near the ends that a neighbour's key wraps.
 Key keyOf(std::int32_t slotB, std::int32_t slotC)
@@ -24,26 +27,14 @@ Key stepAlongB(uint row)
     return (Key{row % 3} - 1) << 32;
 }
 
-// The parts in which loops take the candidates. Each may have counters of its own: a quarter as many as it has
-// candidates, so that they take little memory however many threads there are.
-class Pieces {
-public:
-    explicit Pieces(std::size_t size, std::size_t counters = 0)
-        : m_size(size),
-          m_count(static_cast<uint>(std::min<std::size_t>(
-              4 * std::size_t{loopConcurrency()}, 1 + size / std::max(kSizeOfOne, 4 * counters))))
-    {}
-
-    uint count() const { return m_count; }
-    std::size_t begin(uint piece) const { return m_size * piece / m_count; }
-    std::size_t end(uint piece) const { return begin(piece + 1); }
-
-private:
-    static constexpr std::size_t kSizeOfOne = 16384;
-
-    std::size_t m_size;
-    uint m_count;
-};
+// How many pieces scatter the candidates. Each has a counter per slab: four times as many candidates,
+// so that counters take little memory however many threads there are.
+uint pieceCount(std::size_t candidates, std::size_t slabs)
+{
+    const std::size_t leastSize = std::max(kLeastPiece, 4 * slabs);
+    return static_cast<uint>(
+        std::min<std::size_t>(4 * std::size_t{loopConcurrency()}, 1 + candidates / leastSize));
+}
 
 struct Span {
     std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
@@ -59,31 +50,32 @@ struct Span {
 
 struct Extent {
     Span a, b;
-    bool leavesOut = false;
+    bool hasIsolated = false;
     bool isEmpty = true;
 
     void add(const CandidateGrid::Place& place)
     {
-        if (place.isNearNobody()) {
-            leavesOut = true;
+        if (place.isIsolated()) {
+            hasIsolated = true;
             return;
         }
         isEmpty = false;
         a.add(place.a.slot, place.a.slot);
         b.add(place.b.slot, place.b.slot);
     }
-    void add(const Extent& other)
+    static Extent both(Extent one, const Extent& other)
     {
-        leavesOut |= other.leavesOut;
-        isEmpty &= other.isEmpty;
-        a.add(other.a.lowest, other.a.highest);
-        b.add(other.b.lowest, other.b.highest);
+        one.hasIsolated |= other.hasIsolated;
+        one.isEmpty &= other.isEmpty;
+        one.a.add(other.a.lowest, other.a.highest);
+        one.b.add(other.b.lowest, other.b.highest);
+        return one;
     }
 };
 
 }  // namespace
 
-bool CandidateGrid::Place::isNearNobody() const
+bool CandidateGrid::Place::isIsolated() const
 {
     const bool isFinite =
         std::isfinite(a.local) && std::isfinite(b.local) && std::isfinite(c.local);
@@ -94,7 +86,7 @@ CandidateGrid::CandidateGrid(const Array<float3>& positions, float scale)
     : m_positions(positions), m_scale(scale)
 {
     chooseSlabs();
-    fileIntoSlabs();
+    scatterIntoSlabs();
     sortSlabs();
     linkNeighbours();
 }
@@ -107,18 +99,16 @@ CandidateGrid::Place CandidateGrid::place(const float3& p) const
 
 void CandidateGrid::chooseSlabs()
 {
-    const Pieces pieces(m_positions.size());
-    std::vector<Extent> extents(pieces.count());
-    parallelForEach(pieces.count(), LoopContext::Bound, [&](uint piece) {
-        Extent extent;
-        for (std::size_t i = pieces.begin(piece); i < pieces.end(piece); ++i)
-            extent.add(place(m_positions[i]));
-        extents[piece] = extent;
-    });
-    Extent whole;
-    for (const Extent& extent : extents)
-        whole.add(extent);
-    m_leavesOut = whole.leavesOut;
+    Extent whole = parallelReduce(
+        static_cast<uint>(m_positions.size()), kLeastPiece, LoopContext::Bound, Extent(),
+        [this](uint begin, uint end) {
+            Extent extent;
+            for (uint i = begin; i < end; ++i)
+                extent.add(place(m_positions[i]));
+            return extent;
+        },
+        Extent::both);
+    m_hasIsolated = whole.hasIsolated;
     if (whole.isEmpty)
         return;
     // The squares of x and y are added to each other first, so the pair test allows it.
@@ -138,8 +128,8 @@ void CandidateGrid::setSlabs(std::int32_t lowest, std::int32_t highest)
             m_slotOfSlab.push_back(static_cast<std::int32_t>(slot));
         return;
     }
-    forEachFiled(0, m_positions.size(),
-                 [this](uint, std::int32_t slot) { m_slotOfSlab.push_back(slot); });
+    forEachInGrid({0, m_positions.size()},
+                  [this](uint, std::int32_t slot) { m_slotOfSlab.push_back(slot); });
     std::sort(m_slotOfSlab.begin(), m_slotOfSlab.end());
     m_slotOfSlab.erase(std::unique(m_slotOfSlab.begin(), m_slotOfSlab.end()), m_slotOfSlab.end());
 }
@@ -162,41 +152,36 @@ bool CandidateGrid::isSlab(std::size_t slab, std::int64_t slot) const
     return slab < m_slotOfSlab.size() && m_slotOfSlab[slab] == slot;
 }
 
-// Calls visit(id, slot of the slab) for the candidates among [begin, end) that are not left out.
+// Calls visit(id, slot of the slab) for those of the candidates that are not isolated.
 template <class Visit>
-void CandidateGrid::forEachFiled(std::size_t begin, std::size_t end, const Visit& visit) const
+void CandidateGrid::forEachInGrid(Range ids, const Visit& visit) const
 {
-    for (std::size_t i = begin; i < end; ++i)
-        if (!m_leavesOut || !place(m_positions[i]).isNearNobody())
+    for (std::size_t i = ids.begin; i < ids.end; ++i)
+        if (!m_hasIsolated || !place(m_positions[i]).isIsolated())
             visit(static_cast<uint>(i), GridPlace::of(m_scale * m_positions[i].*m_axisA).slot);
 }
 
-// A counting sort: by slab, and within one as they come.
-void CandidateGrid::fileIntoSlabs()
+void CandidateGrid::scatterIntoSlabs()
 {
     const std::size_t slabs = m_slotOfSlab.size();
-    const Pieces pieces(m_positions.size(), slabs);
-    Array<uint> cursors(pieces.count() * slabs);
-    m_filed.resize(m_positions.size());
-    parallelForEach(pieces.count(), LoopContext::Bound, [&](uint piece) {
-        uint* const counts = cursors.data() + piece * slabs;
-        forEachFiled(pieces.begin(piece), pieces.end(piece), [&](uint i, std::int32_t slot) {
-            m_filed[i] = 1;
+    const uint pieces = pieceCount(m_positions.size(), slabs);
+    CountingSort sort(pieces, slabs);
+    m_isInGrid.resize(m_positions.size());
+    parallelForEach(pieces, LoopContext::Bound, [&](uint piece) {
+        uint* const counts = sort.counters(piece);
+        forEachInGrid(partOf(m_positions.size(), piece, pieces), [&](uint i, std::int32_t slot) {
+            m_isInGrid[i] = 1;
             ++counts[slabFrom(slot)];
         });
     });
-    uint sum = 0;
-    for (std::size_t slab = 0; slab < slabs; ++slab) {
-        m_slabBegin.push_back(sum);
-        for (uint piece = 0; piece < pieces.count(); ++piece)
-            sum += std::exchange(cursors[piece * slabs + slab], sum);
-    }
-    m_slabBegin.push_back(sum);
-    m_bySlab.resize(sum);
-    parallelForEach(pieces.count(), LoopContext::Bound, [&](uint piece) {
-        uint* const own = cursors.data() + piece * slabs;
-        forEachFiled(pieces.begin(piece), pieces.end(piece), [&](uint i, std::int32_t slot) {
-            m_bySlab[own[slabFrom(slot)]++] = {m_positions[i], i};
+    const uint count = sort.exclusiveScan();
+    m_slabBegin.assign(sort.counters(0), sort.counters(0) + slabs);
+    m_slabBegin.push_back(count);
+    m_bySlab.resize(count);
+    parallelForEach(pieces, LoopContext::Bound, [&](uint piece) {
+        uint* const cursors = sort.counters(piece);
+        forEachInGrid(partOf(m_positions.size(), piece, pieces), [&](uint i, std::int32_t slot) {
+            m_bySlab[cursors[slabFrom(slot)]++] = {m_positions[i], i};
         });
     });
 }
@@ -223,7 +208,7 @@ void CandidateGrid::sortSlabs()
                 store(slab, sorter.items, keys.data() + begin, begins.data() + begin);
         }
     });
-    m_bySlab = Array<Filed>();
+    m_bySlab = Array<InSlab>();
     for (uint slab = 0; slab < slabs; ++slab)
         m_firstBin[slab + 1] += m_firstBin[slab];
 
@@ -240,10 +225,10 @@ void CandidateGrid::sortSlabs()
 
 void CandidateGrid::collect(uint slab, std::vector<SlabSorter::Item>& items) const
 {
-    const Filed* const filed = m_bySlab.data() + m_slabBegin[slab];
+    const InSlab* const inSlab = m_bySlab.data() + m_slabBegin[slab];
     items.resize(m_slabBegin[slab + 1] - m_slabBegin[slab]);
     for (std::size_t j = 0; j < items.size(); ++j) {
-        const float3& p = filed[j].position;
+        const float3& p = inSlab[j].position;
         items[j] = {
             keyOf(GridPlace::of(m_scale * p.*m_axisB).slot, GridPlace::of(m_scale * p.z).slot),
             static_cast<uint>(j)};
@@ -254,7 +239,7 @@ void CandidateGrid::collect(uint slab, std::vector<SlabSorter::Item>& items) con
 uint CandidateGrid::store(uint slab, const std::vector<SlabSorter::Item>& items, Key* keys,
                           uint* begins)
 {
-    const Filed* const filed = m_bySlab.data() + m_slabBegin[slab];
+    const InSlab* const inSlab = m_bySlab.data() + m_slabBegin[slab];
     uint bins = 0;
     for (std::size_t j = 0; j < items.size(); ++j) {
         const std::size_t candidate = m_slabBegin[slab] + j;
@@ -262,7 +247,7 @@ uint CandidateGrid::store(uint slab, const std::vector<SlabSorter::Item>& items,
             keys[bins] = items[j].key;
             begins[bins++] = static_cast<uint>(candidate);
         }
-        const Filed& own = filed[items[j].place];
+        const InSlab& own = inSlab[items[j].place];
         const Place at = place(own.position);
         m_local[0][candidate] = at.a.local;
         m_local[1][candidate] = at.b.local;

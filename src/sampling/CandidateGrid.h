@@ -1,5 +1,19 @@
 #pragma once
 
+// A uniform grid over the candidates, cells of width 1 in scaled coordinates. The cells of one slot a
+// are a slab, those of it with one slot b a row, sorted by slot c, that of z. The axes a and b are x
+// and y, or exchanged where y spreads farther. Only cells that hold a candidate, bins, are stored:
+//
+//   slabs           | slot a = 4                        | slot a = 5
+//   rows            | b = 1                 | b = 2     |
+//   bins            | c = 7 | c = 8 | c = 9 | c = 3     | ...        m_firstBin: of each slab
+//   candidates      | p p   | p     | p p p | p         | ...        m_binBegin: of each bin
+//                     ids ascend in a bin
+//
+// The 27 cells around one of (4, 1, 8) are nine stretches of at most three cells along c, a row each.
+// The candidates of such a stretch are contiguous: a run. The run of (4, 1) has 6 candidates here.
+
+#include "base/CountingSort.h"
 #include "base/Host.h"
 #include "sampling/GridPlace.h"
 #include "sampling/SlabSorter.h"
@@ -10,13 +24,9 @@
 
 namespace Tessary {
 
-/// Candidates sorted by the cells of a uniform grid, and the neighbours of every cell that holds one.
-///
-/// The cells of one slot a are a slab, those of it with one slot b a row, sorted by slot c, that of z.
-/// The axes a and b are x and y, or exchanged where y spreads farther. The candidates of a cell and of
-/// its two neighbours along c are thus contiguous: a run. Left out are candidates that can be near to
-/// nobody: those with a coordinate that is not finite, and those out of range along all axes, whose
-/// cell is no bin.
+/// Candidates sorted by cell, and the neighbours of every cell that holds one. Without isolated
+/// candidates, which are within the distance of none: those with a coordinate that is not finite, and
+/// those out of range along all axes, whose cell is no bin.
 class CandidateGrid {
 public:
     using Key = std::uint64_t;  // slots b and c
@@ -40,7 +50,7 @@ public:
 
     struct Place {
         GridPlace a, b, c;
-        bool isNearNobody() const;
+        bool isIsolated() const;
     };
 
     CandidateGrid(const Array<float3>& positions, float scale);
@@ -60,8 +70,8 @@ public:
     uint id(std::size_t candidate) const { return static_cast<uint>(m_rank[candidate]) ^ kSign; }
     std::size_t candidateCount() const { return m_slabBegin.back(); }
 
-    /// Per id 1, or 0 where it was left out; handed over.
-    Array<unsigned char> takeFiled() { return std::move(m_filed); }
+    /// Per id 1, or 0 where it is isolated; moved out.
+    Array<unsigned char> takeIsInGrid() { return std::move(m_isInGrid); }
 
     /// Where any point lies, and the bins around it, found by search.
     Place place(const float3& p) const;
@@ -70,8 +80,8 @@ public:
 private:
     static constexpr uint kSign = 0x80000000;
 
-    // A candidate on its way into its slab, with its position: the slabs are read in one go.
-    struct Filed {
+    // A candidate in its slab, with its position, so that slabs are read sequentially.
+    struct InSlab {
         float3 position;
         uint id;
     };
@@ -81,8 +91,8 @@ private:
     std::size_t slabFrom(std::int64_t slot) const;
     bool isSlab(std::size_t slab, std::int64_t slot) const;
     template <class Visit>
-    void forEachFiled(std::size_t begin, std::size_t end, const Visit& visit) const;
-    void fileIntoSlabs();
+    void forEachInGrid(Range ids, const Visit& visit) const;
+    void scatterIntoSlabs();
     void sortSlabs();
     void collect(uint slab, std::vector<SlabSorter::Item>& items) const;
     uint store(uint slab, const std::vector<SlabSorter::Item>& items, Key* keys, uint* begins);
@@ -93,13 +103,13 @@ private:
     float m_scale;
     float float3::*m_axisA = &float3::x;
     float float3::*m_axisB = &float3::y;
-    bool m_leavesOut = false;
+    bool m_hasIsolated = false;
 
     std::vector<std::int32_t> m_slotOfSlab;  // ascending
     std::vector<uint> m_slabBegin;           // per slab its first candidate, and the end
     std::vector<uint> m_firstBin;            // per slab its first bin, and the end
-    Array<unsigned char> m_filed;
-    Array<Filed> m_bySlab;
+    Array<unsigned char> m_isInGrid;
+    Array<InSlab> m_bySlab;
     Array<float> m_local[3];
     Array<std::int32_t> m_slotC;
     Array<std::int32_t> m_rank;

@@ -8,11 +8,16 @@
 #include <atomic>
 #include <vector>
 
-// The walk leaves the only set of candidates in which one lives exactly where no earlier one that lives
-// is within the distance. So whether a candidate lives is settled as soon as that is known of the earlier
-// ones near it, in whatever order, and the candidates are taken cell by cell, in parallel. Where an
-// earlier neighbour is not decided yet, it is decided first. Threads that meet at a border may decide
-// the same candidate, and come to the same result.
+// Dart throwing (R. L. Cook, "Stochastic sampling in computer graphics", ACM Transactions on Graphics
+// 5(1), 1986) over given candidates, but in parallel.
+//
+//   L = { i : no j < i in L is within the distance of i }
+//
+// The walk in order leaves this set L, and no other set is equal to the right-hand side: candidate 0 is
+// in it, and whether i is follows from those before it. So a candidate is decided as soon as its earlier
+// neighbours are, in whatever order, and the candidates are taken cell by cell, in parallel. Where an
+// earlier neighbour is undecided, it is decided first. Threads that meet at a border may both decide a
+// candidate, and come to the same result.
 
 namespace Tessary {
 namespace {
@@ -39,7 +44,7 @@ void removeAround(const Array<float3>& fixedPoints, const CandidateGrid& grid, S
     Neighbourhood neighbourhood(grid);
     for (const float3& p : fixedPoints) {
         const CandidateGrid::Place at = grid.place(p);
-        if (at.isNearNobody() || grid.binCount() == 0)
+        if (at.isIsolated() || grid.binCount() == 0)
             continue;
         neighbourhood.set(grid.neighboursOf(at));
         neighbourhood.find<Partners::All>({at.a.local, at.b.local, at.c.local, at.c.slot, 0});
@@ -133,7 +138,7 @@ Array<unsigned char> eliminate(const Array<float3>& positions, float distance,
                                const Array<float3>* fixedPoints)
 {
     CandidateGrid grid(positions, 1.0f / distance);
-    Array<unsigned char> rejected = grid.takeFiled();
+    Array<unsigned char> rejected = grid.takeIsInGrid();
     States states(grid.candidateCount());
     if (fixedPoints)
         removeAround(*fixedPoints, grid, states);

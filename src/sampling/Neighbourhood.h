@@ -1,5 +1,15 @@
 #pragma once
 
+// Candidate c removes the later candidate e where e lies in one of the 27 cells around c's and
+//
+//   d = (step + l_e) - l_c      l  offset from the cell, scaled so that the distance is 1
+//   1 >= (d_y^2 + d_x^2) + d_z^2    step  from c's cell to e's: -1, 0 or 1 along each axis
+//
+// The 27 cells are nine runs of contiguous candidates, cut into blocks of four lanes:
+//
+//   candidates   . . . | p p p p | p p . . | . . .       a run of six from index 3 on
+//   blocks              first 3   first 7                 lanes 1111, 0011: lane 0 is the lowest bit
+
 #include "base/Simd.h"
 #include "sampling/CandidateGrid.h"
 
@@ -17,9 +27,9 @@ struct PairEnd {
 
 enum class Partners { Earlier, Later, All };
 
-/// The candidates in the 27 cells around one, in blocks of four, and the test of all of them against a
-/// point in that cell. The loops have no jumps that depend on where candidates lie: most of the time
-/// would go into foreseeing those wrongly. The buffers are reused from cell to cell.
+/// The candidates in the 27 cells around one, and the test of all of them against a point in that cell.
+/// Branchless in what depends on where candidates lie: mispredictions would dominate. The buffers are
+/// reused from cell to cell.
 class Neighbourhood {
 public:
     explicit Neighbourhood(const CandidateGrid& grid) : m_grid(grid) {}
@@ -90,7 +100,7 @@ private:
         const float stepB = static_cast<float>(b) - 1.0f;
         const uint blocks = blocksOf(length);
         Block* const out = m_blocks.data() + m_count;
-        // Those that are too many are written over, or not read.
+        // Branchless for most runs: blocks past the last one are overwritten, or never read.
         for (uint i = 0; i < kBlocksAtOnce; ++i)
             out[i] = {first + kLanes * i, 0xF, stepA, stepB};
         for (uint i = kBlocksAtOnce; i < blocks; ++i)

@@ -13,9 +13,9 @@ using TestSupport::Random;
 
 namespace {
 
-FarthestPoint::Found reference(const Array<float3>& points, const Vector3d& center, double atLeast)
+Farthest reference(const Array<float3>& points, const Vector3d& center, double atLeast)
 {
-    FarthestPoint::Found found = {FarthestPoint::kNone, atLeast};
+    Farthest found = {Farthest::kNone, atLeast};
     for (std::size_t i = 0; i < points.size(); ++i) {
         const double d = squaredLength(widened(points[i]) - center);
         if (d > found.squaredDistance)
@@ -47,10 +47,9 @@ Set nearlyOnASphere(Random& random, uint count, double radius, double thickness,
 
 void expectReference(const Set& set)
 {
-    FarthestPoint farthest(set.points);
     const double largest = reference(set.points, set.center, 0).squaredDistance;
     for (const double atLeast : {0.0, largest * (1 - 1e-9), largest, 2 * largest}) {
-        const auto found = farthest.from(set.center, atLeast);
+        const auto found = farthestFrom(set.center, set.points, atLeast);
         const auto expected = reference(set.points, set.center, atLeast);
         EXPECT_EQ(found.index, expected.index) << atLeast;
         EXPECT_EQ(found.squaredDistance, expected.squaredDistance) << atLeast;
