@@ -50,24 +50,23 @@ std::vector<LocalPosition> randomPoints(std::uint32_t seed, uint count)
     return points;
 }
 
-struct Expected {
-    std::vector<LocalPosition> points;
+struct Bins {
     Array<uint3> cells;
     Array<uint> offsets;
-
-    explicit Expected(std::vector<LocalPosition> unsorted) : points(std::move(unsorted))
-    {
-        std::sort(points.begin(), points.end(),
-                  [](const auto& a, const auto& b) { return keyOf(a) < keyOf(b); });
-        for (uint i = 0; i < points.size(); ++i)
-            if (points[i].cell != (i > 0 ? points[i - 1].cell : kSentinel)) {
-                cells.push_back(points[i].cell);
-                offsets.push_back(i);
-            }
-        if (!cells.empty())
-            offsets.push_back(static_cast<uint>(points.size()));
-    }
 };
+
+Bins binsOf(const std::vector<LocalPosition>& sorted)
+{
+    Bins bins;
+    for (uint i = 0; i < sorted.size(); ++i)
+        if (sorted[i].cell != (i > 0 ? sorted[i - 1].cell : kSentinel)) {
+            bins.cells.push_back(sorted[i].cell);
+            bins.offsets.push_back(i);
+        }
+    if (!bins.cells.empty())
+        bins.offsets.push_back(static_cast<uint>(sorted.size()));
+    return bins;
+}
 
 // Scans in pieces of one point; returns how many cells were emitted.
 template <class Emit>
@@ -84,21 +83,21 @@ TEST(PointBins, SortPointsAndListEachCellOnce)
     for (std::uint32_t seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
         const auto points = randomPoints(seed, seed % 10 == 9 ? 30000 : seed * seed % 200);
-        const Expected expected(points);
+        auto sorted = points;
+        std::sort(sorted.begin(), sorted.end(),
+                  [](const auto& a, const auto& b) { return keyOf(a) < keyOf(b); });
+        const Bins expected = binsOf(sorted);
         atSeveralThreadCounts([&](int threads) {
             SCOPED_TRACE(threads);
             PointBins bins;
             bins.binCells = {{7, 7, 7}};
             bins.binOffsets = {5, 5, 5};
             bins.cellToBin[{1, 2, 3}] = 4;
-            for (const LocalPosition& point : points)
-                bins.points.push_back(point);
+            bins.points.assign(points.begin(), points.end());
             bins.sortDedup();
-            ASSERT_EQ(bins.points.size(), points.size());
-            for (std::size_t i = 0; i < points.size(); ++i)
-                ASSERT_EQ(std::memcmp(&bins.points[i], &expected.points[i], sizeof(LocalPosition)),
-                          0)
-                    << i;
+            EXPECT_TRUE(std::equal(
+                bins.points.begin(), bins.points.end(), sorted.begin(), sorted.end(),
+                [](const auto& a, const auto& b) { return std::memcmp(&a, &b, sizeof a) == 0; }));
             EXPECT_EQ(bins.binCells, expected.cells);
             EXPECT_EQ(bins.binOffsets, expected.offsets);
             EXPECT_EQ(bins.cellToBin.size(), 1u);
@@ -118,15 +117,9 @@ TEST(PointBins, SortPointsAndListEachCellOnce)
 
 TEST(PointBins, HashCellsAsSignedNumbers)
 {
-    const CellHash hash;
-    const auto minus = [](uint a) { return 0 - a; };
-    EXPECT_EQ(hash({0, 0, 0}), 0u);
-    EXPECT_EQ(hash({1, 0, 0}), 0x9E3779B97F4A7C15u);
-    EXPECT_EQ(hash({0, 1, 0}), 0xDF442D22CE4859B9u);
-    EXPECT_EQ(hash({minus(1), 0, 0}), 0x61C8864680B583EBu);
-    EXPECT_EQ(hash({1, 2, 3}), 0xF4C722623954D5ACu);
-    EXPECT_EQ(hash({minus(1), minus(2), minus(3)}), 0xC697C908C4062208u);
-    EXPECT_EQ(hash({0x80000000, 0x7FFFFFFF, minus(7)}), 0xC6AACC196A1DEAFEu);
+    EXPECT_EQ(CellHash()({1, 2, 3}), 0xF4C722623954D5ACu);
+    EXPECT_EQ(CellHash()({0u - 1, 0u - 2, 0u - 3}), 0xC697C908C4062208u);
+    EXPECT_EQ(CellHash()({0x80000000, 0x7FFFFFFF, 0u - 7}), 0xC6AACC196A1DEAFEu);
 }
 
 }  // namespace

@@ -107,8 +107,6 @@ TEST(PoissonSample, EqualsTheLiteralStepsOnUnusualMeshes)
     }
 }
 
-// The survivors of a greedy walk are the only set in which a candidate lives exactly when no earlier
-// live one is near, so any order and any number of threads that decide it must find it.
 TEST(PoissonSample, EqualsTheLiteralStepsOnFewAndManyCandidates)
 {
     for (std::uint32_t seed = 0; seed < 300; ++seed) {
@@ -152,7 +150,6 @@ struct Golden {
     Mesh mesh;
     float distance;
     uint seed;
-    std::size_t samples;
     std::uint64_t hash;
 };
 
@@ -168,26 +165,24 @@ std::uint64_t hashOf(const Result& result)
 TEST(PoissonSample, GivesTheBytesItEverGave)
 {
     const Golden golden[] = {
-        {randomTriangles(1, 1), 0.05f, 0, 88, 0x266d6665cb5f2f53},
-        {randomTriangles(1, 1), 0.05f, 1, 85, 0x48c835c025e73ef0},
-        {randomTriangles(2, 3), 0.05f, 0, 507, 0x36d87094c8e2985d},
-        {randomTriangles(3, 100), 0.125f, 12345, 925, 0xa53d125d927c83ab},
-        {randomTriangles(4, 1000), 0.5f, 0xFFFFFFFF, 45, 0xadfe00dd88f27239},
-        {roundedOctahedron(0), 0.03f, 5, 4335, 0x78829b2ac8509361},
-        {roundedOctahedron(1), 1, 6, 4, 0x0765c4b7c08d47de},
-        {roundedOctahedron(3), 0.04f, 7, 4392, 0xf4c29661a6a9e745},
-        {roundedOctahedron(5), 0.02f, 0, 17717, 0xe9f6d2b2c119fa9f},
-        {moved(roundedOctahedron(2), 1e-6f, {0, 0, 0}), 5e-8f, 8, 2707, 0x098e36804ac1770b},
-        {moved(roundedOctahedron(2), 1e6f, {3e8f, 0, -2e7f}), 7e4f, 9, 1396, 0x69acbf403922c168},
-        {moved(randomTriangles(5, 20), 1, {1e5f, 0, 0}), 0.05f, 10, 1741, 0x1c0ac391a4db12d1},
+        {randomTriangles(1, 1), 0.05f, 0, 0x266d6665cb5f2f53},
+        {randomTriangles(1, 1), 0.05f, 1, 0x48c835c025e73ef0},
+        {randomTriangles(2, 3), 0.05f, 0, 0x36d87094c8e2985d},
+        {randomTriangles(3, 100), 0.125f, 12345, 0xa53d125d927c83ab},
+        {randomTriangles(4, 1000), 0.5f, 0xFFFFFFFF, 0xadfe00dd88f27239},
+        {roundedOctahedron(0), 0.03f, 5, 0x78829b2ac8509361},
+        {roundedOctahedron(1), 1, 6, 0x0765c4b7c08d47de},
+        {roundedOctahedron(3), 0.04f, 7, 0xf4c29661a6a9e745},
+        {roundedOctahedron(5), 0.02f, 0, 0xe9f6d2b2c119fa9f},
+        {moved(roundedOctahedron(2), 1e-6f, {0, 0, 0}), 5e-8f, 8, 0x098e36804ac1770b},
+        {moved(roundedOctahedron(2), 1e6f, {3e8f, 0, -2e7f}), 7e4f, 9, 0x69acbf403922c168},
+        {moved(randomTriangles(5, 20), 1, {1e5f, 0, 0}), 0.05f, 10, 0x1c0ac391a4db12d1},
     };
     for (const Golden& g : golden) {
         SCOPED_TRACE(&g - golden);
         atSeveralThreadCounts([&g](int threads) {
             SCOPED_TRACE(threads);
-            const Result result = resultOf(*sampled(g.mesh, g.distance, g.seed));
-            EXPECT_EQ(result.samples.faceIds.size(), g.samples);
-            EXPECT_EQ(hashOf(result), g.hash);
+            EXPECT_EQ(hashOf(resultOf(*sampled(g.mesh, g.distance, g.seed))), g.hash);
         });
     }
 }

@@ -1,6 +1,7 @@
 #include "sampling/AliasTable.h"
 #include "sampling/Elimination.h"
 #include "sampling/SamplingCases.h"
+#include "sampling/SurfaceSampler.h"
 #include "support/Threads.h"
 
 #include <limits>
@@ -44,6 +45,23 @@ TEST(Elimination, EqualsTheLiteralWalkOnAnyPointsWithAndWithoutFixedOnes)
             EXPECT_EQ(Tessary::eliminate(points, distance), without);
         });
     }
+}
+
+// A second call appends, and its random numbers are those after the first one's.
+TEST(SurfaceSampler, DrawsTheLiteralCandidatesCallAfterCall)
+{
+    const Mesh mesh = randomTriangles(3, 10);
+    Reference::Samples ours, literal;
+    Tessary::SurfaceSampler sampler({mesh.points.data(), mesh.faceVertex.data(), 10}, ours.weights,
+                                    ours.positions, ours.faceIds);
+    uint counted = 0;
+    for (const float distance : {0.3f, 0.1f, 0.2f}) {
+        sampler.draw(distance, 5);
+        Reference::drawCandidates(mesh, distance, 5, counted, literal);
+        expectSame({ours, {}}, {literal, {}});
+    }
+    EXPECT_EQ(ours.faceIds.size(), counted);
+    EXPECT_GT(counted, 1000u);
 }
 
 TEST(AliasTable, EqualsTheLiteralTable)
