@@ -1,6 +1,18 @@
 #include "primitives/EnclosingBall.h"
 
+#include "base/Assert.h"
+
 #include <algorithm>
+
+// The ball through the points p_0, p_1, ... on the boundary grows by one of them at a time (B. Gaertner,
+// "Fast and robust smallest enclosing balls", 1999). It is moved along the part of the new point that is
+// orthogonal to what the others span:
+//
+//   v_k = (p_k - p_0) - sum of v_i ((p_k - p_0) . v_i) / z_i     1 <= i < k
+//   z_k = |v_k|^2
+//   e   = |p_k - c_(k-1)|^2 - r^2_(k-1)                          how far p_k is outside
+//   f   = e / (2 z_k)
+//   c_k = c_(k-1) + f v_k,   r^2_k = r^2_(k-1) + e f / 2         centre and squared radius
 
 namespace Tessary {
 namespace {
@@ -16,8 +28,8 @@ Vector3d moved(const Vector3d& from, const Vector3d& along, double by)
     return {from.x + along.x * by, from.y + along.y * by, from.z + along.z * by};
 }
 
-// A point whose orthogonal part is shorter than this part of the radius, squared, spans nothing: the
-// ball through it would be made of rounding errors.
+// Required: a point with z_k below so much of the squared radius spans nothing. The ball through it
+// would be made of rounding errors.
 constexpr double kLeastOrthogonal = 0x1p-46;
 
 }  // namespace
@@ -35,6 +47,7 @@ void EnclosingBall::moveToFront(const Entry& entry)
 
 Ball EnclosingBall::rebuilt()
 {
+    TESSARY_ASSERT(!m_entries.empty(), "a ball of no points");
     m_ball = {m_entries.front().point, 0.0};
     m_depth = 0;
     enclose(m_entries.size());
@@ -53,16 +66,15 @@ bool EnclosingBall::push(const Vector3d& point)
         Vector3d v = point - m_first;
         for (int round = 0; round < 2; ++round)  // the second removes what rounding left
             for (std::size_t i = 1; i < m_depth; ++i)
-                v = moved(v, m_levels[i].orthogonal,
-                          -dot(v, m_levels[i].orthogonal) / m_levels[i].squaredOrthogonal);
-        level.orthogonal = v;
-        level.squaredOrthogonal = squaredLength(v);
-        if (!(level.squaredOrthogonal >= kLeastOrthogonal * m_ball.squaredRadius))
+                v = moved(v, m_levels[i].v, -dot(v, m_levels[i].v) / m_levels[i].z);
+        level.v = v;
+        level.z = squaredLength(v);
+        if (!(level.z >= kLeastOrthogonal * m_ball.squaredRadius))
             return false;
         const Ball& before = m_levels[m_depth - 1].ball;
-        const double excess = before.squaredDistance(point) - before.squaredRadius;
-        const double f = excess / (2.0 * level.squaredOrthogonal);
-        level.ball = {moved(before.center, v, f), before.squaredRadius + excess * f / 2.0};
+        const double e = before.squaredDistance(point) - before.squaredRadius;
+        const double f = e / (2.0 * level.z);
+        level.ball = {moved(before.center, v, f), before.squaredRadius + e * f / 2.0};
     }
     m_ball = level.ball;
     ++m_depth;

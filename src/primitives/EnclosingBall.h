@@ -36,10 +36,8 @@ struct Ball {
 /// The smallest ball around a short list of points, which are kept in the order in which they proved
 /// to matter.
 ///
-/// Welzl's recursion with moves to the front: a point outside the ball of those before it lies on
-/// the boundary of theirs and its own ball. The ball through the points on the boundary grows by one
-/// of them at a time, by its part orthogonal to the others (B. Gaertner, "Fast and robust smallest
-/// enclosing balls", 1999).
+/// Welzl's move-to-front recursion (E. Welzl, "Smallest enclosing disks (balls and ellipsoids)", 1991): a
+/// point outside the ball of those before it lies on the boundary of theirs and its own ball.
 class EnclosingBall {
 public:
     struct Entry {
@@ -62,8 +60,8 @@ public:
 private:
     // What a point on the boundary has added to the ball through those before it.
     struct Level {
-        Vector3d orthogonal;  // part of (point - first point) orthogonal to the levels before
-        double squaredOrthogonal = 0.0;
+        Vector3d v;      // part of (point - first point) orthogonal to the levels before
+        double z = 0.0;  // its squared length
         Ball ball;
     };
     static constexpr std::size_t kMaxSupport = 4;

@@ -6,10 +6,18 @@
 #include <cmath>
 #include <limits>
 
-// A triangle with the points u0, u1, u2, seen from the middle of the box, and a box of half-size h
-// have no point in common where one of thirteen axes separates them. No test has a side effect, so
-// the answer is that of all of them in any order: the cheap ones come first, and the axes of one edge
-// are tried at once.
+// T. Akenine-Moller, "Fast 3D triangle-box overlap testing", Journal of Graphics Tools 6(1), 2001. A
+// triangle and a box have no point in common where one of thirteen axes separates them:
+//
+//   u0, u1, u2   the triangle's points, seen from the middle of the box
+//   e0, e1, e2   its edges          h   the box's half-size
+//
+//   axes x, y, z       separate where  max u_i < -h  or  min u_i > h
+//   a = axis x edge    separates where max(min a . u_i, -max a . u_i) > |a| . h
+//   n = e0 x e1        separates unless |n| . h >= |n . u0|
+//
+// No test has a side effect, so the answer is that of all of them in any order: the cheap ones come
+// first, and the three axes of one edge share a register, as (X x e) . u = (e x u).x, and so on.
 
 namespace Tessary {
 namespace {

@@ -1,11 +1,18 @@
 #include "sampling/AliasTable.h"
 
+#include "base/Assert.h"
+
 #include <utility>
 
 // M. D. Vose, "A linear algorithm for generating random numbers with a given distribution", IEEE
 // Transactions on Software Engineering 17(9), 1991. q_t is the area of triangle t with an average of 1
-// over all slots; the slots after the triangles have 0. The order in which slots are taken is part of
-// the result.
+// over all slots; the slots after the triangles have 0:
+//
+//   slot            0      1      2      3      q_0 = 0.5, q_1 = 2.25, q_2 = 1.25
+//   threshold       0.5    1      0.25   0
+//   from there on   1             1      2      triangle 1: 0.5 + 1 + 0.75 = q_1
+//
+// Required: the slots are taken in this order, which is part of the result.
 
 namespace Tessary {
 namespace {
@@ -75,6 +82,7 @@ void keepWhole(uint slot, AliasTable& table)
 
 AliasTable makeAliasTable(Array<float> areas, float totalArea)
 {
+    TESSARY_ASSERT(!areas.empty(), "a table of no triangles");
     const std::size_t size = powerOfTwoFrom(areas.size());
     AliasTable table{Array<uint>(size), Array<uint>(size), static_cast<uint>(size - 1)};
 

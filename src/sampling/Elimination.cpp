@@ -1,11 +1,13 @@
 #include "sampling/Elimination.h"
 
+#include "base/Assert.h"
 #include "base/ParallelLoop.h"
 #include "sampling/CandidateGrid.h"
 #include "sampling/Neighbourhood.h"
 
 #include <algorithm>
 #include <atomic>
+#include <limits>
 #include <vector>
 
 // Dart throwing (R. L. Cook, "Stochastic sampling in computer graphics", ACM Transactions on Graphics
@@ -137,6 +139,7 @@ uint Decision::binOf(uint candidate, uint nearBin) const
 Array<unsigned char> eliminate(const Array<float3>& positions, float distance,
                                const Array<float3>* fixedPoints)
 {
+    TESSARY_ASSERT(distance > std::numeric_limits<float>::min(), "distance " << distance);
     CandidateGrid grid(positions, 1.0f / distance);
     Array<unsigned char> rejected = grid.takeIsInGrid();
     States states(grid.candidateCount());

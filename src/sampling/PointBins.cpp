@@ -1,11 +1,19 @@
 #include <Tessary/Sampling.h>
 
+#include "base/Assert.h"
+
 #include <tbb/parallel_scan.h>
 #include <tbb/parallel_sort.h>
 #include <tbb/task_group.h>
 
 #include <algorithm>
 #include <cstdint>
+
+// Points are sorted, and a scan lists the cells and where each begins:
+//
+//   points       (0 0 0) (0 0 0) (0 0 1) (5 0 0)      cells, signed; equal cells by id
+//   binCells     (0 0 0)         (0 0 1) (5 0 0)
+//   binOffsets    0               2       3       4
 
 namespace Tessary {
 namespace {
@@ -46,6 +54,7 @@ template class DedupBody<Cell, unsigned int, CellOfPoint, EmitCellAndOffset>;
 void PointBins::sortDedup()
 {
     const std::size_t n = std::min<std::size_t>(points.capacity(), points.size());
+    TESSARY_ASSERT(n <= 0xFFFFFFFF, n << " points");
     runIsolated([&] {
         tbb::parallel_sort(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(n),
                            precedes);

@@ -1,5 +1,6 @@
 #include <Tessary/Sampling.h>
 
+#include "base/CountingSort.h"
 #include "base/Log.h"
 #include "base/ParallelLoop.h"
 #include "base/PropertyAccess.h"
@@ -23,16 +24,17 @@ struct Samples {
     {}
 };
 
-// The candidates in the order of the result, by triangle and within one as drawn, and where each
-// triangle's begin: a counting sort that uses the offsets as counters.
+// The candidates in the order of the result, by triangle and within one as drawn: a counting sort whose
+// counters become the offsets.
+//
+//   faceIds of kept    2 0 2 0        order     1 3 0 2 (places in kept)
+//   counted, scanned   0 2 2 4        scattered: 2 2 4 4, each face's end
+//   moved up by one    0 2 2 4        face f has [offsets[f], offsets[f + 1])
 Array<uint> groupByFace(const Array<uint>& kept, const Array<uint>& faceIds, Array<uint>& offsets)
 {
-    // Entry f + 1 counts, then leads through, face f; at the end it is where the next one begins.
     for (const uint k : kept)
         ++offsets[faceIds[k]];
-    uint sum = 0;
-    for (uint& offset : offsets)
-        sum += std::exchange(offset, sum);
+    exclusiveScan(offsets.data(), offsets.size());
     Array<uint> order(kept.size());
     for (const uint k : kept)
         order[offsets[faceIds[k]]++] = k;
@@ -98,7 +100,9 @@ void poissonSampleTriMesh(float min_distance, unsigned int seed, const Object& m
     const uint faceCount = Geometry::getElementCount(mesh, Geometry::sFaceComp);
     if (std::uint64_t{3} * faceCount != faceVertex->size())
         return fail("Mesh must only contain triangle faces");
-    store(sample({points->data(), faceVertex->data(), faceCount}, min_distance, seed), out);
+    store(
+        sample({points->data(), points->size(), faceVertex->data(), faceCount}, min_distance, seed),
+        out);
 }
 
 }  // namespace Tessary

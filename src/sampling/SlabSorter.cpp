@@ -1,7 +1,11 @@
 #include "sampling/SlabSorter.h"
 
+#include "base/CountingSort.h"
+
 #include <algorithm>
-#include <utility>
+
+// A radix sort, least significant digit first: a counting sort of each digit of slot c, then of slot b.
+// Only as many bits count as the slots of this slab span.
 
 namespace Tessary {
 namespace {
@@ -59,9 +63,7 @@ void SlabSorter::sortByDigit(uint shift, uint lowest, uint digitShift, uint digi
     m_cursors.assign(std::size_t{mask} + 1, 0);
     for (const Item& item : items)
         ++m_cursors[digitOf(item)];
-    uint sum = 0;
-    for (uint& cursor : m_cursors)
-        sum += std::exchange(cursor, sum);
+    exclusiveScan(m_cursors.data(), m_cursors.size());
     m_sorted.resize(items.size());
     for (const Item& item : items)
         m_sorted[m_cursors[digitOf(item)]++] = item;

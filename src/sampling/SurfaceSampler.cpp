@@ -1,5 +1,6 @@
 #include "sampling/SurfaceSampler.h"
 
+#include "base/Assert.h"
 #include "base/ParallelLoop.h"
 #include "sampling/CounterHash.h"
 #include "sampling/Elimination.h"
@@ -9,13 +10,33 @@
 #include <limits>
 #include <utility>
 
+// A candidate is drawn with four random numbers, the hashes H of four counters:
+//
+//   count = A 5 / (pi (r / 2)^2)                          A  total area, r  distance
+//   x     = 4 i + 4 drawn                                 of candidate i
+//   t     = H(x) & mask, or its alias if H(x + 1) >= threshold[t]
+//   w     = (1 - max(u, v), min(u, v), max(u, v) - min(u, v))     v = H(x + 2), u = H(x + 3)
+//   p     = (p1 w1 + p2 w2) + p0 w0
+//
+// Two uniform numbers cut [0, 1) into three spacings, which as weights are uniform over a triangle (L.
+// Devroye, "Non-Uniform Random Variate Generation", 1986, chapter V).
+
 namespace Tessary {
 namespace {
+
+// False where a corner of triangle t names no point.
+[[maybe_unused]] bool namesPoints(const TriangleMesh& mesh, uint t)
+{
+    const uint* const corner = mesh.faceVertex + std::size_t{3} * t;
+    return std::max({corner[0], corner[1], corner[2]}) < mesh.pointCount;
+}
 
 Array<float> triangleAreas(const TriangleMesh& mesh)
 {
     Array<float> areas(mesh.triangleCount);
     parallelForEach(mesh.triangleCount, LoopContext::Bound, [&](uint t) {
+        TESSARY_ASSERT(namesPoints(mesh, t),
+                       "triangle " << t << " of a mesh of " << mesh.pointCount << " points");
         areas[t] = triangleArea(mesh.point(t, 0), mesh.point(t, 1), mesh.point(t, 2));
     });
     return areas;

@@ -7,6 +7,7 @@ namespace Tessary {
 
 struct TriangleMesh {
     const float3* points;
+    std::size_t pointCount;
     const uint* faceVertex;
     uint triangleCount;
 

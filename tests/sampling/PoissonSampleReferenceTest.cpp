@@ -124,28 +124,6 @@ TEST(PoissonSample, EqualsTheLiteralStepsOnFewAndManyCandidates)
         expectLiteralSteps(mesh, distanceFor(mesh, 60000), mesh.faceVertex[2]);
 }
 
-TEST(PoissonSample, KeepsSamplesApartAndEveryCandidateNearOne)
-{
-    for (std::uint32_t seed = 0; seed < 8; ++seed) {
-        SCOPED_TRACE(seed);
-        const Mesh mesh = randomTriangles(seed, 1 + 5 * seed);
-        const float distance = distanceFor(mesh, 2000);
-        const auto candidates = Reference::drawCandidates(mesh, distance, seed).positions;
-        Array<float3> live = resultOf(*sampled(mesh, distance, seed)).samples.positions;
-        live.push_back(candidates[0]);  // lives, but is never put out
-        const auto liveWithin = [&live](double limit, const float3& p) {
-            return std::count_if(live.begin(), live.end(), [&](const float3& other) {
-                return std::hypot(double{p.x} - other.x, double{p.y} - other.y,
-                                  double{p.z} - other.z) <= limit;
-            });
-        };
-        for (const float3& p : live)
-            EXPECT_EQ(liveWithin(distance * 0.9999, p), 1) << "itself alone";
-        for (const float3& p : candidates)
-            EXPECT_GE(liveWithin(distance * 1.0001, p), 1);
-    }
-}
-
 struct Golden {
     Mesh mesh;
     float distance;
