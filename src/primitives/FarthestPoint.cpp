@@ -22,15 +22,18 @@
 namespace Tessary {
 namespace {
 
+// All figures: a million points in a ball, and on a sphere, on one thread.
+
 // Long enough that the scheduler does not show (a block takes some 5 us), short enough that two
-// hundred thousand points occupy every thread.
+// hundred thousand points occupy every thread: 14.7 and 23.6 ms; 15.7 and 30 with 2048; 32768 the same.
 constexpr std::size_t kBlock = 8192;
 
-// How far the largest distance is followed before its point is looked for, within the nearest cache.
+// How far the largest distance is followed before its point is looked for, within the nearest cache. With
+// 128 16.7 and 23.4 ms, with 2048 16.5 and 31.
 constexpr std::size_t kChunk = 512;
 
 // After so many failed rejections in a row a block is searched in double alone: close to the end all
-// points on a sphere are equally far in float.
+// points on a sphere are equally far in float, 33 ms without this limit and 28 with 8. 1 is within 7 %.
 constexpr int kMostFailures = 2;
 
 // One pass over all points, on several threads.

@@ -15,8 +15,8 @@
 namespace Tessary {
 namespace {
 
-// How many points ahead memory is asked for. Left to itself the machine reads 120 MB in 14 ms for
-// the distances in double; so in 5 ms. A quarter of it is too short.
+// How many points ahead memory is prefetched. The sphere around a million points on a sphere takes 24 ms on
+// one thread; 30 without, 25 with 128, 24 with 1024.
 constexpr std::size_t kAhead = 512;
 
 struct TwoPoints {

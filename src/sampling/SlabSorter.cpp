@@ -10,8 +10,12 @@
 namespace Tessary {
 namespace {
 
-// Below this many items the counters of a digit cost more than comparisons.
+// Below this many items the counters of a digit cost more than comparisons. Of the whole sampling, on
+// one thread, 200 thousand candidates scattered over 30 thousand slabs: 54 ms, 63 without; 16 and 200
+// are within 4 %. On a torus, 220 thousand: 60 ms, 73 with comparisons alone.
 constexpr std::size_t kFewItems = 48;
+
+// The same torus: 55 ms; 60 with 8 bits, 59 with 14.
 constexpr uint kMostDigitBits = 11;
 
 uint bitsOf(uint value)

@@ -2,9 +2,19 @@
 
 #include <cmath>
 
-// The edges e1 and e2 are the columns of a matrix, which Givens rotations (W. Givens, 1958) turn into
-// the triangular R of its QR factorisation. Its diagonal r11, r22 spans the parallelogram, without the
-// cancellation of a cross product. Everything is rounded in the written order, operation by operation.
+// The edges e1 and e2 are the columns of a matrix, which Givens rotations (W. Givens, "Computation of
+// plane unitary rotations transforming a general matrix to triangular form", 1958) turn into the
+// triangular R of its QR factorisation:
+//
+//   | e1.x  e2.x |   yz   | *  * |   xy   | r11  * |   yz   | r11   *  |
+//   | e1.y  e2.y |  --->  | *  * |  --->  |  0   * |  --->  |  0   r22 |      area = |r11 r22| / 2
+//   | e1.z  e2.z |        | 0  * |        |  0   * |        |  0    0  |
+//
+//   rotation of (a, b) into (r, 0):  c = a / r,  s = -b / r;  (x, y) -> (x c - y s, y c + x s)
+//   t = the smaller of a, b over the larger,  r = larger sqrt(1 + t^2), so that no square overflows
+//
+// There is no cancellation as in a cross product. Everything is rounded in the written order, operation
+// by operation; only t^2 + 1 is fused.
 
 namespace Tessary {
 namespace {
