@@ -9,8 +9,8 @@
 namespace Tessary {
 
 /// Where a scaled coordinate v lies on an axis of the grid: cell = floor(v + 0.5), local = v - cell.
-/// Coordinates of neighbouring cells have
-/// slots that differ by 1, those of one cell the same slot, all others slots farther apart.
+/// Coordinates of neighbouring cells have slots that differ by 1, those of one cell the same slot, all
+/// others slots farther apart.
 ///
 /// Up to 2^24 the slot is the cell. Beyond, neighbouring floats are 2 or more apart, so each has a slot
 /// of its own, without a neighbour; all that leave the 32-bit range share one cell, but two of them lie
