@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
-# usage: check_tidy.sh BUILD_FOLDER
+# usage: tidy.sh BUILD_FOLDER
 # The sources that are built hold what .clang-tidy asks for, there and in their own folder.
 set -euo pipefail
-command -v clang-tidy >/dev/null || exit 77
 
 # The program is built with a precompiled header, which only the compiler that made it can read.
 commands=$1/tidy
