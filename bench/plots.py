@@ -1,143 +1,146 @@
-"""A picture per family: time against size, beside other libraries, and what all threads bring."""
+"""A picture per family: a panel for each kernel, with the time for an element against their number."""
 
-import importlib.util
-import sys
+from math import ceil, floor, log10
+from xml.sax.saxutils import escape
 
-from pages import size_text
-from rows import FAMILIES, good, grouped, own_rows, peer_rows, speed_ups
+from rows import FAMILIES, good, grouped, own_rows, peer_rows
 
 # Cool colours are ours, one for each input; warm ones and dashes are other libraries'.
 OURS = ["#08519c", "#4292c6", "#1b7837", "#5aae61", "#54278f", "#9e9ac8", "#01665e", "#636363"]
-THEIRS = {"CGAL": "#d7301f", "OpenMesh": "#e69f00", "VTK": "#c51b7d", "Open3D": "#8c510a"}
-MARKERS = "^vsDPX*<>"
+THEIRS = ["#d7301f", "#e69f00", "#c51b7d", "#8c510a"]
+FEWEST = 1000  # elements; below, the time is that of the call
 COLUMNS = 3
-PANEL = (4.6, 4.0)  # inches, with the legend
-BAR_LABELS = 4.0
+WIDTH, HEIGHT = 290, 178  # of a panel without its legend
+LEFT, TOP, RIGHT, BOTTOM = 36, 34, 272, 150
+LEGEND_LINE, LETTER = 13, 5.4  # about as wide as a letter is
+STYLE = ("text{font:9px sans-serif;fill:#333}.t{font-size:11px;font-weight:bold}.e{text-anchor:end}"
+         ".m{text-anchor:middle}.g{stroke:#ddd}path{fill:none;stroke-linecap:round}"
+         ".o{stroke-width:2}.l{stroke-dasharray:4 3}.d{stroke-width:4.5}")
 
 
-def our_lines(rows):
-    """Times by elements for every input of more than one size, or measured beside a library."""
-    lines = {source: {row.figure("elements"): row.figure("median_ms") for row in group}
-             for (_, _, source), group in grouped(own_rows(rows)).items()}
+def nanoseconds(row, figure):
+    return row.figure("elements"), 1e6 * row.figure(figure) / row.figure("elements")
+
+
+def series_of(rows):
+    """Lists of points by name: ours, for every input of more than one size or measured beside a
+    library; theirs, one for each library and input."""
+    rows = [row for row in rows if row.figure("elements") >= FEWEST]
     beside = {row.input for row in peer_rows(rows)}
-    own = set(lines)
+    ours = {key[-1]: [nanoseconds(row, "median_ms") for row in group]
+            for key, group in grouped(row for row in rows if not row.threads).items()}
+    chosen = {name: points for name, points in ours.items()
+              if len(set(points)) > 1 or name in beside} or ours
+    theirs = {}
     for row in peer_rows(rows):
-        if row.input not in own:
-            lines.setdefault(row.input, {})[row.figure("elements")] = row.figure("median_ms")
-    chosen = {source: times for source, times in lines.items()
-              if len(times) > 1 or source in beside}
-    return chosen or lines
+        theirs.setdefault((row.beside, row.input), []).append(nanoseconds(row, "other_ms"))
+    return ({name: sorted(set(points)) for name, points in chosen.items()},
+            {key: sorted(points) for key, points in theirs.items()})
 
 
-def their_lines(rows):
-    lines = {}
-    for row in peer_rows(rows):
-        times = lines.setdefault((row.beside, row.input), {})
-        times[row.figure("elements")] = row.figure("other_ms")
-    return lines
+class Axis:
+    """A logarithmic scale of at least a decade, from pixel `start` to `end`, with ticks at 1, 2 and 5, or
+    at 1 alone where the values spread widely."""
+
+    def __init__(self, values, start, end):
+        exponents = range(floor(log10(min(values))), ceil(log10(max(values))) + 3)
+        steps = (1, 2, 5) if len(exponents) <= 5 else (1,)
+        ticks = [step * 10.0 ** exponent for exponent in exponents for step in steps]
+        first = max([i for i, tick in enumerate(ticks) if tick <= min(values)], default=0)
+        last = next(i for i, tick in enumerate(ticks) if tick >= max(*values, 9.9 * ticks[first]))
+        self.ticks = ticks[first:last + 1]
+        self.start, self.end = start, end
+
+    def place(self, value):
+        low, high = log10(self.ticks[0]), log10(self.ticks[-1])
+        return round(self.start + (log10(value) - low) / (high - low) * (self.end - self.start))
 
 
-def draw(axes, times, **style):
-    points = sorted(times.items())
-    axes.plot([elements for elements, _ in points], [1e-3 * time for _, time in points],
-              markersize=4, **style)
+def text(x, y, content, kind=""):
+    return f'<text x="{x}" y="{y}"{kind and f" class={chr(34)}{kind}{chr(34)}"}>{escape(content)}</text>'
 
 
-def draw_lines(axes, rows):
-    for i, (source, times) in enumerate(our_lines(rows).items()):
-        draw(axes, times, label=source, color=OURS[i % len(OURS)], marker="o", linewidth=2)
-    markers = {}
-    for (beside, _), times in their_lines(rows).items():
-        known = beside in markers
-        marker = markers.setdefault(beside, MARKERS[len(markers) % len(MARKERS)])
-        colour = next((each for name, each in THEIRS.items() if beside.startswith(name)), "black")
-        draw(axes, times, label="_" if known else beside, color=colour, marker=marker, linewidth=1,
-             linestyle="--")
+def tick_text(value):
+    for unit, scale in (("M", 1e6), ("k", 1e3)):
+        if value >= scale:
+            return f"{value / scale:g} {unit}"
+    return f"{value:g}"
 
 
-def plot_kernel(axes, kernel, rows):
-    from matplotlib.ticker import EngFormatter, LogLocator, NullLocator
-
-    draw_lines(axes, rows)
-    unit = next((row.words["unit"] for row in good(rows) if "unit" in row.words), "element")
-    axes.set(xscale="log", yscale="log", xlabel=f"{unit}s")
-    axes.set_title(kernel, fontsize=10)
-    for axis in (axes.xaxis, axes.yaxis):
-        axis.set_major_locator(LogLocator(numticks=12))
-        axis.set_minor_locator(NullLocator())
-    axes.yaxis.set_major_formatter(EngFormatter(unit="s", sep=" "))
-    axes.tick_params(labelsize=8)
-    axes.grid(alpha=0.25)
-    axes.legend(loc="upper center", bbox_to_anchor=(0.46, -0.2), frameon=False, fontsize=7.5,
-                ncols=min(2, len(axes.lines)), columnspacing=1)
+def grid(across, up):
+    lines = "".join(f"M{across.place(tick)} {TOP}V{BOTTOM}" for tick in across.ticks)
+    lines += "".join(f"M{LEFT} {up.place(tick)}H{RIGHT}" for tick in up.ticks)
+    labels = [text(LEFT - 4, up.place(tick) + 3, tick_text(tick), "e") for tick in up.ticks]
+    labels += [text(across.place(tick), BOTTOM + 12, tick_text(tick), "m") for tick in across.ticks]
+    return [f'<path class="g" d="{lines}"/>', *labels]
 
 
-def largest_with_speed_up(rows):
-    """For each kernel and input, the largest row that one thread was timed on too, and how many times
-    as fast all threads are."""
-    faster = speed_ups(rows)
-    largest = {}
-    for row in sorted(own_rows(rows), key=lambda row: row.size):
-        if row.name in faster:
-            largest[row.kernel, row.input] = (row, faster[row.name])
-    return sorted(largest.values(), key=lambda pair: (pair[0].kernel, pair[0].input), reverse=True)
+def line(points, across, up, colour, kind):
+    places = [f"{across.place(x)} {up.place(y)}" for x, y in points]
+    dots = "".join(f"M{place}h0" for place in places)
+    return [f'<g stroke="{colour}"><path class="{kind}" d="M{"L".join(places)}"/>'
+            f'<path class="d" d="{dots}"/></g>']
 
 
-def plot_speed_ups(axes, bars):
-    threads = max(int(row.figure("threads") or 1) for row, _ in bars)
-    places = range(len(bars))
-    axes.barh(places, [times for _, times in bars], height=0.7, color=OURS[1])
-    for place, (_, times) in enumerate(bars):
-        axes.text(times, place, f" {times:.2f}", va="center", fontsize=7)
-    axes.set_yticks(places, [f"{row.kernel}, {row.input}, {size_text(row.size)}"
-                             for row, _ in bars], fontsize=7)
-    for bound in (1, threads):
-        axes.axvline(bound, color="black", linewidth=0.8, linestyle=":", zorder=0)
-    axes.tick_params(axis="x", labelsize=8)
-    axes.set(xlim=(0, 1.1 * max(threads, *(times for _, times in bars))),
-             ylim=(-0.6, len(bars) - 0.4))
-    axes.set_title(f"speed-up from 1 to {threads} threads", fontsize=10)
+def legend(entries):
+    """The legend's elements, and the number of its lines."""
+    made, x, lines = [], 2, 1
+    for name, colour, kind in entries:
+        width = 30 + LETTER * len(name)
+        if x > 2 and x + width > WIDTH:
+            x, lines = 2, lines + 1
+        y = BOTTOM + 17 + LEGEND_LINE * lines
+        made += [f'<path class="{kind}" stroke="{colour}" d="M{x:.0f} {y - 3}h16"/>',
+                 text(round(x) + 20, y, name)]
+        x += width
+    return made, lines
 
 
-def plot_family(family, rows, path):
-    import matplotlib
+def panel(kernel, rows):
+    """The elements of a kernel's panel, and the number of its legend's lines."""
+    ours, theirs = series_of(rows)
+    points = [point for points in (*ours.values(), *theirs.values()) for point in points]
+    across = Axis([x for x, _ in points], LEFT, RIGHT)
+    up = Axis([y for _, y in points], BOTTOM, TOP)
+    unit = next((row.words["unit"] for row in rows if "unit" in row.words), "element")
+    made = [text(2, 12, kernel, "t"), text(2, 25, f"ns per {unit}, by number of {unit}s"), *grid(across, up)]
+    entries = []
+    for i, (name, each) in enumerate(ours.items()):
+        entries.append((name, OURS[i % len(OURS)], "o"))
+        made += line(each, across, up, entries[-1][1], "o")
+    colours = {}
+    for (library, _), each in theirs.items():
+        colour = colours.setdefault(library, THEIRS[len(colours) % len(THEIRS)])
+        made += line(each, across, up, colour, "l")
+    entries += [(library, colour, "l") for library, colour in colours.items()]
+    explained, lines = legend(entries)
+    return made + explained, lines
 
-    matplotlib.use("svg" if path.suffix == ".svg" else "agg")
-    matplotlib.rcParams.update({"svg.hashsalt": "tessary", "svg.fonttype": "none"})
-    from matplotlib import pyplot
 
-    kernels = list(dict.fromkeys(row.kernel for row in good(rows)))
-    bars = largest_with_speed_up(rows)
-    columns = min(COLUMNS, len(kernels))
-    lines = -(-len(kernels) // columns)
-    width = max(PANEL[0] * columns, BAR_LABELS + 3.5)
-    below = 0.9 + 0.17 * len(bars) if bars else 0
-    height = PANEL[1] * lines + below
-    figure = pyplot.figure(figsize=(width, height))
-
-    def axes_at(left, top, right, bottom):  # in inches from the upper left corner
-        return figure.add_axes((left / width, 1 - bottom / height, (right - left) / width,
-                                (bottom - top) / height))
-
-    for i, kernel in enumerate(kernels):
-        left, top = PANEL[0] * (i % columns), PANEL[1] * (i // columns)
-        axes = axes_at(left + 0.75, top + 0.4, left + PANEL[0] - 0.15, top + 2.8)
-        plot_kernel(axes, kernel, [row for row in rows if row.kernel == kernel])
-    if bars:
-        plot_speed_ups(axes_at(BAR_LABELS, height - below + 0.4, width - 0.2, height - 0.35), bars)
-    figure.savefig(path, dpi=100, metadata={"Date": None} if path.suffix == ".svg" else None)
-    pyplot.close(figure)
+def picture(rows):
+    kernels = {}
+    for row in good(rows):
+        if row.figure("elements") >= FEWEST:
+            kernels.setdefault(row.kernel, []).append(row)
+    panels = [panel(kernel, of_kernel) for kernel, of_kernel in kernels.items()]
+    width = WIDTH * min(COLUMNS, len(panels))
+    made, top = [], 4
+    for first in range(0, len(panels), COLUMNS):
+        beside = panels[first:first + COLUMNS]
+        for i, (elements, _) in enumerate(beside):
+            made += [f'<g transform="translate({WIDTH * i + 4} {top})">', *elements, "</g>"]
+        top += HEIGHT + LEGEND_LINE * max(lines for _, lines in beside)
+    return "\n".join([f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{top}">',
+                      f'<style>{STYLE}</style><rect width="{width}" height="{top}" fill="#fff"/>',
+                      *made, "</svg>\n"])
 
 
 def pictures_of(rows, output):
     """Draws the families' pictures; returns those that were drawn."""
-    if not importlib.util.find_spec("matplotlib"):
-        print("report.py: no pictures: this needs matplotlib (python3-matplotlib)", file=sys.stderr)
-        return []
     made = []
     for family in FAMILIES:
         of_family = [row for row in rows if row.family == family]
-        if good(of_family):
-            plot_family(family, of_family, output / f"{family}.svg")
+        if any(row.figure("elements") >= FEWEST for row in good(of_family)):
+            (output / f"{family}.svg").write_text(picture(of_family))
             made.append(family)
     return made
