@@ -4,10 +4,11 @@ using namespace TestSupport;
 
 namespace {
 
-TEST(Info, TellsCountsMeasuresAndProperties)
+using Info = AtTheHouse;
+
+TEST_F(Info, TellsCountsMeasuresAndProperties)
 {
-    const Folder folder;
-    expectReport(infoOf(folder.file("house.obj", kHouse)), R"({
+    expectReport(infoOf(house), R"({
         "format": "obj", "points": 7, "corners": 12, "faces": 3,
         "polygon_sizes": {"3": 1, "4": 1, "5": 1},
         "bounding_box": {"min": [0, 0, 0], "max": [2, 3, 2]}, "area": 11,
@@ -24,10 +25,9 @@ TEST(Info, TellsCountsMeasuresAndProperties)
         "values": {"material_library": "house.mtl"}, "warnings": []})");
 }
 
-TEST(Info, ReadsAStreamAndPrintsATableForPeople)
+TEST_F(Info, ReadsAStreamAndPrintsATableForPeople)
 {
-    const Folder folder;
-    const Outcome outcome = run({"info", "-"}, {folder.file("house.obj", kHouse), "", {}});
+    const Outcome outcome = run({"info", "-"}, {house, "", {}});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     EXPECT_TRUE(contains(outcome.out, "1 of 3 corners, 1 of 4 corners, 1 of 5 corners"));
     EXPECT_TRUE(contains(outcome.out, "float2 on 12 corners, 5 values through texcoord_index"));
@@ -37,9 +37,8 @@ TEST(Info, ReadsAStreamAndPrintsATableForPeople)
     EXPECT_TRUE(contains(table, " run the same way; ...)"));
 }
 
-TEST(Info, WhatTheReaderLeftOutIsAWarningUnlessQuiet)
+TEST_F(Info, WhatTheReaderLeftOutIsAWarningUnlessQuiet)
 {
-    const Folder folder;
     const std::string path = folder.file("lines.obj", std::string(kHouse) + "l 1 2\n");
     const Outcome loud = run({"info", path, "--json"});
     EXPECT_EQ(loud.exitCode, 0);

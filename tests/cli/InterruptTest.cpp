@@ -13,7 +13,7 @@ namespace {
 
 void waitForEntry(const Folder& folder)
 {
-    for (int i = 0; i < 3000 && folder.names().empty(); ++i)
+    for (int i = 0; i < 60000 && folder.names().empty(); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     ASSERT_FALSE(folder.names().empty());
 }

@@ -62,4 +62,10 @@ extern const char* const kHouse;
 /// Triangles 0 1 2 and 0 1 3, which run along the edge 0-1 in one direction, as OBJ.
 extern const char* const kTurned;
 
+/// A folder of its own, in which the house lies.
+struct AtTheHouse : testing::Test {
+    const Folder folder;
+    const std::string house = folder.file("house.obj", kHouse);
+};
+
 }  // namespace TestSupport

@@ -9,54 +9,51 @@ namespace {
 constexpr const char* kCorner =
     "v 0 0 0\nv 2 0 0\nv 2 2 0\nv 0 2 0\nv 0 0 2\nv 2 0 2\nf 1 2 3 4\nf 1 5 6 2\n";
 
-json quadsOf(const Folder& folder, const std::string& file, const Names& options)
-{
-    const std::string out = folder / "out.ply";
-    const json report = reportOf({"quads", file, "-o", out, "--force"}, options);
-    EXPECT_EQ(run({"validate", out}).exitCode, 0);
-    return report;
-}
+struct QuadsVerb : AtTheHouse {
+    const std::string corner = folder.file("corner.obj", kCorner), out = folder / "out.ply";
 
-TEST(QuadsVerb, EveryTriangleOfEveryFaceBecomesThreeQuads)
+    json quadsOf(const std::string& file, const Names& options = {}) const
+    {
+        const json report = reportOf({"quads", file, "-o", out, "--force"}, options);
+        EXPECT_EQ(run({"validate", out}).exitCode, 0);
+        return report;
+    }
+};
+
+TEST_F(QuadsVerb, EveryTriangleOfEveryFaceBecomesThreeQuads)
 {
-    const Folder folder;
-    expectReport(quadsOf(folder, folder.file("corner.obj", kCorner), {}), R"({
+    expectReport(quadsOf(corner), R"({
         "before": {"points": 6, "corners": 8, "faces": 2},
         "after": {"points": 19, "corners": 48, "faces": 12}, "edges": 9, "creased_edges": 0})");
-    expectReport(infoOf(folder / "out.ply"), R"({"polygon_sizes": {"4": 12}, "area": 8})");
+    expectReport(infoOf(out), R"({"polygon_sizes": {"4": 12}, "area": 8})");
 }
 
-TEST(QuadsVerb, CreasesByAngleStandApartByTheGap)
+TEST_F(QuadsVerb, CreasesByAngleStandApartByTheGap)
 {
-    const Folder folder;
-    const std::string corner = folder.file("corner.obj", kCorner);
-    EXPECT_EQ(quadsOf(folder, corner, {"--crease-angle", "90"})["creased_edges"], 0) << "not more";
-    const json creased = quadsOf(folder, corner, {"--crease-angle", "89.9"});
+    EXPECT_EQ(quadsOf(corner, {"--crease-angle", "90"})["creased_edges"], 0) << "not more";
+    const json creased = quadsOf(corner, {"--crease-angle", "89.9"});
     EXPECT_EQ(creased["creased_edges"], 1) << "no diagonals, no boundary";
     EXPECT_EQ(creased["after"]["points"], 6 + 10 + 4);
-    EXPECT_EQ(infoOf(folder / "out.ply")["area"], 8.0);
+    EXPECT_EQ(infoOf(out)["area"], 8.0);
 
-    quadsOf(folder, corner, {"--crease-angle", "45", "--gap", "0.5"});
-    EXPECT_NEAR(infoOf(folder / "out.ply")["area"], 8.0 - 2 * (0.5 * 1 * 2.0 / 3), 1e-6)
+    quadsOf(corner, {"--crease-angle", "45", "--gap", "0.5"});
+    EXPECT_NEAR(infoOf(out)["area"], 8.0 - 2 * (0.5 * 1 * 2.0 / 3), 1e-6)
         << "a triangle on either side";
 }
 
-TEST(QuadsVerb, EdgesWithoutATableAreNamedAndSplitOnRequest)
+TEST_F(QuadsVerb, EdgesWithoutATableAreNamedAndSplitOnRequest)
 {
-    const Folder folder;
     const std::string turned = folder.file("turned.obj", kTurned);
-    expectRefusal(run({"quads", turned, "-o", folder / "out.obj"}), 4,
+    expectRefusal(run({"quads", turned, "-o", out}), 4,
                   "(once), first at points 0 to 1 of faces 0 and 1;");
-    EXPECT_EQ(folder.names(), Names{"turned.obj"});
-    const json report = quadsOf(folder, turned, {"--split-edges"});
+    EXPECT_EQ(folder.names(), (Names{"corner.obj", "house.obj", "turned.obj"}));
+    const json report = quadsOf(turned, {"--split-edges"});
     expectReport(report, R"({"split_edges": 1, "edges": 6})");
     EXPECT_EQ(report["after"]["points"], 4 + 6 + 2);
 }
 
-TEST(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
+TEST_F(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
     const struct {
         Names options;
         const char* part;
@@ -78,16 +75,15 @@ TEST(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
         {{"--crease-property", "x", "--crease-angle", "3"}, "excludes"},
     };
     for (const auto& mistake : mistakes) {
-        Names arguments = {"quads", house, "-o", folder / "out.obj"};
+        Names arguments = {"quads", house, "-o", out};
         arguments.insert(arguments.end(), mistake.options.begin(), mistake.options.end());
         expectRefusal(run(arguments), 2, mistake.part);
     }
-    EXPECT_EQ(folder.names(), Names{"house.obj"});
+    EXPECT_EQ(folder.names(), (Names{"corner.obj", "house.obj"}));
 }
 
-TEST(QuadsVerb, TheAdviceForAPlainFaceListMakesItACrease)
+TEST_F(QuadsVerb, TheAdviceForAPlainFaceListMakesItACrease)
 {
-    const Folder folder;
     const auto plyWith = [](const std::string& line) {
         return "ply\nformat ascii 1.0\n" + line +
                "element vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
@@ -97,21 +93,17 @@ TEST(QuadsVerb, TheAdviceForAPlainFaceListMakesItACrease)
     };
     const std::string line = "comment property corner float sharp sharp";
     const std::string plain = folder.file("plain.ply", plyWith(""));
-    expectRefusal(run({"quads", plain, "-o", folder / "out.obj", "--crease-property", "sharp"}), 2,
-                  line);
+    expectRefusal(run({"quads", plain, "-o", out, "--crease-property", "sharp"}), 2, line);
     const std::string declared = folder.file("declared.ply", plyWith(line + "\n"));
-    EXPECT_EQ(quadsOf(folder, declared, {"--crease-property", "sharp"})["creased_edges"], 3);
+    EXPECT_EQ(quadsOf(declared, {"--crease-property", "sharp"})["creased_edges"], 3);
 }
 
-TEST(QuadsVerb, PropertiesFollowAndPositionsMoveWithTheWeights)
+TEST_F(QuadsVerb, PropertiesFollowAndPositionsMoveWithTheWeights)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
-    EXPECT_EQ(quadsOf(folder, house, {"--format", "obj"})["properties"],
+    EXPECT_EQ(quadsOf(house, {"--format", "obj"})["properties"],
               json({"texcoord", "group", "material"}));
-    expectReport(infoOf(folder / "out.ply"),
-                 R"({"values": {"material_library": "house.mtl"}, "area": 11})");
-    EXPECT_EQ(quadsOf(folder, house, {"--properties", "group"})["properties"], json({"group"}));
+    expectReport(infoOf(out), R"({"values": {"material_library": "house.mtl"}, "area": 11})");
+    EXPECT_EQ(quadsOf(house, {"--properties", "group"})["properties"], json({"group"}));
 
     const std::string triangle = folder.file("triangle.obj",
                                              "v 0 0 0\nv 4 0 0\nv 0 4 0\nvt 0 0\nvt 1 0\nvt 0 1\n"

@@ -15,6 +15,10 @@ namespace {
 // A square of area 4 as one face; the sphere around it has the radius 2^0.5.
 const char* const kSquare = "v -1 -1 0\nv 1 -1 0\nv 1 1 0\nv -1 1 0\nf 1 2 3 4\n";
 
+struct SampleVerb : AtTheHouse {
+    const std::string square = folder.file("square.obj", kSquare), out = folder / "out.ply";
+};
+
 json sampled(const std::string& file, const std::string& out, const Names& options)
 {
     return reportOf({"sample", file, "-o", out, "--force"}, options);
@@ -25,10 +29,8 @@ Pelon::Array<float3> pointsOf(const std::string& path)
     return *dataArray<float3>(*TessaryMesh::readMesh(path).mesh, Korvane::Geometry::sPointPosition);
 }
 
-TEST(SampleVerb, SamplesKeepTheDistanceAskedForAndAreMeasured)
+TEST_F(SampleVerb, SamplesKeepTheDistanceAskedForAndAreMeasured)
 {
-    const Folder folder;
-    const std::string square = folder.file("square.obj", kSquare), out = folder / "out.ply";
     for (const char* asked : {"0.1", "0.05", "2.5%"}) {
         SCOPED_TRACE(asked);
         const json report = sampled(square, out, {"--distance", asked});
@@ -42,26 +44,23 @@ TEST(SampleVerb, SamplesKeepTheDistanceAskedForAndAreMeasured)
     }
 }
 
-TEST(SampleVerb, ACountIsMetWithinTwoPercentOrTheNearestIsSaid)
+TEST_F(SampleVerb, ACountIsMetWithinTwoPercentOrTheNearestIsSaid)
 {
-    const Folder folder;
-    const std::string square = folder.file("square.obj", kSquare), out = folder / "out.npz";
-    const json report = sampled(square, out, {"--count", "1000"});
+    const std::string npz = folder / "out.npz";
+    const json report = sampled(square, npz, {"--count", "1000"});
     EXPECT_NEAR(report["samples"], 1000, 20);
     expectReport(report, R"({"count_asked": 1000, "distance_asked": null, "warnings": []})");
 
     // Points of one place cannot be told apart, however small the distance.
     const std::string dot =
         folder.file("dot.obj", "v 1000 0 0\nv 1000.0001 0 0\nv 1000 0.0001 0\nf 1 2 3\n");
-    const json few = sampled(dot, out, {"--count", "1000"});
+    const json few = sampled(dot, npz, {"--count", "1000"});
     EXPECT_LT(few["samples"], 900);
     EXPECT_TRUE(contains(few["warnings"][0], "1000 samples were asked for; the nearest found is "));
 }
 
-TEST(SampleVerb, PointsBringTheirPlaceAndTheMeshsValues)
+TEST_F(SampleVerb, PointsBringTheirPlaceAndTheMeshsValues)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse), out = folder / "out.ply";
     expectReport(sampled(house, out, {"--distance", "0.1"}), R"({
         "before": {"points": 7, "corners": 12, "faces": 3},
         "properties": ["weight", "face_id", "triangle_id", "normal", "texcoord", "group",
@@ -84,23 +83,19 @@ TEST(SampleVerb, PointsBringTheirPlaceAndTheMeshsValues)
     EXPECT_EQ(written["properties"][0]["values"], written["points"]);
 }
 
-TEST(SampleVerb, OnlyTheSeedDecidesWhichPoints)
+TEST_F(SampleVerb, OnlyTheSeedDecidesWhichPoints)
 {
-    const Folder folder;
-    const std::string square = folder.file("square.obj", kSquare);
     const auto bytes = [&](const char* threads, const char* seed) {
-        sampled(square, folder / "out.ply", {"-d", "0.02", "--threads", threads, "--seed", seed});
-        return contentOf(folder / "out.ply");
+        sampled(square, out, {"-d", "0.02", "--threads", threads, "--seed", seed});
+        return contentOf(out);
     };
     const std::string expected = bytes("1", "0");
     EXPECT_TRUE(bytes("3", "0") == expected);
     EXPECT_FALSE(bytes("1", "4294967295") == expected);
 }
 
-TEST(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
+TEST_F(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
 {
-    const Folder folder;
-    const std::string square = folder.file("square.obj", kSquare);
     const std::string cloud = folder.file("cloud.obj", "v 0 0 0\nv 1 1 1\n");
     const std::string huge = folder.file("huge.obj", "v 0 0 0\nv 1e30 0 0\nv 0 1e30 0\nf 1 2 3\n");
     const std::string endless =
@@ -108,7 +103,7 @@ TEST(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
     const Names before = folder.names();
     const auto expectLine = [&](const std::string& file, const Names& options, int exitCode,
                                 const char* part) {
-        Names arguments = {"sample", file, "-o", folder / "out.ply"};
+        Names arguments = {"sample", file, "-o", out};
         arguments.insert(arguments.end(), options.begin(), options.end());
         expectRefusal(run(arguments), exitCode, part);
         EXPECT_EQ(folder.names(), before);
@@ -129,29 +124,25 @@ TEST(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
     expectLine(huge, {"--distance", "2%"}, 4, "scale the mesh down");
 }
 
-TEST(SampleVerb, MoreMemoryThanThereIsIsRefusedWithTheDistanceThatFits)
+TEST_F(SampleVerb, MoreMemoryThanThereIsIsRefusedWithTheDistanceThatFits)
 {
-    const Folder folder;
-    const std::string square = folder.file("square.obj", kSquare), out = folder / "out.ply";
     // 4.2e9 candidates of 120 bytes.
     const Outcome outcome = run({"sample", square, "--distance", "7.79e-5", "-o", out});
     if (outcome.exitCode == 0)
         GTEST_SKIP() << "this machine has 500 GB";
     expectRefusal(outcome, 3, "needs about 504 GB of memory, and there are ");
-    EXPECT_EQ(folder.names(), Names{"square.obj"});
+    EXPECT_EQ(folder.names(), (Names{"house.obj", "square.obj"}));
     EXPECT_EQ(run({"sample", square, "--count", "300000000", "-o", out}).exitCode, 3);
     EXPECT_EQ(run({"sample", square, "--count", "500000000", "-o", out}).exitCode, 2);
 }
 
-TEST(SampleVerb, ADistanceBeyondTheMeshLeavesNoSampleAndSaysSo)
+TEST_F(SampleVerb, ADistanceBeyondTheMeshLeavesNoSampleAndSaysSo)
 {
-    const Folder folder;
-    const std::string square = folder.file("square.obj", kSquare);
     for (const char* distance : {"10", "1e30"}) {
-        const json report = sampled(square, folder / "out.ply", {"--distance", distance});
+        const json report = sampled(square, out, {"--distance", distance});
         expectReport(report, R"({"samples": 0, "smallest_distance": null})");
         EXPECT_EQ(report["warnings"].size(), 1u);
-        EXPECT_TRUE(pointsOf(folder / "out.ply").empty());
+        EXPECT_TRUE(pointsOf(out).empty());
     }
 }
 

@@ -6,10 +6,10 @@ using namespace TestSupport;
 
 namespace {
 
-TEST(Streams, AMeshFlowsThroughStandardInputAndOutput)
+using StandardStreams = AtTheHouse;
+
+TEST_F(StandardStreams, AMeshFlowsThroughStandardInputAndOutput)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
     const Outcome outcome =
         run({"triangulate", "-", "-o", "-", "--format", "ply-ascii", "--quiet"}, {house, "", {}});
     EXPECT_EQ(outcome.exitCode, 0);
@@ -18,10 +18,8 @@ TEST(Streams, AMeshFlowsThroughStandardInputAndOutput)
     EXPECT_EQ(infoOf(folder.file("a", outcome.out))["faces"], 6);
 }
 
-TEST(Streams, AFullOrClosedOutputExitsWithThreeAndALine)
+TEST_F(StandardStreams, AFullOrClosedOutputExitsWithThreeAndALine)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
     const Streams full = {"/dev/null", "/dev/full", {}}, closed = {"/dev/null", "", {1}};
     const Names info = {"info", house}, help = {"--help"},
                 flow = {"triangulate", house, "-o", "-", "--format", "obj"};
@@ -30,10 +28,9 @@ TEST(Streams, AFullOrClosedOutputExitsWithThreeAndALine)
             expectRefusal(run(arguments, streams), 3, "standard output: ");
 }
 
-TEST(Streams, AFileBeyondTheUsersLimitLeavesALineAndNoHalfFile)
+TEST_F(StandardStreams, AFileBeyondTheUsersLimitLeavesALineAndNoHalfFile)
 {
-    const Folder folder, streams;
-    const std::string house = folder.file("house.obj", kHouse);
+    const Folder streams;
     rlimit before = {};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
     const rlimit small = {4096, before.rlim_max};
@@ -45,10 +42,8 @@ TEST(Streams, AFileBeyondTheUsersLimitLeavesALineAndNoHalfFile)
 }
 
 // A file opened by a program without standard streams takes their numbers.
-TEST(Streams, ClosedStreamsNeverLeadIntoTheMeshFile)
+TEST_F(StandardStreams, ClosedStreamsNeverLeadIntoTheMeshFile)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
     const std::string out = folder / "out.obj", good = folder / "good.obj";
     ASSERT_EQ(run({"triangulate", house, "-o", good, "--quiet"}).exitCode, 0);
     const Outcome outcome =

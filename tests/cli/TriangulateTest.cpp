@@ -5,10 +5,12 @@ using nlohmann::json;
 
 namespace {
 
-TEST(TriangulateVerb, ReportsCountsPropertiesAndTimes)
+struct TriangulateVerb : AtTheHouse {
+    const std::string out = folder / "out.obj";
+};
+
+TEST_F(TriangulateVerb, ReportsCountsPropertiesAndTimes)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse), out = folder / "out.obj";
     const Outcome outcome = run({"triangulate", house, "-o", out, "--json", "--threads", "1"});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "");
@@ -21,10 +23,8 @@ TEST(TriangulateVerb, ReportsCountsPropertiesAndTimes)
                                   "values": {"material_library": "house.mtl"}})");
 }
 
-TEST(TriangulateVerb, PropertiesAreChosenByName)
+TEST_F(TriangulateVerb, PropertiesAreChosenByName)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse), out = folder / "out.obj";
     const auto carried = [&](const std::string& selection) {
         return reportOf(
             {"triangulate", house, "-o", out, "--force", "--properties", selection})["properties"];
@@ -34,10 +34,8 @@ TEST(TriangulateVerb, PropertiesAreChosenByName)
     EXPECT_EQ(carried("group,texcoord"), json({"texcoord", "group"}));
 }
 
-TEST(TriangulateVerb, WritesTheFormatOfTheEndingOrOfTheOption)
+TEST_F(TriangulateVerb, WritesTheFormatOfTheEndingOrOfTheOption)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
     const struct {
         const char* name;
         Names options;
@@ -52,10 +50,8 @@ TEST(TriangulateVerb, WritesTheFormatOfTheEndingOrOfTheOption)
     }
 }
 
-TEST(TriangulateVerb, ReplacesOnlyWhenForcedEvenItsOwnInput)
+TEST_F(TriangulateVerb, ReplacesOnlyWhenForcedEvenItsOwnInput)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
     expectRefusal(run({"triangulate", house, "-o", house}), 3, "--force");
     EXPECT_EQ(contentOf(house), kHouse);
     reportOf({"triangulate", house, "-o", house, "--force"});
@@ -63,11 +59,9 @@ TEST(TriangulateVerb, ReplacesOnlyWhenForcedEvenItsOwnInput)
     EXPECT_EQ(folder.names(), Names{"house.obj"});
 }
 
-TEST(TriangulateVerb, FilesThatCannotBeReadOrWrittenExitWithThree)
+TEST_F(TriangulateVerb, FilesThatCannotBeReadOrWrittenExitWithThree)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
-    const std::string zero = folder.file("zero.obj", "v 0 0 0\nf 0 1 1\n"), out = folder / "a.obj";
+    const std::string zero = folder.file("zero.obj", "v 0 0 0\nf 0 1 1\n");
     const Names failures[] = {
         {"triangulate", folder / "absent.obj", "-o", out},
         {"triangulate", folder / ".", "-o", out},

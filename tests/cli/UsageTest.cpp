@@ -6,10 +6,10 @@ using namespace TestSupport;
 
 namespace {
 
-TEST(Usage, MistakesExitWithTwoAndOneLineThatPointsToTheHelp)
+using Usage = AtTheHouse;
+
+TEST_F(Usage, MistakesExitWithTwoAndOneLineThatPointsToTheHelp)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
     const std::string out = folder / "out.obj";
     const struct {
         Names arguments;
@@ -40,7 +40,7 @@ TEST(Usage, MistakesExitWithTwoAndOneLineThatPointsToTheHelp)
     EXPECT_EQ(folder.names(), Names{"house.obj"});
 }
 
-TEST(Usage, HelpWithAnExampleAndTheVersionGoToStandardOutput)
+TEST_F(Usage, HelpWithAnExampleAndTheVersionGoToStandardOutput)
 {
     const std::string version = run({"--version"}).out;
     EXPECT_EQ(version.find("tessary 2.11.0\nKorvane version 2.11.0.0 ("), 0u) << version;

@@ -10,9 +10,10 @@ constexpr const char* kNotFinite =
     "property float z\nelement face 1\nproperty list uchar int vertex_indices\nend_header\n"
     "0 0 0\n1 nan 0\n0 1 0\n3 0 1 2\n";
 
-TEST(Validate, ErrorsExitWithOneAndAreListedWithPlaceAndAdvice)
+using Validate = AtTheHouse;
+
+TEST_F(Validate, ErrorsExitWithOneAndAreListedWithPlaceAndAdvice)
 {
-    const Folder folder;
     const std::string path = folder.file("bad.ply", kNotFinite);
     const Outcome outcome = run({"validate", path, "--json"});
     EXPECT_EQ(outcome.exitCode, 1) << outcome.err;
@@ -28,10 +29,8 @@ TEST(Validate, ErrorsExitWithOneAndAreListedWithPlaceAndAdvice)
     EXPECT_TRUE(contains(text, "what to do: "));
 }
 
-TEST(Validate, GoodMeshesAndMereWarningsExitWithZero)
+TEST_F(Validate, GoodMeshesAndMereWarningsExitWithZero)
 {
-    const Folder folder;
-    const std::string house = folder.file("house.obj", kHouse);
     EXPECT_EQ(run({"validate", house}).out, house + ": valid\n");
 
     const json repeated =
@@ -48,15 +47,14 @@ TEST(Validate, GoodMeshesAndMereWarningsExitWithZero)
                  "    edge 0-1: corner 0 of face 0 and corner 3 of face 1 run the same way\n"));
 }
 
-TEST(Validate, OtherVerbsRefuseAMeshWithErrors)
+TEST_F(Validate, OtherVerbsRefuseAMeshWithErrors)
 {
-    const Folder folder;
     const std::string path = folder.file("bad.ply", kNotFinite);
     const std::string out = folder.file("out.ply", "kept");
     const Outcome outcome = run({"triangulate", path, "-o", out, "--force"});
     expectRefusal(outcome, 4, "tessary triangulate: " + path + ": ");
     EXPECT_EQ(contentOf(out), "kept");
-    EXPECT_EQ(folder.names(), (Names{"bad.ply", "out.ply"}));
+    EXPECT_EQ(folder.names(), (Names{"bad.ply", "house.obj", "out.ply"}));
     EXPECT_EQ(run({"validate", folder.file("cut.ply", "ply\nformat ascii 1.0\n")}).exitCode, 3);
 }
 

@@ -109,49 +109,64 @@ TEST(QuadProperties, ValuesAreSharedWhereThereIsNoSeam)
     }
 }
 
-TEST(QuadProperties, EverythingFollowsWithThePositions)
+QuadOptions uneven()
+{
+    QuadOptions options;
+    options.edgeWeight = 0.3f;
+    return options;
+}
+
+TEST(QuadProperties, PointValuesFollowWithThePositions)
 {
     const auto mesh = grid(4);
-    const Array<float3> points = *dataOf<float3>(*mesh, sPointPosition);
-    const auto copy = makeMutable<Array<float3>>(points);
+    const auto copy = makeMutable<Array<float3>>(*dataOf<float3>(*mesh, sPointPosition));
     addDataGeoProperty<float3>(*mesh, "same", sPointComp, copy);
     addDataGeoProperty<float3>(*mesh, sPointVelocity, sPointComp, copy);
+    const auto result = quadsOf(*mesh, uneven());
+    EXPECT_TRUE(result.warnings.empty());
+    const Array<float3> positions = *dataOf<float3>(*result.mesh, sPointPosition);
+    EXPECT_EQ(*dataOf<float3>(*result.mesh, "same"), positions);
+    EXPECT_EQ(*dataOf<float3>(*result.mesh, sPointVelocity), positions);
+}
+
+TEST(QuadProperties, AsManyValuesOfOneRangeStayInOneRange)
+{
+    const auto mesh = grid(4);
     const auto heights = makeMutable<Array<double>>();
     const auto ids = makeMutable<Array<uint>>();
-    for (uint p = 0; p < points.size(); ++p) {
-        heights->push_back(points[p].z);
-        ids->push_back(p);
+    for (const float3& point : *dataOf<float3>(*mesh, sPointPosition)) {
+        ids->push_back(static_cast<uint>(ids->size()));
+        heights->push_back(point.z);
     }
     addRangeGeoProperty(*mesh, "shared", sPointComp, ids);
     addDataGeoProperty<double>(*mesh, "height", "shared", heights, 0,
                                Common::DataInterpolationMode::Constant);
     addDataGeoProperty<uint>(*mesh, "id", "shared", ids);
     addDataGeoProperty<uint>(*mesh, "longer", "shared", makeMutable<Array<uint>>(100, 5u));
+    const auto quads = quadsOf(*mesh, uneven()).mesh;
+    const Array<uint> indices = *rangeOf(*quads, "shared");
+    const Array<float3> positions = *dataOf<float3>(*quads, sPointPosition);
+    for (uint p = 0; p < positions.size(); ++p)
+        ASSERT_NEAR((*dataOf<double>(*quads, "height"))[indices[p]], positions[p].z, 1e-5);
+    EXPECT_EQ(entryOf<String>(*quads, "id", sTarget), "shared");
+    EXPECT_EQ(entryOf<String>(*quads, "longer", sTarget), "shared_longer") << "more values";
+    EXPECT_EQ(entryOf<Common::DataInterpolationMode>(*quads, "height", sInterp),
+              Common::DataInterpolationMode::Constant);
+}
+
+TEST(QuadProperties, ValuesOfFacesAndOfTheMeshAreThoseOfTheSource)
+{
+    const auto mesh = grid(4);
     const auto names = makeMutable<Array<String>>(getElementCount(*mesh, sFaceComp), "a");
     (*names)[1] = "b";
     addDataGeoProperty<String>(*mesh, "material", sFaceComp, names);
     mesh->setProperty("material_library", String("roof.mtl"));
     mesh->setProperty(sRenderSettings, 3);
-
-    QuadOptions options;
-    options.edgeWeight = 0.3f;
-    const auto result = quadsOf(*mesh, options);
-    const Object& quads = *result.mesh;
-    EXPECT_TRUE(result.warnings.empty());
-    const Array<float3> positions = *dataOf<float3>(quads, sPointPosition);
-    EXPECT_EQ(*dataOf<float3>(quads, "same"), positions);
-    EXPECT_EQ(*dataOf<float3>(quads, sPointVelocity), positions);
-    const Array<uint> indices = *rangeOf(quads, "shared");
-    for (uint p = 0; p < positions.size(); ++p)
-        ASSERT_NEAR((*dataOf<double>(quads, "height"))[indices[p]], positions[p].z, 1e-5);
-    EXPECT_EQ(entryOf<String>(quads, "id", sTarget), "shared");
-    EXPECT_EQ(entryOf<String>(quads, "longer", sTarget), "shared_longer") << "more values";
-    EXPECT_EQ(entryOf<Common::DataInterpolationMode>(quads, "height", sInterp),
-              Common::DataInterpolationMode::Constant);
-    const Array<String> materials = *dataOf<String>(quads, "material");
+    const auto quads = quadsOf(*mesh).mesh;
+    const Array<String> materials = *dataOf<String>(*quads, "material");
     EXPECT_EQ(std::count(materials.begin(), materials.end(), String("b")), 3 * 3) << "a pentagon";
-    EXPECT_EQ(*quads.getProperty("material_library").get<String>(), "roof.mtl");
-    EXPECT_EQ(*quads.getProperty(sRenderSettings).get<int>(), 3);
+    EXPECT_EQ(*quads->getProperty("material_library").get<String>(), "roof.mtl");
+    EXPECT_EQ(*quads->getProperty(sRenderSettings).get<int>(), 3);
 }
 
 TEST(QuadProperties, WhatHasNoRuleIsLeftOutWithAWarningAndWhatIsNotNamedWithoutOne)

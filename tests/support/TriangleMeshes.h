@@ -127,6 +127,15 @@ inline NamedTriangles fan(uint triangles, uint hub)
     return mesh;
 }
 
+/// As many triangles and points as the fan has, with at most three corners at a point.
+inline NamedTriangles scattered(uint triangles)
+{
+    NamedTriangles mesh{"scattered", triangles + 2, Array<uint>(3 * std::size_t{triangles})};
+    for (uint corner = 0; corner < mesh.faceVertex.size(); ++corner)
+        mesh.faceVertex[corner] = static_cast<uint>(std::uint64_t{7919} * corner % mesh.pointCount);
+    return mesh;
+}
+
 inline std::vector<NamedTriangles> triangleMeshes()
 {
     std::vector<NamedTriangles> meshes;

@@ -1,3 +1,4 @@
+#include "support/Cost.h"
 #include "support/Threads.h"
 #include "support/TriangleMeshes.h"
 
@@ -82,17 +83,17 @@ TEST(DualMesh, IsTheSameOnAnyNumberOfThreads)
     });
 }
 
-// Searched from the start of the list, either build would take 5 * 10^11 steps.
-TEST(DualMesh, AMillionCornersOfOnePointAreNotSearchedOneByOne)
+// Quadratic in the valence, the fan would take thousands of times as long.
+TEST(DualMesh, AFanCostsAboutAsMuchAsScatteredTriangles)
 {
-    const uint triangles = 1000000;
-    const NamedTriangles mesh = fan(triangles, 0);
-    Dual dual = dualOf(mesh);
-    EXPECT_EQ(dual.offset[1], triangles);
-    EXPECT_EQ(dual.corners[triangles - 1], 3 * (triangles - 1));
-
-    constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
-    EXPECT_EQ(dual.offset[1], 2 * triangles);
+    const uint triangles = 100000;
+    const auto buildTwice = [](const NamedTriangles& mesh) {
+        Dual dual = dualOf(mesh);
+        constructDualMesh(mesh.faceVertex, dual.offset, dual.corners);
+        EXPECT_EQ(dual.offset[mesh.pointCount], 6 * triangles);
+    };
+    const NamedTriangles wheel = fan(triangles, 0), others = scattered(triangles);
+    EXPECT_LT(costRatio([&] { buildTwice(wheel); }, [&] { buildTwice(others); }), 20);
 }
 
 //  2---3     triangles 0 1 2 and 2 1 3, and a point 4 of no face
