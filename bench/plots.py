@@ -8,7 +8,7 @@ from rows import FAMILIES, good, grouped, own_rows, peer_rows
 # Cool colours are ours, one for each input; warm ones and dashes are other libraries'.
 OURS = ["#08519c", "#4292c6", "#1b7837", "#5aae61", "#54278f", "#9e9ac8", "#01665e", "#636363"]
 THEIRS = ["#d7301f", "#e69f00", "#c51b7d", "#8c510a"]
-FEWEST = 1000  # elements; below, the time is that of the call
+FEWEST = 1000  # elements, about; below, the time is that of the call
 COLUMNS = 3
 WIDTH, HEIGHT = 290, 178  # of a panel without its legend
 LEFT, TOP, RIGHT, BOTTOM = 36, 34, 272, 150
@@ -25,7 +25,7 @@ def nanoseconds(row, figure):
 def series_of(rows):
     """Lists of points by name: ours, for every input of more than one size or measured beside a
     library; theirs, one for each library and input."""
-    rows = [row for row in rows if row.figure("elements") >= FEWEST]
+    rows = [row for row in rows if row.size >= FEWEST]
     beside = {row.input for row in peer_rows(rows)}
     ours = {key[-1]: [nanoseconds(row, "median_ms") for row in group]
             for key, group in grouped(row for row in rows if not row.threads).items()}
@@ -120,7 +120,7 @@ def panel(kernel, rows):
 def picture(rows):
     kernels = {}
     for row in good(rows):
-        if row.figure("elements") >= FEWEST:
+        if row.size >= FEWEST:
             kernels.setdefault(row.kernel, []).append(row)
     panels = [panel(kernel, of_kernel) for kernel, of_kernel in kernels.items()]
     width = WIDTH * min(COLUMNS, len(panels))
@@ -140,7 +140,7 @@ def pictures_of(rows, output):
     made = []
     for family in FAMILIES:
         of_family = [row for row in rows if row.family == family]
-        if any(row.figure("elements") >= FEWEST for row in good(of_family)):
+        if any(row.size >= FEWEST for row in good(of_family)):
             (output / f"{family}.svg").write_text(picture(of_family))
             made.append(family)
     return made
