@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <type_traits>
@@ -140,11 +141,9 @@ void addShape(const TessaryMesh::MeshShape& shape, Json& facts)
 
 double briefly(float value)
 {
-    char text[32];
-    const char* const end = std::to_chars(text, text + sizeof text, value).ptr;
-    double brief = value;
-    std::from_chars(text, end, brief);
-    return brief;
+    char text[32] = {};
+    std::to_chars(text, text + sizeof text - 1, value);
+    return std::strtod(text, nullptr);  // not every library has from_chars for double
 }
 
 Json vectorOf(const float3& v)
