@@ -91,6 +91,8 @@ void* UntypedTypeRep::allocate(std::size_t count) const
 
 void UntypedTypeRep::deallocate(void* pointer, std::size_t count) const noexcept
 {
+    if (count == 0)
+        return;  // null, or memory that an array has borrowed
 #if defined(__linux__)
     if (isMapped(count * m_size)) {
         munmap(pointer, mappedSize(count * m_size));

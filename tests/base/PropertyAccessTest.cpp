@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <string>
 
 using namespace Tessary;
 using TestSupport::allocationsLeft;
@@ -72,13 +73,16 @@ TEST(AddDataArray, ReplacesAnArrayOfAnotherTypeAndStoresNothingUnderAnEmptyName)
 TEST(AddDataArray, LosesNothingWhereverMemoryRunsOut)
 {
     const String name = "a_name_too_long_to_be_stored_without_memory_of_its_own";
-    for (const bool isShared : {false, true}) {
+    static const uint lent[] = {5, 5};
+    for (const std::string holder : {"none", "another object", "a lender"}) {
         bool succeeded = false;
         for (int allocations = 0; !succeeded; ++allocations) {
-            SCOPED_TRACE(allocations);
+            SCOPED_TRACE(holder + " beside it, " + std::to_string(allocations));
             const MutablePtr<Object> geometry = Korvane::createObject();
             addDataArray<uint>("comp", name, 2, 5, *geometry);
-            const Object other = isShared ? *geometry : Object();
+            const Object other = holder == "another object" ? *geometry : Object();
+            if (holder == "a lender")
+                setDataArray(name, Array<uint>::borrow(lent, 2), *geometry);
             try {
                 allocationsLeft = allocations;
                 addDataArray<uint>("comp", name, 3, 6, *geometry);

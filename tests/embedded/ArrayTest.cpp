@@ -1,3 +1,4 @@
+#include <Korvane/Geometry.h>
 #include <Korvane/Math.h>
 #include <Pelon/Array.h>
 #include <Pelon/String.h>
@@ -7,13 +8,19 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <new>
+#include <numeric>
 #include <stdexcept>
+#include <thread>
+#include <type_traits>
 #include <vector>
 
 namespace {
 
 using Pelon::Array;
+using Pelon::MutablePtr;
+using Pelon::Ptr;
 using Pelon::String;
 
 // Counts living objects, and throws when the countdown of copies reaches zero. Its move may throw
@@ -172,6 +179,85 @@ TEST(Array, RefusesSizesThatCannotBe)
     EXPECT_THROW(array.resize(std::size_t{1} << 59), std::bad_alloc);
     EXPECT_EQ(array, (Array<double>{1, 2}));
     EXPECT_EQ(Pelon::Internal::typeRep<int>.allocate(0), nullptr);
+}
+
+// Nothing but a pointer that reads leads to a borrowed array, so whoever wants to write has to go
+// through one of the ways below.
+using Borrowed = decltype(Array<int>::borrow(nullptr, 0));
+static_assert(std::is_same_v<Borrowed, Ptr<Array<int>>>);
+static_assert(std::is_same_v<decltype(*Borrowed()), const Array<int>&>);
+static_assert(!std::is_constructible_v<MutablePtr<Array<int>>, Borrowed>);
+static_assert(!std::is_constructible_v<Array<int>, const int*, std::size_t>);
+
+TEST(BorrowedArray, IsReadInPlaceAndCopiedForEveryWayToWrite)
+{
+    static const int memory[] = {1, 2, 3};  // read-only pages: a write through the array crashes
+    const auto borrowed = [] { return Array<int>::borrow(memory, 3); };
+    const Ptr<Array<int>> array = borrowed();
+    EXPECT_TRUE(array->isBorrowed());
+    EXPECT_EQ(array->data(), memory);
+    EXPECT_EQ(array->end() - array->begin(), 3);
+
+    const auto changed = [](MutablePtr<Array<int>> copy) {
+        EXPECT_FALSE(copy->isBorrowed());
+        *copy->data() = 7;
+        copy->resize(5, 8);
+        return *copy;
+    };
+    const Array<int> expected{7, 2, 3, 8, 8};
+    EXPECT_EQ(changed(toMutable(borrowed())), expected) << "behind the only pointer";
+    EXPECT_EQ(changed(toMutable(array)), expected);
+    EXPECT_EQ(changed(Pelon::makeMutable<Array<int>>(*array)), expected);
+    EXPECT_EQ(changed(Pelon::makeMutable<Array<int>>(std::move(*array))), expected);
+    Array<int> assigned{4};
+    assigned = *array;
+    assigned[0] = 9;
+    EXPECT_EQ(*array, (Array<int>{1, 2, 3}));
+}
+
+TEST(BorrowedArray, LeavesABagOnlyAsACopy)
+{
+    const auto owner = std::make_shared<std::vector<float>>(3, 1.0f);
+    Korvane::Object bag;
+    bag.setProperty("values", Array<float>::borrow(owner->data(), 3, owner));
+    Pelon::Any taken = bag.getPropertyForModification("values");
+    const auto values = toMutable(std::move(*taken.get<Ptr<Array<float>>>()));
+    (*values)[0] = 2;
+    EXPECT_EQ((*owner)[0], 1);
+    EXPECT_EQ(owner.use_count(), 1) << "the copy still holds the lender";
+}
+
+TEST(BorrowedArray, ReleasesItsOwnerOnceAfterTheLastReaderOfAnyThread)
+{
+    int released = 0;
+    std::vector<int> memory(1000, 1);
+    {
+        const auto free = [&](const void*) { ++released; };
+        Ptr<Array<int>> array = Array<int>::borrow(
+            memory.data(), memory.size(), std::shared_ptr<const void>(memory.data(), free));
+        std::vector<std::thread> readers;
+        for (int t = 0; t < 4; ++t)
+            readers.emplace_back([copy = array, &released] {
+                for (int round = 0; round < 200; ++round) {
+                    const Ptr<Array<int>> another = copy;
+                    EXPECT_EQ(std::accumulate(another->begin(), another->end(), 0), 1000);
+                }
+                EXPECT_EQ(released, 0);
+            });
+        array = nullptr;
+        for (std::thread& reader : readers)
+            reader.join();
+    }
+    EXPECT_EQ(released, 1);
+}
+
+TEST(BorrowedArray, RefusesMemoryThatCannotHoldItsElements)
+{
+    alignas(8) static const unsigned char bytes[16] = {};
+    const auto* const odd = reinterpret_cast<const double*>(bytes + 4);
+    EXPECT_THROW(Array<double>::borrow(odd, 1), std::invalid_argument);
+    EXPECT_THROW(Array<double>::borrow(nullptr, 1), std::invalid_argument);
+    EXPECT_TRUE(Array<double>::borrow(nullptr, 0)->empty());
 }
 
 }  // namespace

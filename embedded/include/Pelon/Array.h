@@ -1,11 +1,13 @@
 #pragma once
 
+#include <Pelon/Ptr.h>
 #include <Pelon/TypeRep.h>
 
 #include <algorithm>
 #include <cstring>
 #include <initializer_list>
 #include <memory>
+#include <stdexcept>
 #include <type_traits>
 #include <utility>
 
@@ -16,6 +18,11 @@ namespace Pelon {
 /// Storage comes from the type representation and arrives zeroed. Elements whose value-initialised
 /// form is all zero bits are not written again, so `Array<float>(n)` touches no memory.
 /// Copies are deep; sharing is the business of Ptr. Not synchronised.
+///
+/// An array owns its elements, unless borrow() made it. A borrowed array reads memory of somebody
+/// else, and is only ever met behind a Ptr, which gives const access: what would change it has to
+/// copy it first, so nothing writes into that memory, and no access to an array ever asks whose
+/// memory it is.
 template <class T>
 class Array {
 public:
@@ -48,6 +55,26 @@ public:
 
     Array(Array&& other) noexcept { swap(other); }
 
+    /// An array that reads the `size` elements at `data` where they are.
+    ///
+    /// in      data   aligned for T, which is trivially copyable; null only for no elements
+    ///         owner  kept until the last pointer to the array goes; without one the caller keeps
+    ///                the memory until then. Whoever writes into it meanwhile changes the array.
+    /// copies  own their elements; toMutable() copies even behind the only pointer, since the
+    ///         owner counts as a holder, too
+    /// throws  std::invalid_argument where `data` is null or not aligned
+    /// cost    one small allocation; any number of threads may read
+    static Ptr<Array> borrow(const T* data, size_type size,
+                             std::shared_ptr<const void> owner = nullptr)
+    {
+        static_assert(std::is_trivially_copyable_v<T>, "only plain values can be borrowed");
+        if (reinterpret_cast<std::uintptr_t>(data) % alignof(T) != 0)
+            throw std::invalid_argument("borrowed memory is not aligned for its elements");
+        if (!data && size > 0)
+            throw std::invalid_argument("borrowed elements have no memory");
+        return makeMutable<Array>(Loan{data, size, std::move(owner)});
+    }
+
     ~Array()
     {
         std::destroy(begin(), end());
@@ -64,6 +91,7 @@ public:
     const T* data() const noexcept { return m_data; }
     size_type size() const noexcept { return m_size; }
     bool empty() const noexcept { return m_size == 0; }
+    bool isBorrowed() const noexcept { return m_data && m_capacity == 0; }
 
     T& operator[](size_type i) noexcept { return m_data[i]; }
     const T& operator[](size_type i) const noexcept { return m_data[i]; }
@@ -103,6 +131,18 @@ public:
     friend bool operator!=(const Array& a, const Array& b) { return !(a == b); }
 
 private:
+    friend struct Internal::Counted<Array>;
+
+    struct Loan {
+        const T* data;
+        size_type size;
+        std::shared_ptr<const void> owner;
+    };
+
+    // Memory without a capacity is not given back. Only a Ptr may lead to such an array.
+    explicit Array(const Loan& loan) noexcept : m_data(const_cast<T*>(loan.data)), m_size(loan.size)
+    {}
+
     static constexpr bool kZeroBitsAreValue = std::is_trivially_default_constructible_v<T>;
 
     // Raw storage that gives itself back unless an array adopts it.
@@ -201,5 +241,27 @@ private:
     size_type m_size = 0;
     size_type m_capacity = 0;
 };
+
+namespace Internal {
+
+/// Beside a shared array stands the owner of the memory that it borrows.
+template <class T>
+struct Counted<Array<T>> {
+    std::atomic<std::uint32_t> useCount{1};
+    std::shared_ptr<const void> owner;
+    Array<T> value;
+
+    template <class... Args>
+    explicit Counted(Args&&... args) : value(std::forward<Args>(args)...)
+    {}
+    explicit Counted(typename Array<T>::Loan&& loan) : owner(std::move(loan.owner)), value(loan) {}
+
+    std::size_t holders() const noexcept
+    {
+        return useCount.load(std::memory_order_acquire) + value.isBorrowed();
+    }
+};
+
+}  // namespace Internal
 
 }  // namespace Pelon

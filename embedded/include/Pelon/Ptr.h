@@ -16,6 +16,9 @@ struct Counted {
     template <class... Args>
     explicit Counted(Args&&... args) : value(std::forward<Args>(args)...)
     {}
+
+    // Acquire: who finds itself the only holder also sees what the former holders wrote.
+    std::size_t holders() const noexcept { return useCount.load(std::memory_order_acquire); }
 };
 
 /// One counted reference. The count may be changed from any thread; one handle may not.
@@ -38,18 +41,17 @@ public:
     ~Reference()
     {
         if (m_counted && m_counted->useCount.fetch_sub(1, std::memory_order_acq_rel) == 1)
-            delete m_counted;
+            destroy(m_counted);
     }
 
     T* get() const noexcept { return m_counted ? &m_counted->value : nullptr; }
 
-    // Acquire: who finds itself the only owner also sees what the former owners wrote.
-    std::size_t useCount() const noexcept
-    {
-        return m_counted ? m_counted->useCount.load(std::memory_order_acquire) : 0;
-    }
+    std::size_t useCount() const noexcept { return m_counted ? m_counted->holders() : 0; }
 
 private:
+    // Out of line: pointers are dropped in many places, and seldom the last one.
+    [[gnu::noinline]] static void destroy(Counted<T>* counted) noexcept { delete counted; }
+
     Counted<T>* m_counted = nullptr;
 };
 
@@ -100,6 +102,9 @@ public:
     const T& operator*() const noexcept { return *get(); }
     const T* operator->() const noexcept { return get(); }
     explicit operator bool() const noexcept { return get() != nullptr; }
+
+    /// How many hold the object: its pointers, and one more where it reads borrowed memory. One
+    /// alone may change it in place.
     std::size_t useCount() const noexcept { return m_reference.useCount(); }
 
     friend bool operator==(const Ptr& a, const Ptr& b) noexcept { return a.get() == b.get(); }
@@ -120,7 +125,7 @@ MutablePtr<T> makeMutable(Args&&... args)
         Internal::Reference<T>(new Internal::Counted<T>(std::forward<Args>(args)...)));
 }
 
-/// Copy on write: the object itself where `pointer` is its last reference, a copy of it otherwise.
+/// Copy on write: the object itself where `pointer` is its only holder, a copy of it otherwise.
 /// Null stays null. Hand the pointer over with std::move, or there are always two references.
 template <class T>
 MutablePtr<T> toMutable(Ptr<T> pointer)

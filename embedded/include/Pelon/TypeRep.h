@@ -30,7 +30,8 @@ public:
     /// Throws std::bad_array_new_length where the byte count overflows, else std::bad_alloc.
     PELON_API void* allocate(std::size_t count) const;
 
-    /// Releases what allocate(count) returned; `count` must be the same.
+    /// Releases what allocate(count) returned; `count` must be the same. Leaves `pointer` alone where
+    /// it is 0.
     PELON_API void deallocate(void* pointer, std::size_t count) const noexcept;
 
 private:
