@@ -66,6 +66,15 @@ ArgumentError::ArgumentError(std::string argument, const std::string& message)
     : Error(message), m_argument(std::move(argument))
 {}
 
+ArrayError::ArrayError(Code code, std::string array, const std::string& message,
+                       std::optional<std::uint64_t> element, std::string value)
+    : Error(message),
+      m_code(code),
+      m_array(std::move(array)),
+      m_element(element),
+      m_value(std::move(value))
+{}
+
 Cancelled::Cancelled() : Error(KOR::exceptionMessage.c_str()) {}
 
 OutOfMemory::OutOfMemory(std::string name, const std::string& message, double bytes)
@@ -77,6 +86,7 @@ Error::~Error() = default;
 FileError::~FileError() = default;
 InvalidMesh::~InvalidMesh() = default;
 ArgumentError::~ArgumentError() = default;
+ArrayError::~ArrayError() = default;
 Cancelled::~Cancelled() = default;
 OutOfMemory::~OutOfMemory() = default;
 

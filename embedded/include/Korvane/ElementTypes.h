@@ -16,7 +16,7 @@ struct TypeTag {
 };
 
 template <class F>
-bool anyElementType(F&& f)
+constexpr bool anyElementType(F&& f)
 {
     using namespace Math;
 #define KORVANE_MATH(T) f(TypeTag<T>(), #T)

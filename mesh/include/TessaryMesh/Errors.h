@@ -128,6 +128,36 @@ private:
     std::string m_argument;
 };
 
+/// An array that cannot become part of a mesh, or that a mesh does not have.
+class TESSARY_MESH_API ArrayError : public Error {
+public:
+    enum class Code {
+        Missing,   ///< there is no array of this name, or no memory behind a pointer
+        Type,      ///< elements of a type that cannot stand here
+        Length,    ///< too few or too many elements
+        Value,     ///< an element that is negative, too large or names nothing
+        TooLarge,  ///< more elements than 32-bit indices can name
+        Reserved,  ///< a name that belongs to the mesh itself
+    };
+
+    /// `array` is "points", "corners", "offsets", "sizes" or the name of an attribute; `element`,
+    /// where one is to blame, is its place among the numbers of the array, counted from 0.
+    ArrayError(Code code, std::string array, const std::string& message,
+               std::optional<std::uint64_t> element = std::nullopt, std::string value = {});
+    ~ArrayError() override;
+
+    Code code() const noexcept { return m_code; }
+    const std::string& array() const noexcept { return m_array; }
+    std::optional<std::uint64_t> element() const noexcept { return m_element; }
+    const std::string& value() const noexcept { return m_value; }  ///< of that element, as text
+
+private:
+    Code m_code;
+    std::string m_array;
+    std::optional<std::uint64_t> m_element;
+    std::string m_value;
+};
+
 /// The job of the calling thread was cancelled. what() is the host's text for it.
 class TESSARY_MESH_API Cancelled : public Error {
 public:
