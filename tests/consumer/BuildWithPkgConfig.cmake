@@ -1,9 +1,10 @@
 cmake_minimum_required(VERSION 3.25)
-# Builds SOURCE with the command CXX and the flags that pkg-config names, and runs it.
+# Builds SOURCE with the command CXX and the flags that pkg-config names for MODULE, and runs it: what it
+# prints matches EXPECTED.
 set(ENV{PKG_CONFIG_PATH} ${LIBDIR}/pkgconfig)
 
 function(ask_pkg_config result)
-  execute_process(COMMAND ${PKG_CONFIG} ${ARGN} tessary
+  execute_process(COMMAND ${PKG_CONFIG} ${ARGN} ${MODULE}
     OUTPUT_VARIABLE answer OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   set(${result} "${answer}" PARENT_SCOPE)
 endfunction()
@@ -18,6 +19,6 @@ separate_arguments(flags UNIX_COMMAND "${flags}")
 execute_process(COMMAND ${CXX} ${SOURCE} -o ${PROGRAM} ${flags} -Wl,-rpath,${LIBDIR}
   COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${PROGRAM} OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
-if(NOT output MATCHES "triangle 0 2 3, paint 7")
+if(NOT output MATCHES "${EXPECTED}")
   message(FATAL_ERROR "unexpected output: ${output}")
 endif()
