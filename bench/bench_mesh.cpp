@@ -6,8 +6,7 @@
 
 #include <Korvane/Geometry.h>
 #include <TessaryMesh/Check.h>
-#include <mesh/files/MeshFile.h>
-#include <mesh/files/OutputFile.h>
+#include <TessaryMesh/Files.h>
 
 #include <filesystem>
 #include <fstream>
@@ -18,7 +17,7 @@ using namespace Bench;
 using Korvane::Object;
 using Korvane::Math::float2;
 using Korvane::Math::float3;
-using TessaryMesh::MeshFormat;
+using TessaryMesh::Format;
 using Pelon::makeMutable;
 using Pelon::MutablePtr;
 namespace Geometry = Korvane::Geometry;
@@ -56,7 +55,7 @@ std::string benchFile()
     return (std::filesystem::temp_directory_path() / "tessary_bench.mesh").string();
 }
 
-void save(const Object& mesh, MeshFormat format)
+void save(const Object& mesh, const Format& format)
 {
     TessaryMesh::OutputFile output(benchFile(), true);
     TessaryMesh::writeMesh(mesh, format, output);
@@ -84,7 +83,7 @@ Work workOn(const Object& mesh)
             std::filesystem::file_size(benchFile()), "one thread; the file is in memory"};
 }
 
-void read(Row& row, const Object& mesh, MeshFormat format)
+void read(Row& row, const Object& mesh, const Format& format)
 {
     save(mesh, format);
     MutablePtr<Object> result;
@@ -96,7 +95,7 @@ void read(Row& row, const Object& mesh, MeshFormat format)
     std::filesystem::remove(benchFile());
 }
 
-void write(Row& row, const Object& mesh, MeshFormat format)
+void write(Row& row, const Object& mesh, const Format& format)
 {
     save(mesh, format);
     Contender kernel;
@@ -114,12 +113,9 @@ void validate(Row& row, const Object& mesh)
 }
 
 constexpr struct {
-    const char* name;
-    MeshFormat format;
-} kFormats[] = {{"OBJ", MeshFormat::Obj},
-                {"PLY", MeshFormat::PlyBinary},
-                {"PLY big-endian", MeshFormat::PlyBinaryBigEndian},
-                {"PLY ASCII", MeshFormat::PlyAscii}};
+    const char *row, *format;
+} kFormats[] = {
+    {"OBJ", "obj"}, {"PLY", "ply"}, {"PLY big-endian", "ply-big"}, {"PLY ASCII", "ply-ascii"}};
 
 }  // namespace
 
@@ -130,11 +126,12 @@ int main(int argc, char** argv)
         const auto mesh = [size]() -> const Object& {
             return *latest.get(std::to_string(size), [&] { return attributedTorus(size); });
         };
-        for (const auto& [name, format] : kFormats) {
+        for (const auto& [name, formatName] : kFormats) {
+            const Format* const format = TessaryMesh::findFormat(formatName);
             addRow({"readMeshUnchecked", name, size},
-                   [mesh, format = format](Row& row) { read(row, mesh(), format); });
+                   [mesh, format](Row& row) { read(row, mesh(), *format); });
             addRow({"writeMesh", name, size},
-                   [mesh, format = format](Row& row) { write(row, mesh(), format); });
+                   [mesh, format](Row& row) { write(row, mesh(), *format); });
         }
         addRow({"validateMesh", "triangles", size}, [mesh](Row& row) { validate(row, mesh()); });
     }

@@ -2,7 +2,6 @@
 #include "MeshFacts.h"
 #include "Verbs.h"
 
-#include <TessaryMesh/Files.h>
 #include <TessaryMesh/Operations.h>
 
 #include <CLI/CLI.hpp>
@@ -37,8 +36,7 @@ ExitCode adjacency(const FileOptions& options, Session& session)
         conversion.run("adjacency", "finding neighbours",
                        [&] { return TessaryMesh::makeTriangleTables(conversion.mesh()); });
     conversion.write([&](TessaryMesh::OutputFile& output) -> std::vector<std::string> {
-        const TessaryMesh::Format& format = *TessaryMesh::findFormat(conversion.format());
-        TessaryMesh::writeArrays(tables.arrays(), format, output);
+        TessaryMesh::writeArrays(tables.arrays(), conversion.format(), output);
         return {};
     });
     const Json facts = {{"before", countsOf(conversion.mesh())},
@@ -55,7 +53,7 @@ ExitCode adjacency(const FileOptions& options, Session& session)
 Run declareAdjacency(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<FileOptions>();
-    addFiles(verb, *options, {"json", "npz"});
+    addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesArrays));
     verb.footer(kHelp);
     return [options, &session] { return adjacency(*options, session); };
 }

@@ -44,7 +44,7 @@ void Conversion::write(
 void Conversion::write(const Korvane::Object& mesh)
 {
     write([&](TessaryMesh::OutputFile& output) {
-        return TessaryMesh::writeMesh(mesh, meshFormatOf(m_format).value(), output);
+        return TessaryMesh::writeMesh(mesh, m_format, output);
     });
 }
 
@@ -54,7 +54,7 @@ ExitCode Conversion::report(const Json& facts, const std::string& summary)
     Json all = {{"verb", m_session.verb()},
                 {"file", m_inputPath},
                 {"output", m_outputPath},
-                {"format", m_format}};
+                {"format", m_format.name}};
     all.update(facts);
     all["seconds"] = m_seconds;
     m_session.finish(std::move(all), "");

@@ -4,8 +4,7 @@
 #include "Stopwatch.h"
 
 #include <Korvane/Object.h>
-#include <mesh/files/MeshFile.h>
-#include <mesh/files/OutputFile.h>
+#include <TessaryMesh/Files.h>
 
 #include <nlohmann/json.hpp>
 
@@ -25,7 +24,7 @@ public:
     Conversion(const FileOptions& files, Session& session);
 
     const Korvane::Object& mesh() const { return *m_input.mesh; }
-    const std::string& format() const { return m_format; }
+    const TessaryMesh::Format& format() const { return m_format; }
 
     /// Runs one part of the work. `part` names it in the report, `what` in the progress line. What
     /// does not fit the mesh (TessaryMesh::ArgumentError) was asked for on the command line.
@@ -63,7 +62,7 @@ private:
 
     Session& m_session;
     std::string m_inputPath, m_outputPath;
-    std::string m_format;
+    const TessaryMesh::Format& m_format;
     std::unique_ptr<TessaryMesh::OutputFile> m_output;
     TessaryMesh::MeshRead m_input;
     Stopwatch m_watch;

@@ -3,8 +3,8 @@
 #include "Options.h"
 #include "Verbs.h"
 
+#include <TessaryMesh/Files.h>
 #include <TessaryMesh/Operations.h>
-#include <mesh/files/OutputFile.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -16,7 +16,6 @@ namespace Cli {
 namespace {
 
 using Korvane::Object;
-using TessaryMesh::MeshFormat;
 using Pelon::uint;
 
 constexpr uint kLeastResolution = 8;
@@ -79,7 +78,7 @@ Pelon::Ptr<Object> sampleCloudOf(const Object& mesh, Session& session, Steps& st
 void write(const Object& mesh, const std::filesystem::path& file, Session& session, Steps& steps)
 {
     const std::string path = file.string(), prefix = path + ": ";
-    const MeshFormat format = *TessaryMesh::formatOfName(path);
+    const TessaryMesh::Format& format = *TessaryMesh::formatOfName(path);
     steps.run("write", [&] {
         TessaryMesh::OutputFile output(path, true);
         for (std::string& warning : TessaryMesh::writeMesh(mesh, format, output))
@@ -110,9 +109,11 @@ void makeFolder(const std::string& folder)
 {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
+    using TessaryMesh::FileError;
     if (error)
-        throw TessaryMesh::FileError(folder + ": cannot make this folder: " + error.message() +
-                                     " (choose another with --output)");
+        throw FileError(FileError::Code::Unwritable, folder,
+                        folder + ": cannot make this folder: " + error.message() +
+                            " (choose another with --output)");
 }
 
 ExitCode demo(const Options& options, Session& session)

@@ -12,9 +12,9 @@ ExitCode info(const std::string& path, Session& session)
 {
     const TessaryMesh::MeshRead input = readInput(session, path);
     session.beginStage("measuring");
-    Json facts = {{"verb", "info"}, {"file", path}, {"format", formatName(input.format)}};
+    Json facts = {{"verb", "info"}, {"file", path}, {"format", input.format->name}};
     facts.update(factsOf(*input.mesh));
-    const std::string text = path + ": " + formatName(input.format) + "\n" + textOf(facts);
+    const std::string text = path + ": " + std::string(input.format->name) + "\n" + textOf(facts);
     session.finish(std::move(facts), text);
     return ExitCode::Done;
 }

@@ -4,47 +4,49 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iterator>
+#include <cctype>
 #include <memory>
 #include <sstream>
 
 namespace Cli {
 namespace {
 
-using TessaryMesh::MeshFormat;
+using TessaryMesh::Format;
 
 constexpr unsigned kMostThreads = 1024;
 
-struct NamedFormat {
-    const char* name;
-    MeshFormat format;
-};
-constexpr NamedFormat kFormats[] = {{"obj", MeshFormat::Obj},
-                                    {"ply", MeshFormat::PlyBinary},
-                                    {"ply-ascii", MeshFormat::PlyAscii},
-                                    {"ply-big", MeshFormat::PlyBinaryBigEndian}};
-
-// "ply-ascii" and the like are variants that no ending tells.
-bool hasEnding(const std::string& format)
+std::string upperCase(std::string text)
 {
-    return format.find('-') == std::string::npos;
+    for (char& c : text)
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return text;
 }
 
-bool endsWith(const std::string& path, const std::string& ending)
+// "a, b or c"
+std::string listOf(const std::vector<std::string>& words, const std::string& beforeLast)
 {
-    return path.size() > ending.size() &&
-           CLI::detail::to_lower(path.substr(path.size() - ending.size())) == ending;
+    std::string list;
+    for (const std::string& word : words)
+        list += (list.empty() ? "" : &word == &words.back() ? beforeLast : ", ") + word;
+    return list;
 }
 
-// ".obj, .ply nor .npz"
-std::string endingsOf(const std::vector<std::string>& formats)
+std::vector<std::string> namesOf(const Formats& formats)
+{
+    std::vector<std::string> names;
+    for (const Format* const format : formats)
+        names.emplace_back(format->name);
+    return names;
+}
+
+// Variants have none.
+std::vector<std::string> endingsOf(const Formats& formats)
 {
     std::vector<std::string> endings;
-    std::copy_if(formats.begin(), formats.end(), std::back_inserter(endings), hasEnding);
-    std::string list;
-    for (const std::string& ending : endings)
-        list += (list.empty() ? "." : &ending == &endings.back() ? " nor ." : ", .") + ending;
-    return list;
+    for (const Format* const format : formats)
+        if (!format->ending.empty())
+            endings.emplace_back(format->ending);
+    return endings;
 }
 
 std::string namesOf(const Pelon::Array<Pelon::String>& names)
@@ -57,12 +59,30 @@ std::string namesOf(const Pelon::Array<Pelon::String>& names)
 
 void addInput(CLI::App& verb, std::string& path)
 {
-    verb.add_option("INPUT", path, "Mesh file to read (OBJ or PLY); - is standard input")
+    verb.add_option("INPUT", path,
+                    "Mesh file to read (" + readableFormats(" or ") + "); - is standard input")
         ->type_name("")
         ->required();
 }
 
 }  // namespace
+
+Formats formatsThat(bool Format::*holds)
+{
+    Formats found;
+    for (const Format* const format : TessaryMesh::formats())
+        if (format->*holds)
+            found.push_back(format);
+    return found;
+}
+
+std::string readableFormats(const std::string& beforeLast)
+{
+    std::vector<std::string> words;
+    for (const std::string& ending : endingsOf(formatsThat(&Format::readsMeshes)))
+        words.push_back(upperCase(ending.substr(1)));
+    return listOf(words, beforeLast);
+}
 
 void addSettings(CLI::App& verb, Session::Settings& settings)
 {
@@ -81,36 +101,20 @@ Run declareReport(CLI::App& verb, Session& session,
     return [path, &session, report] { return report(*path, session); };
 }
 
-void addFiles(CLI::App& verb, FileOptions& files, std::vector<std::string> formats)
+void addFiles(CLI::App& verb, FileOptions& files, Formats formats)
 {
     addInput(verb, files.input);
     OutputOptions& output = files.output;
     output.formats = std::move(formats);
-    std::string list;
-    for (const std::string& format : output.formats)
-        list += (list.empty() ? "" : format == output.formats.back() ? " or " : ", ") + format;
+    const std::vector<std::string> names = namesOf(output.formats);
     verb.add_option("--output,-o", output.path, "File to write; - is standard output")
         ->type_name("FILE")
         ->required();
-    verb.add_option("--format", output.format, list + "; without it the ending of FILE decides")
+    verb.add_option("--format", output.format,
+                    listOf(names, " or ") + "; without it the ending of FILE decides")
         ->type_name("FORMAT")
-        ->check(CLI::IsMember(output.formats).description(""));
+        ->check(CLI::IsMember(names).description(""));
     verb.add_flag("--force,-f", output.force, "Replace FILE if it exists");
-}
-
-std::vector<std::string> meshFormats()
-{
-    std::vector<std::string> names;
-    for (const NamedFormat& format : kFormats)
-        names.push_back(format.name);
-    return names;
-}
-
-std::vector<std::string> meshFormatsAnd(const std::string& format)
-{
-    std::vector<std::string> formats = meshFormats();
-    formats.push_back(format);
-    return formats;
 }
 
 void addProperties(CLI::App& verb, std::string& selection)
@@ -120,32 +124,17 @@ void addProperties(CLI::App& verb, std::string& selection)
         ->type_name("NAMES");
 }
 
-std::string formatFor(const OutputOptions& output)
+const Format& formatFor(const OutputOptions& output)
 {
     if (!output.format.empty())
-        return output.format;
+        return *TessaryMesh::findFormat(output.format);
     if (output.path == "-")
         throw UsageError("standard output has no ending that says its format; give --format");
-    for (const std::string& format : output.formats)
-        if (hasEnding(format) && endsWith(output.path, "." + format))
-            return format;
-    throw UsageError(output.path + ": the ending is neither " + endingsOf(output.formats) +
-                     "; give --format");
-}
-
-const char* formatName(MeshFormat format)
-{
-    return std::find_if(std::begin(kFormats), std::end(kFormats),
-                        [format](const NamedFormat& named) { return named.format == format; })
-        ->name;
-}
-
-std::optional<MeshFormat> meshFormatOf(const std::string& name)
-{
-    for (const NamedFormat& format : kFormats)
-        if (name == format.name)
-            return format.format;
-    return std::nullopt;
+    const Format* const format = TessaryMesh::formatOfName(output.path);
+    if (std::find(output.formats.begin(), output.formats.end(), format) != output.formats.end())
+        return *format;
+    throw UsageError(output.path + ": the ending is neither " +
+                     listOf(endingsOf(output.formats), " nor ") + "; give --format");
 }
 
 TessaryMesh::Carry selectProperties(const Korvane::Object& mesh, const std::string& selection)

@@ -4,21 +4,28 @@
 #include "Verbs.h"
 
 #include <Korvane/Object.h>
+#include <TessaryMesh/Files.h>
 #include <TessaryMesh/Operations.h>
-#include <mesh/files/MeshFile.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 
 /// The options that verbs share: how they are declared, and what they mean.
 namespace Cli {
 
+using Formats = std::vector<const TessaryMesh::Format*>;
+
+/// The formats that hold what a verb writes: `&TessaryMesh::Format::writesMeshes`, say.
+Formats formatsThat(bool TessaryMesh::Format::*holds);
+
+/// "OBJ, PLY": the formats that meshes are read from, with `beforeLast` before the last one.
+std::string readableFormats(const std::string& beforeLast);
+
 struct OutputOptions {
     std::string path;
     std::string format;  ///< empty: by the ending of the path
     bool force = false;
-    std::vector<std::string> formats;  ///< those that the verb writes
+    Formats formats;  ///< those that the verb writes
 };
 
 /// What every verb that writes a file is told.
@@ -35,22 +42,12 @@ Run declareReport(CLI::App& verb, Session& session,
                   ExitCode (*report)(const std::string& path, Session& session));
 
 /// The input, and an output in one of these formats.
-void addFiles(CLI::App& verb, FileOptions& files, std::vector<std::string> formats);
-
-std::vector<std::string> meshFormats();
-
-/// The formats of meshes and one more.
-std::vector<std::string> meshFormatsAnd(const std::string& format);
+void addFiles(CLI::App& verb, FileOptions& files, Formats formats);
 
 void addProperties(CLI::App& verb, std::string& selection);
 
-/// The format to write, in the word that --format takes. Throws UsageError where neither that option
-/// nor the ending says it.
-std::string formatFor(const OutputOptions& output);
-
-/// The word for a mesh format, and back: none for what holds no mesh.
-const char* formatName(TessaryMesh::MeshFormat format);
-std::optional<TessaryMesh::MeshFormat> meshFormatOf(const std::string& name);
+/// The format to write. Throws UsageError where neither --format nor the ending says it.
+const TessaryMesh::Format& formatFor(const OutputOptions& output);
 
 /// The properties of `mesh` that "all", "none" or "a,b" selects. Throws UsageError for a name that
 /// the mesh lacks.

@@ -1,6 +1,6 @@
 #include "Progress.h"
 
-#include <mesh/files/OutputFile.h>
+#include "Console.h"
 
 #include <pthread.h>
 #include <unistd.h>
@@ -78,13 +78,13 @@ void Progress::draw(Clock::duration elapsed)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
     const std::string time = seconds > 0 ? ", " + std::to_string(seconds) + " s" : " ...";
-    m_drawn = TessaryMesh::writeAll(STDERR_FILENO, "\r\033[K" + cutToWidth(m_line + time));
+    m_drawn = writeAll(STDERR_FILENO, "\r\033[K" + cutToWidth(m_line + time));
 }
 
 void Progress::erase()
 {
     if (m_drawn)
-        TessaryMesh::writeAll(STDERR_FILENO, "\r\033[K");
+        writeAll(STDERR_FILENO, "\r\033[K");
     m_drawn = false;
 }
 

@@ -140,7 +140,7 @@ void addCuts(CLI::App& verb, Options& options)
 Run declareQuads(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
-    addFiles(verb, *options, meshFormats());
+    addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesMeshes));
     addProperties(verb, options->properties);
     addCreases(verb, *options);
     addCuts(verb, *options);

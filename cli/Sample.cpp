@@ -3,10 +3,8 @@
 #include "Verbs.h"
 
 #include <TessaryMesh/Operations.h>
-#include <mesh/base/MessageText.h>
-#include <mesh/files/NumberText.h>
-#include <mesh/files/npz/CloudArrays.h>
 
+#include <fast_float/fast_float.h>
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
@@ -43,7 +41,8 @@ Distance parsedDistance(const std::string& text)
     const bool isPercent = !text.empty() && text.back() == '%';
     const char* const end = text.data() + text.size() - (isPercent ? 1 : 0);
     Distance distance{0, isPercent};
-    if (TessaryMesh::scanNumber(text.data(), end, distance.number) != end ||
+    const char* const begin = text.data() + (text.size() > 1 && text[0] == '+' && text[1] != '-');
+    if (fast_float::from_chars(begin, end, distance.number).ptr != end ||
         !(distance.number > 0 && std::isfinite(distance.number)))
         throw UsageError("--distance takes a number above zero, or percent such as 2%; " + text +
                          " is neither");
@@ -136,19 +135,14 @@ ExitCode sample(const Options& options, Session& session)
         conversion.run("sample", "sampling", [&] { return samplesOf(surface, options); });
     warnAbout(surface, samples, options, session);
     const TessaryMesh::Result result = conversion.run("properties", "carrying properties", [&] {
-        const bool withPlaces = conversion.format() != "obj";  // which has no room for them
+        const bool withPlaces = conversion.format().name != "obj";  // which has no room for them
         return TessaryMesh::makeSampleCloud(mesh, samples, carry, withPlaces);
     });
     session.warn(result.warnings);
     const auto smallest = conversion.run("distances", "measuring distances", [&] {
         return TessaryMesh::smallestDistance(*samples.positions, samples.distance);
     });
-    if (conversion.format() == "npz")
-        conversion.write([&](TessaryMesh::OutputFile& output) {
-            return TessaryMesh::writeCloudNpz(*result.mesh, output);
-        });
-    else
-        conversion.write(*result.mesh);
+    conversion.write(*result.mesh);
     Json facts = {{"before", countsOf(mesh)}};
     facts.update(factsOf(options, surface, samples, smallest));
     facts["properties"] = carriedNames(*result.mesh);
@@ -160,7 +154,7 @@ ExitCode sample(const Options& options, Session& session)
 Run declareSample(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
-    addFiles(verb, *options, meshFormatsAnd("npz"));
+    addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesClouds));
     CLI::Option* const distance =
         verb.add_option("--distance,-d", options->distance,
                         "No two samples are closer than this; 2% is percent of the radius of the\n"

@@ -1,11 +1,10 @@
 #include "Session.h"
 
 #include "Advice.h"
+#include "Console.h"
 
 #include <TessaryMesh/Check.h>
 #include <TessaryMesh/Errors.h>
-#include <mesh/files/MeshFile.h>
-#include <mesh/files/OutputFile.h>
 #include <tbb/global_control.h>
 #include <nlohmann/json.hpp>
 
@@ -36,9 +35,11 @@ std::string onOneLine(std::string text)
 
 void print(const std::string& text)
 {
-    if (!TessaryMesh::writeAll(STDOUT_FILENO, text))
-        throw TessaryMesh::FileError(std::string("standard output: ") + std::strerror(errno) +
-                                     " (see where it leads)");
+    using TessaryMesh::FileError;
+    if (!writeAll(STDOUT_FILENO, text))
+        throw FileError(
+            FileError::Code::Unwritable, "-",
+            std::string("standard output: ") + std::strerror(errno) + " (see where it leads)");
 }
 
 }  // namespace
@@ -111,7 +112,7 @@ std::string Session::about(const std::string& text) const
 void Session::say(const std::string& text)
 {
     const auto lock = m_progress.clear();
-    if (!TessaryMesh::writeAll(STDERR_FILENO, onOneLine(text) + "\n"))
+    if (!writeAll(STDERR_FILENO, onOneLine(text) + "\n"))
         m_messageLost = true;
 }
 

@@ -57,7 +57,7 @@ ExitCode triangulate(const Options& options, Session& session)
 Run declareTriangulate(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
-    addFiles(verb, *options, meshFormats());
+    addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesMeshes));
     addProperties(verb, options->properties);
     verb.footer(kHelp);
     return [options, &session] { return triangulate(*options, session); };

@@ -63,7 +63,7 @@ ExitCode validate(const std::string& path, Session& session)
 
     Json facts = {{"verb", "validate"},
                   {"file", path},
-                  {"format", formatName(input.format)},
+                  {"format", input.format->name},
                   {"valid", valid},
                   {"problems", Json::array()}};
     std::string text = valid ? path + ": valid\n" : "";

@@ -1,10 +1,11 @@
 #include "Conversion.h"
 #include "Verbs.h"
 
+#include <Korvane/Math.h>
 #include <TessaryMesh/Operations.h>
-#include <mesh/files/npz/Npz.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -25,25 +26,33 @@ struct Options : FileOptions {
     double cellSize = 0;
 };
 
-std::vector<std::string> writeArrays(const Cells& cells, double cellSize,
-                                     TessaryMesh::OutputFile& output)
+Formats voxelFormats()
 {
-    static_assert(sizeof(TessaryMesh::Cell) == 3 * sizeof(std::int32_t));
-    TessaryMesh::NpzWriter writer(output);
-    writer.add("cells", {cells.size(), 3}, cells.empty() ? nullptr : &cells.data()->x);
-    writer.add("cell_size", {}, &cellSize);
-    writer.finish();
-    return {};
+    Formats formats = formatsThat(&TessaryMesh::Format::writesMeshes);
+    formats.push_back(TessaryMesh::findFormat("npz"));
+    return formats;
+}
+
+TessaryMesh::NamedArrays arraysOf(const Cells& cells, double cellSize)
+{
+    using Korvane::Math::int3;
+    const auto rows = Pelon::makeMutable<Pelon::Array<int3>>(cells.size());
+    std::transform(cells.begin(), cells.end(), rows->begin(), [](const TessaryMesh::Cell& cell) {
+        return int3{cell.x, cell.y, cell.z};
+    });
+    return {TessaryMesh::namedArray<int3>("cells", rows),
+            TessaryMesh::namedArray<double>(
+                "cell_size", Pelon::makeMutable<Pelon::Array<double>>(1, cellSize), 0)};
 }
 
 std::vector<std::string> write(const Cells& cells, const Options& options,
-                               const std::string& format, TessaryMesh::OutputFile& output)
+                               const TessaryMesh::Format& format, TessaryMesh::OutputFile& output)
 {
-    const auto meshFormat = meshFormatOf(format);
-    if (!meshFormat)
-        return writeArrays(cells, options.cellSize, output);
-    return TessaryMesh::writeMesh(*TessaryMesh::makeCubes(cells, options.cellSize), *meshFormat,
-                                  output);
+    if (format.writesMeshes)
+        return TessaryMesh::writeMesh(*TessaryMesh::makeCubes(cells, options.cellSize), format,
+                                      output);
+    TessaryMesh::writeArrays(arraysOf(cells, options.cellSize), format, output);
+    return {};
 }
 
 ExitCode voxels(const Options& options, Session& session)
@@ -67,7 +76,7 @@ ExitCode voxels(const Options& options, Session& session)
 Run declareVoxels(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
-    addFiles(verb, *options, meshFormatsAnd("npz"));
+    addFiles(verb, *options, voxelFormats());
     verb.add_option("--cell", options->cellSize, "Length of a cell's edges")
         ->type_name("H")
         ->required();

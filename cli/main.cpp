@@ -4,8 +4,6 @@
 #include "Verbs.h"
 #include "Version.h"
 
-#include <mesh/files/OutputFile.h>
-
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
@@ -96,7 +94,7 @@ int runProgram(int argc, char** argv)
 {
     secureStandardStreams();
     Session session;
-    CLI::App program("Geometry kernels for mesh files (OBJ, PLY).", "tessary");
+    CLI::App program("Geometry kernels for mesh files (" + readableFormats(", ") + ").", "tessary");
     program.require_subcommand(1);
     program.get_formatter()->label("SUBCOMMAND", "VERB");
     program.get_formatter()->label("REQUIRED", "");
@@ -119,7 +117,7 @@ int main(int argc, char** argv)
     try {
         return runProgram(argc, argv);
     } catch (...) {
-        TessaryMesh::writeAll(STDERR_FILENO, "tessary: there is no memory even to begin\n");
+        writeAll(STDERR_FILENO, "tessary: there is no memory even to begin\n");
         return static_cast<int>(ExitCode::File);
     }
 }

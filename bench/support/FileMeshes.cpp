@@ -2,8 +2,8 @@
 
 #include <Korvane/Geometry.h>
 #include <Tessary/Triangulation.h>
-#include <mesh/files/MeshFile.h>
-#include <mesh/ops/DemoMesh.h>
+#include <TessaryMesh/Files.h>
+#include <TessaryMesh/Operations.h>
 
 #include <filesystem>
 

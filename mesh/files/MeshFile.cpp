@@ -1,34 +1,17 @@
-#include "files/MeshFile.h"
+#include <TessaryMesh/Check.h>
+#include <TessaryMesh/Files.h>
 
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MessageText.h"
-#include "files/OutputFile.h"
+#include "files/FileErrors.h"
+#include "files/Formats.h"
 #include "files/ReadFile.h"
-#include "files/obj/Obj.h"
-#include "files/ply/Ply.h"
-#include <TessaryMesh/Check.h>
 
-#include <algorithm>
 #include <new>
 
 namespace TessaryMesh {
 namespace {
-
-bool startsLikePly(std::string_view bytes)
-{
-    return bytes.substr(0, 3) == "ply" &&
-           (bytes.size() == 3 || bytes[3] == '\n' || bytes[3] == '\r');
-}
-
-bool endsWith(std::string_view path, std::string_view lowerCaseEnding)
-{
-    if (path.size() < lowerCaseEnding.size())
-        return false;
-    const std::string_view ending = path.substr(path.size() - lowerCaseEnding.size());
-    return std::equal(ending.begin(), ending.end(), lowerCaseEnding.begin(), [](char a, char b) {
-        return (a >= 'A' && a <= 'Z' ? a + ('a' - 'A') : a) == b;
-    });
-}
 
 // A point cloud has none of a mesh's arrays for faces and is nothing to validate.
 bool hasFaceArrays(const Object& mesh)
@@ -37,46 +20,88 @@ bool hasFaceArrays(const Object& mesh)
     return mesh.hasProperty(sFaceOffset) || mesh.hasProperty(sFaceVertex);
 }
 
+void refuseErrors(const Object& mesh, const std::string& name)
+{
+    ValidationReport report = validateMesh(mesh);
+    if (report.hasErrors())
+        throw InvalidMesh(name, std::move(report));
+}
+
+[[noreturn]] void refuse(const Format& format, const OutputFile& output, const char* what)
+{
+    failToWrite(
+        FileError::Code::Unsupported, output.path(),
+        "files of " + std::string(format.title) + " hold no " + what + "; choose another format");
+}
+
+// ".obj, .ply": where a mesh can go by the ending of a file's name.
+std::string meshEndings()
+{
+    std::string list;
+    for (const Format* const format : formats())
+        if (format->writesMeshes && !format->ending.empty())
+            list += (list.empty() ? "" : ", ") + std::string(format->ending);
+    return list;
+}
+
 }  // namespace
 
 MeshRead readMeshUnchecked(const std::string& path)
 {
     try {
         const Array<char> bytes = readFile(path);
-        const std::string_view text = viewOf(bytes);
-        return startsLikePly(text) ? readPly(text, inputName(path))
-                                   : readObj(text, inputName(path));
+        const FormatRow& row = rowOfContent(viewOf(bytes));
+        MeshRead read = row.functions.read(viewOf(bytes), path);
+        if (!read.format)
+            read.format = &row.format;
+        return read;
     } catch (const std::bad_alloc&) {
-        throw FileError(inputName(path) + ": does not fit into memory; split the mesh into parts");
+        throw OutOfMemory(inputName(path), "does not fit into memory; split the mesh into parts");
     }
 }
 
 MeshRead readMesh(const std::string& path)
 {
     MeshRead read = readMeshUnchecked(path);
-    ValidationReport report = validateMesh(*read.mesh);
-    if (report.hasErrors())
-        throw InvalidMesh(inputName(path), std::move(report));
+    refuseErrors(*read.mesh, inputName(path));
     return read;
 }
 
-std::optional<MeshFormat> formatOfName(std::string_view path)
+std::vector<std::string> writeMesh(const Object& mesh, const Format& format, OutputFile& output)
 {
-    if (endsWith(path, ".obj"))
-        return MeshFormat::Obj;
-    if (endsWith(path, ".ply"))
-        return MeshFormat::PlyBinary;
-    return std::nullopt;
+    const bool hasFaces = hasFaceArrays(mesh);
+    const FormatFunctions& functions = rowOf(format).functions;
+    const auto write = hasFaces ? functions.writeMesh : functions.writeCloud;
+    if (!write)
+        refuse(format, output, hasFaces ? "faces" : "points");
+    return guarded([&] {
+        if (hasFaces)
+            refuseErrors(mesh, output.path());
+        else if (!Geometry::dataArray<float3>(mesh, Geometry::sPointPosition))
+            failToWrite(FileError::Code::Unsupported, output.path(),
+                        "the object has no point positions; write a mesh");
+        return write(mesh, output);
+    });
 }
 
-std::vector<std::string> writeMesh(const Object& mesh, MeshFormat format, OutputFile& output)
+std::vector<std::string> saveMesh(const Object& mesh, const std::string& path, bool overwrite)
 {
-    if (hasFaceArrays(mesh)) {
-        ValidationReport report = validateMesh(mesh);
-        if (report.hasErrors())
-            throw InvalidMesh(output.path(), std::move(report));
-    }
-    return format == MeshFormat::Obj ? writeObj(mesh, output) : writePly(mesh, format, output);
+    const Format* const format = formatOfName(path);
+    if (!format)
+        failToWrite(FileError::Code::Unsupported, path,
+                    "the ending names no format of meshes; choose one of " + meshEndings());
+    OutputFile output(path, overwrite);
+    std::vector<std::string> warnings = writeMesh(mesh, *format, output);
+    output.commit();
+    return warnings;
+}
+
+void writeArrays(const NamedArrays& arrays, const Format& format, OutputFile& output)
+{
+    const auto write = rowOf(format).functions.writeArrays;
+    if (!write)
+        refuse(format, output, "plain arrays");
+    guarded([&] { write(arrays, output); });
 }
 
 }  // namespace TessaryMesh

@@ -1,6 +1,6 @@
-#include "files/OutputFile.h"
+#include <TessaryMesh/Files.h>
 
-#include "files/MeshFile.h"
+#include "files/FileErrors.h"
 
 #include <fcntl.h>
 #include <stdlib.h>
@@ -17,19 +17,16 @@ namespace {
 
 constexpr int kTemporaryNames = 1000;
 
-[[noreturn]] void fail(const std::string& path, const std::string& what)
-{
-    throw FileError((path == "-" ? "standard output" : path) + ": " + what);
-}
+using Code = FileError::Code;
 
 [[noreturn]] void failBySystem(const std::string& path, const std::string& what, int error)
 {
-    fail(path, what + ": " + std::strerror(error));
+    failToWrite(Code::Unwritable, path, what + ": " + std::strerror(error));
 }
 
 [[noreturn]] void failToReplace(const std::string& path)
 {
-    throw FileError(FileError::Code::Exists, path, path + ": exists already; name another file");
+    failToWrite(Code::Exists, path, "exists already; name another file");
 }
 
 std::string folderOf(const std::string& path)
@@ -49,7 +46,7 @@ std::string resolved(const std::string& path)
 {
     struct stat folder = {};
     if (error == ENOENT && ::stat(folderOf(path).c_str(), &folder) != 0)
-        fail(path, "its folder does not exist; create it first");
+        failToWrite(Code::NoFolder, path, "its folder does not exist; create it first");
     failBySystem(path, "cannot be created", error);
 }
 
@@ -66,8 +63,7 @@ bool linkIntoPlace(const std::string& temporary, const std::string& target, cons
     return false;  // a file system without hard links
 }
 
-}  // namespace
-
+// False, with errno set, where the system refuses.
 bool writeAll(int descriptor, std::string_view bytes)
 {
     while (!bytes.empty()) {
@@ -81,6 +77,8 @@ bool writeAll(int descriptor, std::string_view bytes)
     return true;
 }
 
+}  // namespace
+
 OutputFile::OutputFile(std::string path, bool overwrite)
     : m_path(std::move(path)), m_overwrite(overwrite)
 {
@@ -91,7 +89,7 @@ OutputFile::OutputFile(std::string path, bool overwrite)
     struct stat existing = {};
     const bool exists = ::stat(m_path.c_str(), &existing) == 0;
     if (exists && S_ISDIR(existing.st_mode))
-        fail(m_path, "is a folder; name a file in it");
+        failToWrite(Code::IsFolder, m_path, "is a folder; name a file in it");
     if (exists && !S_ISREG(existing.st_mode)) {
         m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_CLOEXEC);
         if (m_descriptor < 0)
@@ -119,7 +117,8 @@ void OutputFile::openTemporary(unsigned permissions)
         if (errno != EEXIST)
             failToCreate(m_path, errno);
     }
-    fail(m_path, "too many unfinished files of that name; remove " + m_target + ".part-*");
+    failToWrite(Code::Unwritable, m_path,
+                "too many unfinished files of that name; remove " + m_target + ".part-*");
 }
 
 OutputFile::~OutputFile()

@@ -1,9 +1,7 @@
 #include "files/ReadFile.h"
 
 #include "base/Host.h"
-#include "base/MessageText.h"
-#include "files/MeshFile.h"
-#include <TessaryMesh/Errors.h>
+#include "files/FileErrors.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -19,10 +17,7 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t(1) << 20;
 
-[[noreturn]] void fail(const std::string& path, const std::string& what)
-{
-    throw FileError(inputName(path) + ": " + what);
-}
+using Code = FileError::Code;
 
 class Descriptor {
 public:
@@ -33,8 +28,9 @@ public:
         if (m_descriptor >= 0)
             return;
         if (errno == ENOENT)
-            fail(path, "there is no such file; check the name");
-        fail(path, std::string("cannot be opened: ") + std::strerror(errno));
+            failToRead(Code::NotFound, path, "there is no such file; check the name");
+        failToRead(Code::Unreadable, path,
+                   std::string("cannot be opened: ") + std::strerror(errno));
     }
     ~Descriptor()
     {
@@ -58,7 +54,7 @@ std::size_t expectedSize(int descriptor, const std::string& path)
     if (::fstat(descriptor, &status) != 0)
         return 0;
     if (S_ISDIR(status.st_mode))
-        fail(path, "is a folder; name a mesh file");
+        failToRead(Code::IsFolder, path, "is a folder; name a mesh file");
     return S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
@@ -81,7 +77,8 @@ std::size_t readSome(int descriptor, char* to, std::size_t count, const std::str
         if (got >= 0)
             return static_cast<std::size_t>(got);
         if (errno != EINTR && errno != EAGAIN)
-            fail(path, std::string("cannot be read: ") + std::strerror(errno));
+            failToRead(Code::Unreadable, path,
+                       std::string("cannot be read: ") + std::strerror(errno));
     }
 }
 
@@ -104,7 +101,7 @@ Array<char> readFile(const std::string& path)
         size += got;
     }
     if (size == 0)
-        fail(path, "is empty; a mesh file was expected");
+        failToRead(Code::Empty, path, "is empty; a mesh file was expected");
     bytes.resize(size);
     return bytes;
 }

@@ -8,7 +8,7 @@
 namespace TessaryMesh {
 
 /// All bytes of a file, "-" meaning standard input. Throws FileError where there is no such file, a
-/// folder, nothing in it, or no permission; std::runtime_error when the caller's job is cancelled.
+/// folder, nothing in it, or no permission; Cancelled.
 Array<char> readFile(const std::string& path);
 
 inline std::string_view viewOf(const Array<char>& bytes)

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "files/NumberText.h"
-#include "files/OutputFile.h"
-#include <TessaryMesh/Errors.h>
+#include <TessaryMesh/Files.h>
 
 #include <cstring>
 #include <memory>
@@ -12,7 +11,7 @@
 namespace TessaryMesh {
 
 /// Gathers text and hands it to a file in large pieces, the last one with flush(). Between pieces it
-/// throws std::runtime_error when the caller's job is cancelled.
+/// throws Cancelled.
 class TextWriter {
 public:
     explicit TextWriter(OutputFile& output) : m_output(output), m_buffer(new char[kCapacity]) {}

@@ -2,7 +2,7 @@
 
 #include <Korvane/Geometry.h>
 
-#include <mesh/files/MeshFile.h>
+#include <TessaryMesh/Files.h>
 #include <mesh/ops/ClosestPair.h>
 
 using namespace TestSupport;

@@ -1,10 +1,10 @@
-#include <mesh/files/MeshFile.h>
+#include <TessaryMesh/Files.h>
 
 #include <gtest/gtest.h>
+#include <support/Cancellation.h>
 #include <support/MeshBuilding.h>
 
 #include <TessaryMesh/Check.h>
-#include <mesh/files/OutputFile.h>
 
 #include "MeshFiles.h"
 
@@ -12,30 +12,67 @@ namespace {
 
 using namespace TestSupport;
 using namespace MeshFiles;
-using TessaryMesh::MeshFormat;
+using namespace TessaryMesh;
+using namespace Korvane::Geometry;
+using Code = FileError::Code;
 
-const std::string kPly =
-    "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\n"
-    "property float z\nelement face 1\nproperty list uchar int vertex_indices\nend_header\n"
-    "0 0 0\n1 0 0\n2 0 0\n3 0 1 2\n";
-
-TEST(MeshFile, RecognisesTheFormatByTheContent)
+TEST(MeshFile, KnowsTheMarksOfContentsAndTheEndingsOfNames)
 {
-    const Folder folder;
-    const auto ply = TessaryMesh::readMesh(folder.file("a.obj", kPly));
-    const auto obj =
-        TessaryMesh::readMesh(folder.file("a.ply", "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n"));
-    EXPECT_EQ(ply.format, MeshFormat::PlyAscii);
-    EXPECT_EQ(obj.format, MeshFormat::Obj);
-    EXPECT_EQ(firstDifference(*ply.mesh, *obj.mesh), "");
+    for (const char* content : {"ply", "ply\n", "ply\r\nformat"})
+        EXPECT_EQ(rowOfContent(content).format.name, "ply") << content;
+    for (const char* content : {"plyv", "pl", "", "PK"})
+        EXPECT_EQ(rowOfContent(content).format.name, "obj") << content;
+    EXPECT_EQ(formatOfName("a.b/C.OBJ"), findFormat("obj"));
+    EXPECT_EQ(formatOfName("x.ply"), findFormat("ply"));
+    for (const char* name : {"obj", ".obj", "a.", "a", ""})
+        EXPECT_EQ(formatOfName(name), nullptr) << name;
 }
 
-TEST(MeshFile, KnowsTheEndingsOfNames)
+TEST(MeshFile, EveryFormatHoldsWhatItSaysAndRefusesTheRest)
 {
-    EXPECT_EQ(TessaryMesh::formatOfName("a.b/C.OBJ"), MeshFormat::Obj);
-    EXPECT_EQ(TessaryMesh::formatOfName("x.ply"), MeshFormat::PlyBinary);
-    EXPECT_EQ(TessaryMesh::formatOfName("obj"), std::nullopt);
-    EXPECT_EQ(TessaryMesh::formatOfName("a.stl"), std::nullopt);
+    const Folder folder;
+    const auto mesh = meshOf(3, {{0, 1, 2}});
+    Object cloud;
+    populatePointCloud(shared<float3>({{1, 2, 3}}), cloud);
+    for (const Format* const format : formats()) {
+        const std::string path = folder / std::string(format->name);
+        const auto holds = [&path](const auto& write) {
+            const auto error = fileErrorOf([&] {
+                OutputFile output(path, true);
+                write(output);
+                output.commit();
+            });
+            EXPECT_TRUE(error.what() == std::string("no error") ||
+                        error.code() == Code::Unsupported);
+            return error.code() != Code::Unsupported;
+        };
+        const auto holdsObject = [&](const Object& object) {
+            return holds([&](OutputFile& output) { writeMesh(object, *format, output); });
+        };
+        const NamedArrays arrays{namedArray<uint>("a", shared<uint>({1}))};
+        EXPECT_EQ(holds([&](OutputFile& output) { writeArrays(arrays, *format, output); }),
+                  format->writesArrays);
+        EXPECT_FALSE(holdsObject(Object())) << "no points";
+        EXPECT_EQ(holdsObject(cloud), format->writesClouds);
+        EXPECT_EQ(holdsObject(*mesh), format->writesMeshes);
+        if (format->readsMeshes) {
+            const MeshRead read = readMesh(path);
+            EXPECT_EQ(read.format, format);
+            EXPECT_EQ(firstDifference(*mesh, *read.mesh), "");
+        }
+    }
+}
+
+TEST(MeshFile, IsSavedByItsEnding)
+{
+    const Folder folder;
+    const auto mesh = meshOf(3, {{0, 1, 2}});
+    saveMesh(*mesh, folder / "a.PLY");
+    EXPECT_EQ(firstDifference(*mesh, *readMesh(folder / "a.PLY").mesh), "");
+    EXPECT_EQ(fileErrorOf([&] { saveMesh(*mesh, folder / "a.PLY"); }).code(), Code::Exists);
+    for (const char* name : {"a.stl", "a.npz"})
+        EXPECT_EQ(fileErrorOf([&] { saveMesh(*mesh, folder / name); }).code(), Code::Unsupported);
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"a.PLY"});
 }
 
 TEST(MeshFile, RefusesMeshesWithErrorsOnBothWays)
@@ -45,16 +82,51 @@ TEST(MeshFile, RefusesMeshesWithErrorsOnBothWays)
     const std::string found =
         ": faces of fewer than three corners (once), first at face 0, which "
         "has 2; remove them or give them three corners";
-    EXPECT_EQ(messageOf<TessaryMesh::InvalidMesh>([&] { TessaryMesh::readMesh(path); }),
-              path + found);
-
-    const auto mesh = TessaryMesh::readMeshUnchecked(path).mesh;
-    for (const MeshFormat format : {MeshFormat::Obj, MeshFormat::PlyBinary}) {
-        TessaryMesh::OutputFile output(folder / "b", false);
-        EXPECT_EQ(messageOf<TessaryMesh::InvalidMesh>([&] { writeMesh(*mesh, format, output); }),
-                  (folder / "b") + found);
-    }
+    EXPECT_EQ(messageOf<InvalidMesh>([&] { readMesh(path); }), path + found);
+    const auto mesh = readMeshUnchecked(path).mesh;
+    for (const char* name : {"b.obj", "b.ply"})
+        EXPECT_EQ(messageOf<InvalidMesh>([&] { saveMesh(*mesh, folder / name); }),
+                  (folder / name) + found);
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.obj"});
+}
+
+TEST(MeshFile, ACancelledJobEndsReadingAndWriting)
+{
+    const auto mesh =
+        readMesh(Folder().file("a.obj", std::string(100000, '\n') + "v 1 2 3\n")).mesh;
+    for (const char* format : {"obj", "ply", "ply-ascii"}) {
+        EXPECT_TRUE(endsWhenCancelled([&] { written(*mesh, format); }));
+        const std::string bytes = written(*mesh, format) + std::string(100000, '\n');
+        EXPECT_TRUE(endsWhenCancelled([&] { parsed(bytes); }));
+    }
+}
+
+TEST(MeshFile, OfOtherProgramsReadsBackEqualWithAllItsPointsAndFaces)
+{
+    const struct {
+        const char* name;
+        uint points, faces;
+    } models[] = {{"bunny.obj", 34835, 69666},   {"spider.obj", 762, 1368},
+                  {"WusonOBJ.obj", 2117, 3732},  {"concave_polygon.obj", 64, 1},
+                  {"box_longline.obj", 8, 6},    {"cube_with_vertexcolors.obj", 8, 12},
+                  {"number_formats.obj", 15, 1}, {"multiple_spaces.obj", 4, 1},
+                  {"empty_mat.obj", 130, 256},   {"cube_mtllib_after_g.obj", 8, 12},
+                  {"point_cloud.obj", 3, 0},     {"cube.ply", 8, 6},
+                  {"cube_binary.ply", 8, 12},    {"cube_uv.ply", 24, 6},
+                  {"float-color.ply", 3, 1},     {"points.ply", 4, 0}};
+    for (const auto& model : models) {
+        SCOPED_TRACE(model.name);
+        const std::string path = installedModel(model.name);
+        if (path.empty())
+            GTEST_SKIP() << "packages glmark2-data and assimp-testmodels are not installed";
+        const auto mesh = readMesh(path).mesh;
+        EXPECT_EQ(getElementCount(*mesh, sPointComp), model.points);
+        EXPECT_EQ(getElementCount(*mesh, sFaceComp), model.faces);
+        std::vector<std::string> warnings;
+        const std::string bytes = written(*mesh, formatOfName(path)->name, &warnings);
+        EXPECT_EQ(firstDifference(*mesh, *parsed(bytes).mesh), "");
+        EXPECT_EQ(warnings, std::vector<std::string>());
+    }
 }
 
 }  // namespace

@@ -6,9 +6,7 @@
 #include <Korvane/Geometry.h>
 #include <Korvane/Object.h>
 
-#include <mesh/files/OutputFile.h>
-#include <mesh/files/obj/Obj.h>
-#include <mesh/files/ply/Ply.h>
+#include <mesh/files/Formats.h>
 #include <tests/support/Files.h>
 #include <tests/support/Messages.h>
 
@@ -92,19 +90,42 @@ inline void addIndices(Korvane::Object& mesh, const Pelon::String& name,
                                            Pelon::makeMutable<Pelon::Array<Pelon::uint>>(indices));
 }
 
-/// The bytes that the writer of `format` makes of `mesh`; its warnings go to `warnings`.
-inline std::string written(const Korvane::Object& mesh, TessaryMesh::MeshFormat format,
+/// The bytes that the writer of a format makes of a mesh, errors or not; its warnings go to `warnings`.
+inline std::string written(const Korvane::Object& mesh, std::string_view format,
                            std::vector<std::string>* warnings = nullptr)
 {
     const TestSupport::Folder folder;
     TessaryMesh::OutputFile output(folder / "mesh", false);
-    const std::vector<std::string> lines = format == TessaryMesh::MeshFormat::Obj
-                                               ? TessaryMesh::writeObj(mesh, output)
-                                               : TessaryMesh::writePly(mesh, format, output);
+    const auto lines = rowOf(*TessaryMesh::findFormat(format)).functions.writeMesh(mesh, output);
     output.commit();
     if (warnings)
         *warnings = lines;
     return TestSupport::contentOf(folder / "mesh");
+}
+
+/// What the reader of their format makes of these bytes.
+inline TessaryMesh::MeshRead parsed(const std::string& bytes)
+{
+    return TessaryMesh::rowOfContent(bytes).functions.read(bytes, "f");
+}
+
+/// The error of a file that `work` ends with.
+template <class Work>
+TessaryMesh::FileError fileErrorOf(const Work& work)
+{
+    using TessaryMesh::FileError;
+    try {
+        work();
+    } catch (const FileError& error) {
+        return error;
+    }
+    return FileError(FileError::Code::Exists, "", "no error");
+}
+
+template <class Work>
+bool isRefused(const Work& work)
+{
+    return fileErrorOf(work).what() != std::string("no error");
 }
 
 /// Where a model of a test package is installed, "" where it is not.

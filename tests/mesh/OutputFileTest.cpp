@@ -1,14 +1,11 @@
-#include <mesh/files/OutputFile.h>
+#include <TessaryMesh/Files.h>
 
 #include <gtest/gtest.h>
-#include <support/Files.h>
-#include <support/Messages.h>
-
-#include <mesh/files/MeshFile.h>
 #include <mesh/files/ReadFile.h>
 
-#include <sys/stat.h>
 #include <unistd.h>
+
+#include "MeshFiles.h"
 
 namespace {
 
@@ -61,59 +58,35 @@ TEST(OutputFile, KeepsAFileThatAppearsWhileItIsWritten)
     EXPECT_EQ(folder.names(), Names{"a.obj"});
 }
 
-struct BadName {
-    std::string path, message;
-};
-
-TEST(OutputFile, SaysWhatIsWrongWithAName)
+TEST(OutputFile, AndReadFileSayWhatIsWrongWithAName)
 {
+    using Code = FileError::Code;
     const Folder folder;
-    const BadName cases[] = {
-        {folder.file("a.obj", "old"), ": exists already; name another file"},
-        {folder / "missing/a.obj", ": its folder does not exist; create it first"},
-        {folder / "", ": is a folder; name a file in it"},
-        {"/dev/full", ": cannot be written: No space left on device"},
+    const auto expectRefusal = [](const std::string& path, bool isInput, const char* message,
+                                  Code code) {
+        const FileError error = MeshFiles::fileErrorOf([&] {
+            isInput ? void(TessaryMesh::readFile(path)) : OutputFile(path, false).write("x");
+        });
+        EXPECT_EQ(error.what(), path + message);
+        EXPECT_EQ(error.file(), path);
+        EXPECT_EQ(error.code(), code) << error.what();
     };
-    for (const BadName& bad : cases)
-        EXPECT_EQ(messageOf<FileError>([&] { OutputFile(bad.path, false).write("x"); }),
-                  bad.path + bad.message);
-}
-
-TEST(ReadFile, ReadsAllBytesOfFilesAndPipes)
-{
-    const Folder folder;
-    const std::string content(3000000, 'x');
-    EXPECT_EQ(TessaryMesh::viewOf(TessaryMesh::readFile(folder.file("a", content))), content);
-
-    const int standardInput = ::dup(STDIN_FILENO);
-    int ends[2];
-    ASSERT_EQ(::pipe(ends), 0);
-    ::dup2(ends[0], STDIN_FILENO);
-    ASSERT_EQ(::write(ends[1], "v 0 0 0", 7), 7);
-    ::close(ends[0]);
-    ::close(ends[1]);
-    const auto piped = TessaryMesh::readFile("-");
-    ::dup2(standardInput, STDIN_FILENO);
-    ::close(standardInput);
-    EXPECT_EQ(TessaryMesh::viewOf(piped), "v 0 0 0");
-}
-
-TEST(ReadFile, SaysWhatIsWrongWithAFile)
-{
-    const Folder folder;
-    std::vector<BadName> cases = {
-        {folder.file("empty", ""), ": is empty; a mesh file was expected"},
-        {folder / "none", ": there is no such file; check the name"},
-        {folder / "", ": is a folder; name a mesh file"},
-    };
-    if (::geteuid() != 0) {  // root may read anything
-        cases.push_back(
-            {folder.file("closed", "v 0 0 0"), ": cannot be opened: Permission denied"});
-        std::filesystem::permissions(cases.back().path, std::filesystem::perms(0));
-    }
-    for (const BadName& bad : cases)
-        EXPECT_EQ(messageOf<FileError>([&] { TessaryMesh::readFile(bad.path); }),
-                  bad.path + bad.message);
+    expectRefusal(folder.file("a.obj", "old"), false, ": exists already; name another file",
+                  Code::Exists);
+    expectRefusal(folder / "missing/a.obj", false, ": its folder does not exist; create it first",
+                  Code::NoFolder);
+    expectRefusal(folder / "", false, ": is a folder; name a file in it", Code::IsFolder);
+    expectRefusal("/dev/full", false, ": cannot be written: No space left on device",
+                  Code::Unwritable);
+    expectRefusal(folder.file("empty", ""), true, ": is empty; a mesh file was expected",
+                  Code::Empty);
+    expectRefusal(folder / "none", true, ": there is no such file; check the name", Code::NotFound);
+    expectRefusal(folder / "", true, ": is a folder; name a mesh file", Code::IsFolder);
+    const std::string closed = folder.file("closed", std::string(3000000, 'x'));
+    EXPECT_EQ(TessaryMesh::readFile(closed).size(), 3000000u);
+    std::filesystem::permissions(closed, std::filesystem::perms(0));
+    if (::geteuid() != 0)  // root may read anything
+        expectRefusal(closed, true, ": cannot be opened: Permission denied", Code::Unreadable);
 }
 
 }  // namespace

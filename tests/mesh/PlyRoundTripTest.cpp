@@ -15,7 +15,6 @@ using Korvane::Math::double4x4;
 using Korvane::Math::float2;
 using MeshFiles::addIndices;
 using MeshFiles::addValues;
-using TessaryMesh::MeshFormat;
 using TessaryMesh::MeshRead;
 
 namespace {
@@ -33,7 +32,7 @@ Ptr<Array<T>> randomArray(std::size_t count, std::mt19937& random)
 
 void expectRoundTrips(const Object& mesh)
 {
-    for (const MeshFormat format : kFormats) {
+    for (const char* const format : kFormats) {
         std::vector<std::string> warnings;
         const MeshRead read = readPly(written(mesh, format, &warnings));
         EXPECT_EQ(MeshFiles::firstDifference(mesh, *read.mesh), "");
@@ -104,8 +103,7 @@ TEST(PlyRoundTrip, GenericListsOfPointsAndFaces)
         "property list uchar ushort b\nproperty list uchar uint vertex_indices\nend_header\n"
         "1 2 3 2 .5 .25\n4 5 6 0\n3 7 8 9 3 0 1 0\n1 65535 3 1 0 1\n");
     expectRoundTrips(*read.mesh);
-    EXPECT_TRUE(
-        contains(written(*read.mesh, MeshFormat::PlyAscii), "comment property face list b b\n"));
+    EXPECT_TRUE(contains(written(*read.mesh, "ply-ascii"), "comment property face list b b\n"));
 }
 
 TEST(PlyRoundTrip, OtherProgramsFindTheirUsualNames)
@@ -116,7 +114,7 @@ TEST(PlyRoundTrip, OtherProgramsFindTheirUsualNames)
     addValues<float2>(*mesh, "texcoord", sPointComp, {{0.5f, 1}});
     addValues<bool>(*mesh, "lit", sPointComp, {true});
     EXPECT_EQ(
-        written(*mesh, MeshFormat::PlyAscii),
+        written(*mesh, "ply-ascii"),
         "ply\nformat ascii 1.0\n"
         "comment property point float3 normal nx ny nz\n"
         "comment property point uchar4 color red green blue alpha\n"
@@ -136,7 +134,7 @@ TEST(PlyRoundTrip, IndexedPropertiesAreWrittenValueByValue)
     addIndices(*mesh, "uv_index", sFaceVertexComp, {0, 1, kNone, 1, 0, 1});
     addValues<float2>(*mesh, "uv", "uv_index", {{1, 2}, {3, 4}}, {9, 8});
     std::vector<std::string> warnings;
-    const MeshRead read = readPly(written(*mesh, MeshFormat::PlyBinary, &warnings));
+    const MeshRead read = readPly(written(*mesh, "ply", &warnings));
     EXPECT_EQ(*dataOf<float2>(*read.mesh, "uv"),
               (Array<float2>{{1, 2}, {3, 4}, {9, 8}, {3, 4}, {1, 2}, {3, 4}}));
     EXPECT_EQ(getTargetComponent(*read.mesh, "uv"), sFaceVertexComp);
@@ -162,7 +160,7 @@ TEST(PlyRoundTrip, WhatPlyCannotHoldIsNamed)
     populateComponentGeoProperty(4, *component);
     mesh->setProperty("edges", component);
     std::vector<std::string> warnings;
-    const MeshRead read = readPly(written(*mesh, MeshFormat::PlyAscii, &warnings));
+    const MeshRead read = readPly(written(*mesh, "ply-ascii", &warnings));
     EXPECT_EQ(read.mesh->propertyNames().size(), 6u);
     const std::string left = " cannot be held by PLY and is left out";
     const std::vector<std::string> expected = {
@@ -176,19 +174,6 @@ TEST(PlyRoundTrip, WhatPlyCannotHoldIsNamed)
         "value \"scale\" of the mesh" + left,
         "component \"edges\" is neither of points, faces nor corners and is left out"};
     EXPECT_EQ(warnings, expected);
-}
-
-TEST(PlyRoundTrip, FilesOfOtherProgramsKeepEverything)
-{
-    for (const char* name :
-         {"cube.ply", "cube_binary.ply", "cube_uv.ply", "float-color.ply", "points.ply"}) {
-        const std::string path = MeshFiles::installedModel(name);
-        if (path.empty())
-            GTEST_SKIP() << "no " << name << "; install assimp-testmodels";
-        const MeshRead read = TessaryMesh::readMesh(path);
-        EXPECT_TRUE(read.warnings.empty()) << name;
-        expectRoundTrips(*read.mesh);
-    }
 }
 
 }  // namespace

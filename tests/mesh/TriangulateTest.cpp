@@ -203,13 +203,11 @@ TEST(Triangulate, RealMeshesKeepUvsNormalsAndGroupsThroughFiles)
             GTEST_SKIP() << "needs the package assimp-testmodels";
         const auto mesh = TessaryMesh::readMesh(path).mesh;
         const auto triangles = triangulate(*mesh).mesh;
-        const auto obj =
-            TessaryMesh::readObj(written(*triangles, TessaryMesh::MeshFormat::Obj), "").mesh;
+        const auto obj = parsed(written(*triangles, "obj")).mesh;
         EXPECT_EQ(firstDifference(*obj, *triangles), "");
         expectFollows<String>(*mesh, *obj, "group");
         expectFollows<String>(*mesh, *obj, "material");
-        const auto ply =
-            TessaryMesh::readPly(written(*triangles, TessaryMesh::MeshFormat::PlyBinary), "");
+        const auto ply = parsed(written(*triangles, "ply"));
         for (const auto& read : {obj, ply.mesh}) {
             EXPECT_EQ(resolved<float3>(*read, sPointPosition),
                       resolved<float3>(*mesh, sPointPosition));

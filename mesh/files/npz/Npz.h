@@ -1,51 +1,22 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "base/Host.h"
+#include <TessaryMesh/Files.h>
+
 #include <string>
-#include <type_traits>
 #include <vector>
 
+/// NumPy's .npz: a zip archive, here an uncompressed one, with a .npy file for each array. Numbers and
+/// bool keep their type; rows, vectors and matrices are dimensions; strings are texts of characters.
 namespace TessaryMesh {
 
-class OutputFile;
+/// Throws FileError where the file would need more than 4 GB, or texts are so long that an array of
+/// them would be absurd.
+void writeNpzArrays(const NamedArrays& arrays, OutputFile& output);
 
-/// Writes arrays under names as one .npz file: an uncompressed zip archive with a .npy file for each.
-///
-/// Arrays go out as they are added; finish() writes the archive's list of contents, without which it
-/// is none. Throws FileError where the system refuses, and where the file would need more than 4 GB.
-class NpzWriter {
-public:
-    explicit NpzWriter(OutputFile& output) : m_output(output) {}
-
-    /// An array of numbers or bool in C order. An empty shape is a single value.
-    template <class T>
-    void add(const std::string& name, const std::vector<std::size_t>& shape, const T* values)
-    {
-        static_assert(std::is_arithmetic_v<T>);
-        constexpr char kKind = std::is_same_v<T, bool>       ? 'b'
-                               : std::is_floating_point_v<T> ? 'f'
-                               : std::is_signed_v<T>         ? 'i'
-                                                             : 'u';
-        add(name, shape, kKind, sizeof(T), values);
-    }
-
-    /// A list of texts of `width` characters each, filled up with zeros.
-    void addTexts(const std::string& name, std::size_t width, const std::vector<char32_t>& texts);
-
-    void finish();
-
-private:
-    void add(const std::string& name, const std::vector<std::size_t>& shape, char kind,
-             std::size_t itemBytes, const void* values);
-    void addBytes(const std::string& name, const std::string& header, const void* bytes,
-                  std::size_t count);
-    void write(const std::string& bytes);
-
-    OutputFile& m_output;
-    std::string m_contents;  // the archive's list, so far
-    std::uint64_t m_size = 0;
-    unsigned m_count = 0;
-};
+/// Writes "position", a row of 3 for each point, and every property of the points under its name
+/// ("position_" and so on where it is called "position" itself). Returns a warning for each thing
+/// that has no such form: values of other components, of the object itself, and long texts.
+std::vector<std::string> writeNpzCloud(const Object& cloud, OutputFile& output);
 
 }  // namespace TessaryMesh

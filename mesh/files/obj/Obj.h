@@ -1,6 +1,7 @@
 #pragma once
 
-#include "files/MeshFile.h"
+#include "base/Host.h"
+#include <TessaryMesh/Files.h>
 
 #include <string>
 #include <string_view>
@@ -29,18 +30,17 @@ namespace TessaryMesh {
 /// lines, curves and other statements are counted in a warning each, lines that are no statement in
 /// one for all of them. Names must be UTF-8; comments need not be.
 ///
-/// `name` stands for the file in messages. Throws FileError with the line; std::runtime_error when
-/// the caller's job is cancelled. Memory is proportional to the text.
-MeshRead readObj(std::string_view text, const std::string& name);
+/// `path` stands for the file in messages. Throws FileError with the line; Cancelled. Memory is
+/// proportional to the text.
+MeshRead readObj(std::string_view text, const std::string& path);
 
 /// Writes the properties above, found by these names and types, plain or indexed, on corners or on
 /// points; numbers in the shortest form that reads back to the same bits. A mesh that was read from
 /// OBJ reads back equal. Returns a warning for each property that the format cannot hold, names
 /// with line breaks or outer blanks among them.
 ///
-/// `mesh` is a mesh whose corners and faces are without errors (see Validate.h), or a point cloud.
-/// Throws FileError for an object without points or where the system refuses to write;
-/// std::runtime_error when the caller's job is cancelled.
+/// `mesh` is a mesh whose corners and faces are without errors, or a point cloud. Throws FileError
+/// where the system refuses to write; Cancelled.
 std::vector<std::string> writeObj(const Object& mesh, OutputFile& output);
 
 }  // namespace TessaryMesh

@@ -3,7 +3,6 @@
 #include "base/Host.h"
 #include "base/MessageText.h"
 #include "base/PropertyKinds.h"
-#include "files/MeshFile.h"
 
 #include <algorithm>
 #include <string_view>
@@ -24,11 +23,9 @@ bool isWritableName(std::string_view name)
 
 class Finder {
 public:
-    Finder(const Object& mesh, const std::string& output) : m_mesh(mesh)
+    explicit Finder(const Object& mesh) : m_mesh(mesh)
     {
         m_found.points = Geometry::dataArray<float3>(mesh, Geometry::sPointPosition);
-        if (!m_found.points)
-            throw FileError(output + ": the object has no point positions; write a mesh");
         m_found.faceOffset = Geometry::dataArray<uint>(mesh, Geometry::sFaceOffset);
         m_found.faceVertex = Geometry::dataArray<uint>(mesh, Geometry::sFaceVertex);
         if (!m_found.faceOffset || !m_found.faceVertex)
@@ -171,9 +168,9 @@ private:
 
 }  // namespace
 
-ObjProperties findObjProperties(const Object& mesh, const std::string& output)
+ObjProperties findObjProperties(const Object& mesh)
 {
-    return Finder(mesh, output).find();
+    return Finder(mesh).find();
 }
 
 }  // namespace TessaryMesh

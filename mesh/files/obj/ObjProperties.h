@@ -63,7 +63,7 @@ struct ObjProperties {
     }
 };
 
-/// `output` stands for the file in messages. Throws FileError for a mesh without points.
-ObjProperties findObjProperties(const Object& mesh, const std::string& output);
+/// Of an object that has points.
+ObjProperties findObjProperties(const Object& mesh);
 
 }  // namespace TessaryMesh

@@ -2,16 +2,18 @@
 
 #include "base/Host.h"
 #include "base/MessageText.h"
+#include "files/FileErrors.h"
 #include "files/obj/ObjContent.h"
 #include "files/obj/ObjReference.h"
 #include "files/obj/ObjScanner.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace TessaryMesh {
 namespace {
+
+using Code = FileError::Code;
 
 /// Statements that a mesh has no place for.
 constexpr const char* kStatementsNotHeld[] = {
@@ -41,7 +43,7 @@ std::string countOf(std::uint64_t count, const char* one, const char* many)
 
 class ObjParser {
 public:
-    ObjParser(std::string_view text, const std::string& name) : m_scanner(text, name) {}
+    ObjParser(std::string_view text, const std::string& path) : m_scanner(text, path) {}
 
     MeshRead read()
     {
@@ -54,8 +56,8 @@ public:
         if (m_known == 0 && m_unknown.count > 0)
             m_scanner.fail(
                 quoted(m_firstUnknown) + " begins no OBJ statement; is this a mesh file?",
-                m_unknown.firstLine);
-        MeshRead result{nullptr, MeshFormat::Obj, warnings()};
+                m_unknown.firstLine, Code::Unsupported);
+        MeshRead result{nullptr, nullptr, warnings()};
         result.mesh = moveToMesh(m_content);
         return result;
     }
@@ -102,7 +104,8 @@ private:
     void addTo(ObjReference& reference)
     {
         if (++reference.count >= kNone)
-            m_scanner.fail("the file has more values than 32-bit indices can name; split the mesh");
+            m_scanner.fail("the file has more values than 32-bit indices can name; split the mesh",
+                           Code::TooLarge);
     }
 
     void readPoint()
@@ -145,8 +148,8 @@ private:
         if (m_content.corners.size() == first)
             m_scanner.fail("face without corners; it needs three or more");
         if (m_content.corners.size() >= kNone)
-            m_scanner.fail(
-                "the file has more corners than 32-bit indices can name; split the mesh");
+            m_scanner.fail("the file has more corners than 32-bit indices can name; split the mesh",
+                           Code::TooLarge);
         m_content.faceOffset.push_back(static_cast<uint>(m_content.corners.size()));
     }
 
@@ -291,24 +294,25 @@ std::string_view withoutByteOrderMark(std::string_view text)
     return text.substr(0, 3) == "\xEF\xBB\xBF" ? text.substr(3) : text;
 }
 
-void rejectBinary(std::string_view text, const std::string& name)
+void rejectBinary(std::string_view text, const std::string& path)
 {
     const std::string_view mark = text.substr(0, 2);
     if (mark == "\xFE\xFF" || mark == "\xFF\xFE")
-        throw FileError(name + ": is UTF-16 text; save it as UTF-8");
-    const void* const zero = text.empty() ? nullptr : std::memchr(text.data(), 0, text.size());
-    if (zero)
-        throw FileError(name + ": byte " +
-                        std::to_string(static_cast<const char*>(zero) - text.data()) +
-                        " is 0: this is binary data or UTF-16, and neither OBJ text nor PLY");
+        failToRead(Code::Unsupported, path, "is UTF-16 text; save it as UTF-8");
+    const std::size_t zero = text.find('\0');
+    if (zero != std::string_view::npos)
+        failToRead(Code::Unsupported, path,
+                   "byte " + std::to_string(zero) +
+                       " is 0: this is binary data or UTF-16, and neither OBJ text nor PLY",
+                   atByte(zero));
 }
 
 }  // namespace
 
-MeshRead readObj(std::string_view text, const std::string& name)
+MeshRead readObj(std::string_view text, const std::string& path)
 {
-    rejectBinary(text, name);
-    return ObjParser(withoutByteOrderMark(text), name).read();
+    rejectBinary(text, path);
+    return ObjParser(withoutByteOrderMark(text), path).read();
 }
 
 }  // namespace TessaryMesh

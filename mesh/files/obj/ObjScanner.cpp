@@ -1,8 +1,15 @@
 #include "files/obj/ObjScanner.h"
 
 #include "base/MessageText.h"
+#include "files/FileErrors.h"
 
 namespace TessaryMesh {
+
+void ObjScanner::fail(const std::string& what, std::uint64_t line, FileError::Code code) const
+{
+    throw FileError(code, m_path, atLine(line),
+                    inputName(m_path) + ":" + std::to_string(line) + ": " + what);
+}
 
 std::string ObjScanner::restOfLine()
 {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "files/MeshFile.h"
 #include "files/NumberText.h"
 #include <TessaryMesh/Errors.h>
 
@@ -16,18 +15,19 @@ namespace TessaryMesh {
 /// line. Blanks are spaces and tabs. A "#" starts a comment, save in names.
 class ObjScanner {
 public:
-    ObjScanner(std::string_view text, const std::string& name)
-        : m_at(text.data()), m_end(text.data() + text.size()), m_name(name)
+    ObjScanner(std::string_view text, const std::string& path)
+        : m_at(text.data()), m_end(text.data() + text.size()), m_path(path)
     {}
 
     std::uint64_t line() const { return m_line; }
 
     /// FileError with the file and the current line, or an earlier one.
-    [[noreturn]] void fail(const std::string& what) const { fail(what, m_line); }
-    [[noreturn]] void fail(const std::string& what, std::uint64_t line) const
+    [[noreturn]] void fail(const std::string& what, FileError::Code code = kMalformed) const
     {
-        throw FileError(m_name + ":" + std::to_string(line) + ": " + what);
+        fail(what, m_line, code);
     }
+    [[noreturn]] void fail(const std::string& what, std::uint64_t line,
+                           FileError::Code code = kMalformed) const;
 
     bool atEnd() const { return m_at == m_end; }
 
@@ -120,6 +120,8 @@ public:
     std::uint64_t firstMisplacedSign() const { return m_firstMisplacedSign; }
 
 private:
+    static constexpr FileError::Code kMalformed = FileError::Code::Malformed;
+
     static bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
     bool isContinuation() const { return m_at + 1 == m_end || m_at[1] == '\n' || m_at[1] == '\r'; }
@@ -147,7 +149,7 @@ private:
 
     const char* m_at;
     const char* const m_end;
-    const std::string& m_name;
+    const std::string& m_path;
     std::uint64_t m_line = 1;
     std::uint64_t m_misplacedSigns = 0;
     std::uint64_t m_firstMisplacedSign = 0;

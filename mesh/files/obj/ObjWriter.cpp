@@ -167,7 +167,7 @@ private:
 
 std::vector<std::string> writeObj(const Object& mesh, OutputFile& output)
 {
-    ObjProperties properties = findObjProperties(mesh, output.path());
+    ObjProperties properties = findObjProperties(mesh);
     TextWriter out(output);
     out << "# " << properties.points->size() << " points, " << properties.faceCount() << " faces\n";
     if (properties.materialLibrary)

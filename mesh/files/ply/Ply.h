@@ -1,6 +1,8 @@
 #pragma once
 
-#include "files/MeshFile.h"
+#include "base/Host.h"
+#include "files/ply/PlyFormat.h"
+#include <TessaryMesh/Files.h>
 
 #include <string>
 #include <string_view>
@@ -44,14 +46,18 @@ namespace TessaryMesh {
 /// and so on, or numbers for more than four, for others. A line that does not fit the file's
 /// properties, as after an edit, is ignored with a warning, and the scalars stay scalars.
 ///
-/// `name` stands for the file in messages. Throws FileError with the line or byte; of the corners'
+/// `path` stands for the file in messages. Throws FileError with the line or byte; of the corners'
 /// indices only negative ones are refused here. Memory is bounded by the size of `bytes`, whatever
-/// the header promises. Throws std::runtime_error when the caller's job is cancelled.
-MeshRead readPly(std::string_view bytes, const std::string& name);
+/// the header promises. Throws Cancelled.
+MeshRead readPly(std::string_view bytes, const std::string& path);
+
+/// Whether the first line is "ply".
+bool isPly(std::string_view bytes);
 
 /// Writes every property that has a PLY form. Indexed properties are written value by value, which a
 /// warning says; strings and 64-bit integers cannot be held, which a warning says too. What was
 /// written reads back equal but for what the warnings name (and the bits of not-a-number in ASCII).
-std::vector<std::string> writePly(const Object& mesh, MeshFormat format, OutputFile& output);
+/// `mesh` is a mesh whose corners and faces are without errors, or a point cloud.
+std::vector<std::string> writePly(const Object& mesh, Ply::Encoding encoding, OutputFile& output);
 
 }  // namespace TessaryMesh

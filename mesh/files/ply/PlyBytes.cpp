@@ -4,12 +4,12 @@
 
 namespace TessaryMesh::Ply {
 
-bool needsSwap(MeshFormat format)
+bool needsSwap(Encoding encoding)
 {
     const std::uint16_t one = 1;
     const bool isLittleMachine = *reinterpret_cast<const unsigned char*>(&one) == 1;
-    return (format == MeshFormat::PlyBinary && !isLittleMachine) ||
-           (format == MeshFormat::PlyBinaryBigEndian && isLittleMachine);
+    return (encoding == Encoding::LittleEndian && !isLittleMachine) ||
+           (encoding == Encoding::BigEndian && isLittleMachine);
 }
 
 void swapScalars(unsigned char* values, std::size_t scalarSize, std::size_t count)

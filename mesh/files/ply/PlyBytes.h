@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/MeshFile.h"
+#include "files/ply/PlyFormat.h"
 #include <TessaryMesh/Errors.h>
 
 #include <algorithm>
@@ -12,8 +12,8 @@
 /// How readers and writers move the values of binary rows.
 namespace TessaryMesh::Ply {
 
-/// Whether binary values of this format have to be turned round on this machine.
-bool needsSwap(MeshFormat format);
+/// Whether binary values of this encoding have to be turned round on this machine.
+bool needsSwap(Encoding encoding);
 
 /// Turns the bytes of `count` scalars of 1, 2, 4 or 8 bytes round.
 void swapScalars(unsigned char* values, std::size_t scalarSize, std::size_t count);
@@ -58,8 +58,7 @@ void withScalarSize(std::size_t size, const F& f)
 /// Rows are moved property by property in blocks that stay in the nearest cache.
 inline constexpr std::size_t kRowsPerBlock = 1024;
 
-/// Calls `visit(row, count)` for each block of rows. Throws std::runtime_error when the caller's job
-/// is cancelled.
+/// Calls `visit(row, count)` for each block of rows. Throws Cancelled.
 template <class Visit>
 void forEachBlock(std::size_t rowCount, const Visit& visit)
 {

@@ -43,7 +43,7 @@ Array<T> expanded(const Array<T>& values, const Array<uint>& indices, const T& o
 
 class Collector {
 public:
-    Collector(const Object& mesh, const std::string& fileName) : m_mesh(mesh), m_fileName(fileName)
+    explicit Collector(const Object& mesh) : m_mesh(mesh)
     {
         for (const String& name : mesh.propertyNames())
             m_names.reserveForProperty(name.view());
@@ -69,17 +69,11 @@ private:
             {{"x", "y", "z"}, Scalar::Float32, m_points ? bytesOf(*m_points) : nullptr, 3});
         if (!m_offset || m_offset->empty() || !m_corners)
             return;
-        const Array<uint>& offset = *m_offset;
-        if (offset[0] != 0 || offset[offset.size() - 1] != m_corners->size() ||
-            !std::is_sorted(offset.begin(), offset.end()))
-            throw FileError(m_fileName +
-                            ": the mesh's face offsets do not fit its corners; "
-                            "validate the mesh first");
-        m_faceCount = offset.size() - 1;
+        m_faceCount = m_offset->size() - 1;
         m_fields.faces.count = m_faceCount;
         addList(Owner::Face, "vertex_indices",
                 m_pointCount <= (1u << 31) ? Scalar::Int32 : Scalar::UInt32, bytesOf(*m_corners), 1,
-                offset);
+                *m_offset);
     }
 
     template <class T>
@@ -312,7 +306,6 @@ private:
     }
 
     const Object& m_mesh;
-    const std::string& m_fileName;
     MeshFields m_fields;
     ColumnNames m_names;
     Ptr<Array<float3>> m_points;
@@ -324,9 +317,9 @@ private:
 
 }  // namespace
 
-MeshFields fieldsOfMesh(const Object& mesh, const std::string& fileName)
+MeshFields fieldsOfMesh(const Object& mesh)
 {
-    return Collector(mesh, fileName).collect();
+    return Collector(mesh).collect();
 }
 
 }  // namespace TessaryMesh::Ply

@@ -39,7 +39,7 @@ struct MeshFields {
     std::vector<std::any> owned;  ///< arrays made for the file
 };
 
-/// Throws FileError, which names `fileName`, for a mesh whose face offsets do not fit its corners.
-MeshFields fieldsOfMesh(const Object& mesh, const std::string& fileName);
+/// Of a mesh whose faces are without errors, or of a point cloud.
+MeshFields fieldsOfMesh(const Object& mesh);
 
 }  // namespace TessaryMesh::Ply

@@ -3,7 +3,6 @@
 #include <Korvane/ElementTypes.h>
 
 #include "base/Scalars.h"
-#include "files/MeshFile.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -16,6 +15,11 @@
 /// What PLY readers and writers share: the scalar types, how element types of the host are made of
 /// them, and the header as data.
 namespace TessaryMesh::Ply {
+
+enum class Encoding { Ascii, LittleEndian, BigEndian };
+
+/// The word of a header's format line.
+const char* nameOf(Encoding encoding);
 
 enum class Scalar : unsigned char { Int8, UInt8, Int16, UInt16, Int32, UInt32, Float32, Float64 };
 
@@ -144,7 +148,7 @@ struct Declaration {
 };
 
 struct Header {
-    MeshFormat format;
+    Encoding encoding;
     std::vector<Element> elements;
     std::vector<Declaration> declarations;
     std::size_t size;   ///< bytes up to the body
@@ -154,6 +158,6 @@ struct Header {
 };
 
 /// Throws FileError with the line.
-Header parseHeader(std::string_view bytes, const std::string& fileName);
+Header parseHeader(std::string_view bytes, const std::string& path);
 
 }  // namespace TessaryMesh::Ply

@@ -2,6 +2,7 @@
 
 #include "base/MessageText.h"
 #include "files/NumberText.h"
+#include "files/ply/PlyErrors.h"
 #include "files/ply/PlyNames.h"
 
 #include <algorithm>
@@ -22,6 +23,8 @@ constexpr ScalarNames kScalarNames[] = {
     {Scalar::Int32, "int", "int32"},       {Scalar::UInt32, "uint", "uint32"},
     {Scalar::Float32, "float", "float32"}, {Scalar::Float64, "double", "float64"},
 };
+
+constexpr Encoding kEncodings[] = {Encoding::Ascii, Encoding::LittleEndian, Encoding::BigEndian};
 
 using Words = std::vector<std::string_view>;
 
@@ -55,9 +58,7 @@ std::optional<Owner> ownerOfName(std::string_view name)
 
 class HeaderParser {
 public:
-    HeaderParser(std::string_view bytes, const std::string& fileName)
-        : m_bytes(bytes), m_fileName(fileName)
-    {}
+    HeaderParser(std::string_view bytes, const std::string& path) : m_bytes(bytes), m_path(path) {}
 
     Header parse()
     {
@@ -65,18 +66,19 @@ public:
             fail("a PLY file starts with the line \"ply\"");
         while (parseLine(nextLine())) {
         }
-        if (!m_format)
+        if (!m_encoding)
             fail("the header ends without a format; add \"format ascii 1.0\" or the like");
-        m_header.format = *m_format;
+        m_header.encoding = *m_encoding;
         m_header.size = m_position;
         m_header.lines = m_line;
         return std::move(m_header);
     }
 
 private:
-    [[noreturn]] void fail(const std::string& what) const
+    [[noreturn]] void fail(const std::string& what,
+                           FileError::Code code = FileError::Code::Malformed) const
     {
-        throw FileError(m_fileName + ": line " + std::to_string(m_line) + ": " + what);
+        Ply::fail(m_path, atLine(m_line), what, code);
     }
 
     Words nextLine()
@@ -114,18 +116,17 @@ private:
     void parseFormat(const Words& words)
     {
         if (words.size() != 3 || words[2] != "1.0")
-            fail("the format is not of version 1.0, the only one there is");
-        if (m_format)
+            fail("the format is not of version 1.0, the only one there is",
+                 FileError::Code::Unsupported);
+        if (m_encoding)
             fail("the header has a second format line; remove one");
-        if (words[1] == "ascii")
-            m_format = MeshFormat::PlyAscii;
-        else if (words[1] == "binary_little_endian")
-            m_format = MeshFormat::PlyBinary;
-        else if (words[1] == "binary_big_endian")
-            m_format = MeshFormat::PlyBinaryBigEndian;
-        else
+        for (const Encoding encoding : kEncodings)
+            if (words[1] == nameOf(encoding))
+                m_encoding = encoding;
+        if (!m_encoding)
             fail("unknown format " + quoted(words[1]) +
-                 "; ascii, binary_little_endian or binary_big_endian was expected");
+                     "; ascii, binary_little_endian or binary_big_endian was expected",
+                 FileError::Code::Unsupported);
     }
 
     std::string nameFrom(std::string_view word) const
@@ -209,15 +210,22 @@ private:
     }
 
     std::string_view m_bytes;
-    const std::string& m_fileName;
+    const std::string& m_path;
     std::size_t m_position = 0;
     std::size_t m_line = 0;
     Header m_header{};
-    std::optional<MeshFormat> m_format;
+    std::optional<Encoding> m_encoding;
     std::set<std::string> m_propertyNames;  // of the last element
 };
 
 }  // namespace
+
+const char* nameOf(Encoding encoding)
+{
+    return encoding == Encoding::Ascii       ? "ascii"
+           : encoding == Encoding::BigEndian ? "binary_big_endian"
+                                             : "binary_little_endian";
+}
 
 const char* nameOf(Scalar scalar)
 {
@@ -245,9 +253,9 @@ const Element* Header::find(std::string_view element) const
     return nullptr;
 }
 
-Header parseHeader(std::string_view bytes, const std::string& fileName)
+Header parseHeader(std::string_view bytes, const std::string& path)
 {
-    return HeaderParser(bytes, fileName).parse();
+    return HeaderParser(bytes, path).parse();
 }
 
 }  // namespace TessaryMesh::Ply

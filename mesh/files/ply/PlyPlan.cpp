@@ -2,6 +2,7 @@
 
 #include "base/Host.h"
 #include "base/MessageText.h"
+#include "files/ply/PlyErrors.h"
 
 #include <optional>
 
@@ -25,8 +26,8 @@ Form formOfName(const std::string& type)
 
 class Planner {
 public:
-    Planner(const Header& header, const std::string& fileName, std::vector<std::string>& warnings)
-        : m_header(header), m_fileName(fileName), m_warnings(warnings)
+    Planner(const Header& header, const std::string& path, std::vector<std::string>& warnings)
+        : m_header(header), m_path(path), m_warnings(warnings)
     {}
 
     Plan plan()
@@ -42,9 +43,11 @@ public:
     }
 
 private:
-    [[noreturn]] void fail(const std::string& what) const
+    // The file may be as PLY wants it, but holds no mesh.
+    [[noreturn]] void fail(const std::string& what,
+                           FileError::Code code = FileError::Code::Unsupported) const
     {
-        throw FileError(m_fileName + ": " + what);
+        Ply::fail(m_path, {}, what, code);
     }
 
     const Element* checkedElement(std::string_view name) const
@@ -52,7 +55,8 @@ private:
         const Element* const element = m_header.find(name);
         if (element && element->count >= 0xFFFFFFFF)
             fail("the header promises " + std::to_string(element->count) + " rows of element " +
-                 quoted(name) + ", more than 32-bit indices can name; split the file");
+                     quoted(name) + ", more than 32-bit indices can name; split the file",
+                 FileError::Code::TooLarge);
         return element;
     }
 
@@ -170,7 +174,7 @@ private:
     }
 
     const Header& m_header;
-    const std::string& m_fileName;
+    const std::string& m_path;
     std::vector<std::string>& m_warnings;
     Plan m_plan{};
     std::vector<bool> m_isPointColumnUsed;
@@ -188,10 +192,10 @@ bool hasOneValuePerCorner(const Array<uint>& offsets, const Array<uint>& faceOff
 
 }  // namespace
 
-Plan planProperties(const Header& header, const std::string& fileName,
+Plan planProperties(const Header& header, const std::string& path,
                     std::vector<std::string>& warnings)
 {
-    return Planner(header, fileName, warnings).plan();
+    return Planner(header, path, warnings).plan();
 }
 
 void demoteUnevenCorners(Plan& plan, const Rows& faces, std::vector<std::string>& warnings)

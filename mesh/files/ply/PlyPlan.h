@@ -29,7 +29,7 @@ struct Plan {
 
 /// Decides what becomes of every PLY property; a line is added to `warnings` for each declaration
 /// that does not fit. Throws FileError for a file without points, or with faces without corners.
-Plan planProperties(const Header& header, const std::string& fileName,
+Plan planProperties(const Header& header, const std::string& path,
                     std::vector<std::string>& warnings);
 
 /// Turns what was planned as corner values but has not the right number of them in every face into

@@ -3,6 +3,7 @@
 #include "base/Host.h"
 #include "base/MessageText.h"
 #include "files/ply/PlyBytes.h"
+#include "files/ply/PlyErrors.h"
 #include "files/ply/PlyPlan.h"
 
 #include <algorithm>
@@ -64,13 +65,13 @@ String componentOf(Owner owner)
 
 class MeshBuilder {
 public:
-    MeshBuilder(Plan plan, Elements elements, bool swap, const std::string& fileName,
+    MeshBuilder(Plan plan, Elements elements, bool swap, const std::string& path,
                 std::vector<std::string>& warnings)
         : m_plan(std::move(plan)),
           m_points(std::move(elements.points)),
           m_faces(std::move(elements.faces)),
           m_swap(swap),
-          m_fileName(fileName),
+          m_path(path),
           m_warnings(warnings)
     {}
 
@@ -239,9 +240,13 @@ private:
         std::size_t face = 0;
         while (offset[face + 1] <= corner)
             ++face;
-        throw FileError(m_fileName + ": face " + std::to_string(face) + " names point " +
-                        std::to_string(static_cast<int>(faceVertex[corner])) +
-                        "; points are numbered from 0, correct the face");
+        FileError::Place place;
+        place.element = m_plan.face->name;
+        place.row = face;
+        fail(m_path, place,
+             "face " + std::to_string(face) + " names point " +
+                 std::to_string(static_cast<int>(faceVertex[corner])) +
+                 "; points are numbered from 0, correct the face");
     }
 
     void swapIfNeeded(Storage& storage) const
@@ -315,16 +320,16 @@ private:
     Rows m_points;
     Rows m_faces;
     bool m_swap;
-    const std::string& m_fileName;
+    const std::string& m_path;
     std::vector<std::string>& m_warnings;
     std::vector<Storage> m_storages;
 };
 
 // Of the body's elements a mesh takes two.
 Elements findRows(const Header& header, const Plan& plan, std::string_view body,
-                  const std::string& fileName, std::vector<std::string>& warnings)
+                  const std::string& path, std::vector<std::string>& warnings)
 {
-    RowFinder finder(body, header.size, needsSwap(header.format), fileName);
+    RowFinder finder(body, header.size, needsSwap(header.encoding), path);
     Elements found;
     for (const Element& element : header.elements) {
         Rows rows = finder.take(element);
@@ -341,29 +346,42 @@ Elements findRows(const Header& header, const Plan& plan, std::string_view body,
     return found;
 }
 
+const Format* formatOf(Encoding encoding)
+{
+    return findFormat(encoding == Encoding::Ascii       ? "ply-ascii"
+                      : encoding == Encoding::BigEndian ? "ply-big"
+                                                        : "ply");
+}
+
 }  // namespace
 
-MeshRead readPly(std::string_view bytes, const std::string& name)
+bool isPly(std::string_view bytes)
 {
-    const Header header = parseHeader(bytes, name);
-    MeshRead read{nullptr, header.format, {}};
-    Plan plan = planProperties(header, name, read.warnings);
+    return bytes.substr(0, 3) == "ply" &&
+           (bytes.size() == 3 || bytes[3] == '\n' || bytes[3] == '\r');
+}
+
+MeshRead readPly(std::string_view bytes, const std::string& path)
+{
+    const Header header = parseHeader(bytes, path);
+    MeshRead read{nullptr, formatOf(header.encoding), {}};
+    Plan plan = planProperties(header, path, read.warnings);
 
     std::string_view body = bytes.substr(header.size);
     Array<unsigned char> binary;
     std::size_t bytesLeft = 0;
-    if (header.format == MeshFormat::PlyAscii) {
-        binary = binaryOfText(header, body, name, bytesLeft);
+    if (header.encoding == Encoding::Ascii) {
+        binary = binaryOfText(header, body, path, bytesLeft);
         body = {reinterpret_cast<const char*>(binary.data()), binary.size()};
     }
-    Elements elements = findRows(header, plan, body, name, read.warnings);
+    Elements elements = findRows(header, plan, body, path, read.warnings);
     bytesLeft += elements.bytesLeft;
     if (bytesLeft > 0)
         read.warnings.push_back(std::to_string(bytesLeft) +
                                 " bytes follow the last element and are left out");
     if (plan.face)
         demoteUnevenCorners(plan, elements.faces, read.warnings);
-    read.mesh = MeshBuilder(std::move(plan), std::move(elements), needsSwap(header.format), name,
+    read.mesh = MeshBuilder(std::move(plan), std::move(elements), needsSwap(header.encoding), path,
                             read.warnings)
                     .build();
     return read;

@@ -2,7 +2,7 @@
 
 #include "base/Host.h"
 #include "base/MessageText.h"
-#include <TessaryMesh/Errors.h>
+#include "files/ply/PlyErrors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -49,8 +49,8 @@ struct RowFinder::List {
 };
 
 RowFinder::RowFinder(std::string_view body, std::size_t byteOfBody, bool swap,
-                     const std::string& fileName)
-    : m_fileName(fileName),
+                     const std::string& path)
+    : m_path(path),
       m_begin(reinterpret_cast<const unsigned char*>(body.data())),
       m_position(m_begin),
       m_end(m_begin + body.size()),
@@ -58,12 +58,11 @@ RowFinder::RowFinder(std::string_view body, std::size_t byteOfBody, bool swap,
       m_swap(swap)
 {}
 
-void RowFinder::fail(const Element& element, std::uint64_t row, const std::string& what) const
+void RowFinder::fail(const Element& element, std::uint64_t row, const std::string& what,
+                     FileError::Code code) const
 {
     const std::size_t byte = m_byteOfBody + static_cast<std::size_t>(m_position - m_begin);
-    throw FileError(m_fileName + ": byte " + std::to_string(byte) + ": row " + std::to_string(row) +
-                    " of element " + quoted(element.name) + ", which has " +
-                    std::to_string(element.count) + " by the header: " + what);
+    failInRow(m_path, atByte(byte), element, row, what, code);
 }
 
 void RowFinder::requireBytes(const Element& element, std::size_t rowSize)
@@ -84,7 +83,8 @@ void RowFinder::failList(const Element& element, std::uint64_t row, const List& 
     const std::int64_t count = countAt(m_position, *list.property->countType, m_swap);
     const std::size_t room = (bytesLeft() - list.countSize) / list.entrySize;
     if (count >= 0 && static_cast<std::uint64_t>(count) <= room)
-        fail(element, row, "more list entries than 32 bits can number; split the file");
+        fail(element, row, "more list entries than 32 bits can number; split the file",
+             FileError::Code::TooLarge);
     fail(element, row,
          "its list " + quoted(list.property->name) + " has " + std::to_string(count) +
              " entries by its count, and the file has room for " + std::to_string(room) +

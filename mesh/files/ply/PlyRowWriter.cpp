@@ -152,11 +152,11 @@ void writeText(const ElementFields& element, OutputFile& output)
 
 }  // namespace
 
-void writeRows(const ElementFields& element, MeshFormat format, OutputFile& output)
+void writeRows(const ElementFields& element, Encoding encoding, OutputFile& output)
 {
-    if (format == MeshFormat::PlyAscii)
+    if (encoding == Encoding::Ascii)
         writeText(element, output);
-    else if (needsSwap(format))
+    else if (needsSwap(encoding))
         writeBinary<true>(element, output);
     else
         writeBinary<false>(element, output);

@@ -1,14 +1,11 @@
 #pragma once
 
 #include "files/ply/PlyFields.h"
-
-namespace TessaryMesh {
-class OutputFile;
-}
+#include <TessaryMesh/Files.h>
 
 namespace TessaryMesh::Ply {
 
-/// Writes the rows of an element in the given format.
-void writeRows(const ElementFields& element, MeshFormat format, OutputFile& output);
+/// Writes the rows of an element in the given encoding.
+void writeRows(const ElementFields& element, Encoding encoding, OutputFile& output);
 
 }  // namespace TessaryMesh::Ply

@@ -2,6 +2,7 @@
 
 #include "base/Host.h"
 #include "files/ply/PlyFormat.h"
+#include <TessaryMesh/Errors.h>
 
 #include <string>
 #include <string_view>
@@ -27,8 +28,7 @@ struct Rows {
 class RowFinder {
 public:
     /// Byte numbers in messages count from `byteOfBody`.
-    RowFinder(std::string_view body, std::size_t byteOfBody, bool swap,
-              const std::string& fileName);
+    RowFinder(std::string_view body, std::size_t byteOfBody, bool swap, const std::string& path);
 
     Rows take(const Element& element);
 
@@ -37,8 +37,8 @@ public:
 private:
     struct List;
 
-    [[noreturn]] void fail(const Element& element, std::uint64_t row,
-                           const std::string& what) const;
+    [[noreturn]] void fail(const Element& element, std::uint64_t row, const std::string& what,
+                           FileError::Code code = FileError::Code::Malformed) const;
     [[noreturn]] void failList(const Element& element, std::uint64_t row, const List& list) const;
     void requireBytes(const Element& element, std::size_t rowSize);
     void walkLists(const Element& element, const std::vector<List>& lists,
@@ -46,7 +46,7 @@ private:
     bool skip(std::size_t bytes);
     bool skipList(const List& list, std::uint64_t row);
 
-    const std::string& m_fileName;
+    const std::string& m_path;
     const unsigned char* m_begin;
     const unsigned char* m_position;
     const unsigned char* m_end;
@@ -67,6 +67,6 @@ void copyRows(const Rows& rows, const std::vector<Sink>& sinks);
 /// An ASCII body in the binary form of this machine; `bytesLeft` becomes what follows the rows.
 /// Throws FileError with the line.
 Array<unsigned char> binaryOfText(const Header& header, std::string_view body,
-                                  const std::string& fileName, std::size_t& bytesLeft);
+                                  const std::string& path, std::size_t& bytesLeft);
 
 }  // namespace TessaryMesh::Ply

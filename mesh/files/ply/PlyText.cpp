@@ -3,7 +3,7 @@
 #include "base/Host.h"
 #include "base/MessageText.h"
 #include "files/NumberText.h"
-#include <TessaryMesh/Errors.h>
+#include "files/ply/PlyErrors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -21,11 +21,11 @@ bool isBlank(char c)
 /// Reads rows, a line each, and appends their values in binary form.
 class TextRows {
 public:
-    TextRows(std::string_view body, std::size_t linesBefore, const std::string& fileName)
+    TextRows(std::string_view body, std::size_t linesBefore, const std::string& path)
         : m_position(body.data()),
           m_end(body.data() + body.size()),
           m_line(linesBefore),
-          m_fileName(fileName)
+          m_path(path)
     {}
 
     void read(const Element& element)
@@ -59,10 +59,7 @@ public:
 private:
     [[noreturn]] void fail(const std::string& what) const
     {
-        throw FileError(m_fileName + ": line " + std::to_string(m_line) + ": row " +
-                        std::to_string(m_row) + " of element " + quoted(m_element->name) +
-                        ", which has " + std::to_string(m_element->count) +
-                        " by the header: " + what);
+        failInRow(m_path, atLine(m_line), *m_element, m_row, what);
     }
 
     // Every value takes a character and a separator, but the very last one.
@@ -171,7 +168,7 @@ private:
     const char* m_lineEnd = nullptr;
     const char* m_end;
     std::size_t m_line;
-    const std::string& m_fileName;
+    const std::string& m_path;
     const Element* m_element = nullptr;
     std::uint64_t m_row = 0;
     Array<unsigned char> m_binary;
@@ -181,9 +178,9 @@ private:
 }  // namespace
 
 Array<unsigned char> binaryOfText(const Header& header, std::string_view body,
-                                  const std::string& fileName, std::size_t& bytesLeft)
+                                  const std::string& path, std::size_t& bytesLeft)
 {
-    TextRows rows(body, header.lines, fileName);
+    TextRows rows(body, header.lines, path);
     for (const Element& element : header.elements)
         rows.read(element);
     bytesLeft = rows.bytesLeft();

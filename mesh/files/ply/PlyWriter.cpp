@@ -1,7 +1,6 @@
 #include "files/ply/Ply.h"
 
 #include "base/Host.h"
-#include "files/OutputFile.h"
 #include "files/ply/PlyFields.h"
 #include "files/ply/PlyNames.h"
 #include "files/ply/PlyRowWriter.h"
@@ -10,13 +9,6 @@ namespace TessaryMesh {
 namespace {
 
 using namespace Ply;
-
-const char* formatName(MeshFormat format)
-{
-    return format == MeshFormat::PlyAscii             ? "ascii"
-           : format == MeshFormat::PlyBinaryBigEndian ? "binary_big_endian"
-                                                      : "binary_little_endian";
-}
 
 void appendDeclaration(std::string& header, const Declaration& declaration)
 {
@@ -40,9 +32,9 @@ void appendElement(std::string& header, const ElementFields& element)
         }
 }
 
-std::string headerText(const MeshFields& fields, MeshFormat format)
+std::string headerText(const MeshFields& fields, Encoding encoding)
 {
-    std::string header = std::string("ply\nformat ") + formatName(format) + " 1.0\n";
+    std::string header = std::string("ply\nformat ") + nameOf(encoding) + " 1.0\n";
     for (const Declaration& declaration : fields.declarations)
         appendDeclaration(header, declaration);
     appendElement(header, fields.points);
@@ -53,12 +45,12 @@ std::string headerText(const MeshFields& fields, MeshFormat format)
 
 }  // namespace
 
-std::vector<std::string> writePly(const Object& mesh, MeshFormat format, OutputFile& output)
+std::vector<std::string> writePly(const Object& mesh, Encoding encoding, OutputFile& output)
 {
-    MeshFields fields = fieldsOfMesh(mesh, output.path());
-    output.write(headerText(fields, format));
-    writeRows(fields.points, format, output);
-    writeRows(fields.faces, format, output);
+    MeshFields fields = fieldsOfMesh(mesh);
+    output.write(headerText(fields, encoding));
+    writeRows(fields.points, encoding, output);
+    writeRows(fields.faces, encoding, output);
     return std::move(fields.warnings);
 }
 

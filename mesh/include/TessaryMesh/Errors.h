@@ -46,8 +46,6 @@ public:
         std::optional<std::uint64_t> row;   ///< of the element, counted from 0
     };
 
-    explicit FileError(const std::string& message) : FileError(Code::Malformed, "", message) {}
-
     /// `message` is the whole line, the file's name included.
     FileError(Code code, std::string file, const std::string& message);
     FileError(Code code, std::string file, Place place, const std::string& message);

@@ -101,11 +101,12 @@ TESSARY_MESH_API std::vector<std::string> saveMesh(const Korvane::Object& mesh,
 TESSARY_MESH_API std::string plyCornerDeclaration(const Korvane::Object& mesh,
                                                   const std::string& name);
 
-/// Writes arrays of numbers under their names: as .npz, for NumPy, or as a JSON object of lists, rows
-/// as lists of their own, in which null stands for the index 0xFFFFFFFF.
+/// Writes arrays under their names: as .npz, for NumPy, or as a JSON object of lists, rows as lists of
+/// their own, in which null stands for the index 0xFFFFFFFF and for numbers that are not finite.
 ///
 /// Throws FileError where the format does not write arrays, the file would be larger than the format
-/// can number, or the system refuses; Cancelled.
+/// can number, or the system refuses; ArgumentError for an array of no element type or whose values
+/// do not fill its rows; Cancelled.
 TESSARY_MESH_API void writeArrays(const NamedArrays& arrays, const Format& format,
                                   OutputFile& output);
 

@@ -1,39 +1,45 @@
-#include "files/npz/Npz.h"
+#include "files/npz/NpzWriter.h"
 
-#include "files/MeshFile.h"
-#include "files/OutputFile.h"
-#include <TessaryMesh/Errors.h>
+#include "base/MessageText.h"
+#include "files/FileErrors.h"
+
+#include <zlib.h>
 
 #include <algorithm>
-#include <array>
 #include <limits>
+#include <string_view>
+#include <vector>
 
 namespace TessaryMesh {
 namespace {
 
 static_assert(std::numeric_limits<double>::is_iec559 && sizeof(float) == 4);
 
-std::array<std::uint32_t, 256> crcTable()
+// The characters of UTF-8; a byte that is none becomes the character that stands for such.
+std::vector<char32_t> charactersOf(std::string_view text)
 {
-    std::array<std::uint32_t, 256> table{};
-    for (std::uint32_t i = 0; i < 256; ++i) {
-        std::uint32_t crc = i;
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1) != 0 ? crc >> 1 ^ 0xEDB88320u : crc >> 1;
-        table[i] = crc;
+    std::vector<char32_t> characters;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        if (i + length > text.size() || !isUtf8(text.substr(i, length))) {
+            characters.push_back(0xFFFD);
+            ++i;
+            continue;
+        }
+        char32_t character = length == 1 ? lead : lead & (0xFFu >> (length + 1));
+        for (std::size_t k = 1; k < length; ++k)
+            character = character << 6 | (static_cast<unsigned char>(text[i + k]) & 0x3F);
+        characters.push_back(character);
+        i += length;
     }
-    return table;
+    return characters;
 }
 
-// The checksum of zip archives, continued from `crc`.
-std::uint32_t crc32(const void* bytes, std::size_t count, std::uint32_t crc = 0)
+// An empty array may have no address, by which zlib would begin anew.
+uLong checksum(const void* bytes, std::size_t count, uLong before = 0)
 {
-    static const std::array<std::uint32_t, 256> kTable = crcTable();
-    const auto* const byte = static_cast<const unsigned char*>(bytes);
-    crc = ~crc;
-    for (std::size_t i = 0; i < count; ++i)
-        crc = crc >> 8 ^ kTable[(crc ^ byte[i]) & 0xFF];
-    return ~crc;
+    return count == 0 ? before : crc32_z(before, static_cast<const Bytef*>(bytes), count);
 }
 
 void append16(std::string& out, unsigned value)
@@ -48,16 +54,8 @@ void append32(std::string& out, std::uint64_t value)
     append16(out, static_cast<unsigned>(value >> 16 & 0xFFFF));
 }
 
-std::size_t countOf(const std::vector<std::size_t>& shape)
-{
-    std::size_t count = 1;
-    for (const std::size_t length : shape)
-        count *= length;
-    return count;
-}
-
 // The head of a .npy file of version 1.0: a dictionary, filled with blanks to a multiple of 64.
-std::string npyHeader(const std::string& type, const std::vector<std::size_t>& shape)
+std::string npyHeader(const std::string& type, const Shape& shape)
 {
     std::string dictionary = "{'descr': '" + type + "', 'fortran_order': False, ";
     dictionary += "'shape': (";
@@ -73,7 +71,7 @@ std::string npyHeader(const std::string& type, const std::vector<std::size_t>& s
 }
 
 // What the two records of a file in the archive have in common, from the version needed on.
-std::string recordOf(std::uint32_t crc, std::uint64_t size, std::size_t nameLength)
+std::string recordOf(uLong crc, std::uint64_t size, std::size_t nameLength)
 {
     constexpr unsigned kVersion = 10, kFlags = 0x800, kStored = 0;  // names are UTF-8
     constexpr unsigned kTime = 0, kDate = 33;                       // the first day of zip archives
@@ -101,19 +99,23 @@ void writePieces(OutputFile& output, const void* bytes, std::size_t count)
 
 }  // namespace
 
-void NpzWriter::add(const std::string& name, const std::vector<std::size_t>& shape, char kind,
-                    std::size_t itemBytes, const void* values)
+std::size_t NpzWriter::longestOf(const Array<String>& texts)
 {
-    const std::string type = (itemBytes == 1 ? "|" : "<") + (kind + std::to_string(itemBytes));
-    addBytes(name, npyHeader(type, shape), values, itemBytes * countOf(shape));
+    std::size_t longest = 1;
+    for (const String& text : texts)
+        longest = std::max(longest, charactersOf(text.view()).size());
+    return longest;
 }
 
-void NpzWriter::addTexts(const std::string& name, std::size_t width,
-                         const std::vector<char32_t>& texts)
+void NpzWriter::add(const std::string& name, const Shape& shape, const Array<String>& texts)
 {
-    const std::vector<std::size_t> shape{texts.size() / width};
-    addBytes(name, npyHeader("<U" + std::to_string(width), shape), texts.data(),
-             sizeof(char32_t) * texts.size());
+    const std::size_t width = longestOf(texts);
+    std::vector<char32_t> all(width * texts.size());  // short texts are filled up with zeros
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const std::vector<char32_t> characters = charactersOf(texts[i].view());
+        std::copy(characters.begin(), characters.end(), all.data() + i * width);
+    }
+    add(name, "<U" + std::to_string(width), shape, all.data(), sizeof(char32_t) * all.size());
 }
 
 void NpzWriter::finish()
@@ -130,16 +132,16 @@ void NpzWriter::finish()
     write(end);
 }
 
-void NpzWriter::addBytes(const std::string& name, const std::string& header, const void* bytes,
-                         std::size_t count)
+void NpzWriter::add(const std::string& name, const std::string& type, const Shape& shape,
+                    const void* bytes, std::size_t count)
 {
     constexpr std::uint64_t kMost = 0xFFFFFFFF - (1 << 16);  // room for the contents
+    const std::string file = name + ".npy", header = npyHeader(type, shape);
     const std::uint64_t size = header.size() + count;
     if (size > kMost || m_size + size > kMost)
-        throw FileError(m_output.path() +
-                        ": more than the 4 GB that an .npz file holds (write less)");
-    const std::string file = name + ".npy";
-    const std::uint32_t crc = crc32(bytes, count, crc32(header.data(), header.size()));
+        failToWrite(FileError::Code::TooLarge, m_output.path(),
+                    "more than the 4 GB that an .npz file holds (write less)");
+    const uLong crc = checksum(bytes, count, checksum(header.data(), header.size()));
     const std::string record = recordOf(crc, size, file.size());
 
     m_contents.append("PK\x01\x02", 4);

@@ -1,0 +1,103 @@
+#include "files/Formats.h"
+
+#include "base/MessageText.h"
+#include "files/json/Json.h"
+#include "files/npz/Npz.h"
+#include "files/obj/Obj.h"
+#include "files/ply/Ply.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace TessaryMesh {
+namespace {
+
+using Ply::Encoding;
+
+constexpr FormatRow row(std::string_view name, std::string_view title, std::string_view ending,
+                        const FormatFunctions& functions)
+{
+    return {{name, title, ending, functions.read != nullptr, functions.writeMesh != nullptr,
+             functions.writeCloud != nullptr, functions.writeArrays != nullptr},
+            functions};
+}
+
+template <Encoding encoding>
+std::vector<std::string> writePlyAs(const Object& mesh, OutputFile& output)
+{
+    return writePly(mesh, encoding, output);
+}
+
+template <Encoding encoding>
+constexpr FormatFunctions kPly{isPly, readPly, writePlyAs<encoding>, writePlyAs<encoding>, nullptr};
+
+// Every format that there is: its functions are declared in the one header of its folder.
+constexpr FormatRow kTable[] = {
+    row("obj", "Wavefront OBJ", ".obj", {nullptr, readObj, writeObj, writeObj, nullptr}),
+    row("ply", "PLY, binary", ".ply", kPly<Encoding::LittleEndian>),
+    row("ply-ascii", "PLY, ASCII", "", kPly<Encoding::Ascii>),
+    row("ply-big", "PLY, binary, big-endian", "", kPly<Encoding::BigEndian>),
+    row("json", "JSON arrays", ".json", {nullptr, nullptr, nullptr, nullptr, writeJsonArrays}),
+    row("npz", "NumPy arrays", ".npz", {nullptr, nullptr, nullptr, writeNpzCloud, writeNpzArrays}),
+};
+
+bool endsWith(std::string_view path, std::string_view lowerCaseEnding)
+{
+    if (lowerCaseEnding.empty() || path.size() <= lowerCaseEnding.size())
+        return false;
+    const std::string_view ending = path.substr(path.size() - lowerCaseEnding.size());
+    return std::equal(ending.begin(), ending.end(), lowerCaseEnding.begin(), [](char a, char b) {
+        return (a >= 'A' && a <= 'Z' ? a + ('a' - 'A') : a) == b;
+    });
+}
+
+// The format of the first row that `fits`, null where none does.
+template <class Fits>
+const Format* findIf(const Fits& fits)
+{
+    const auto* const found =
+        std::find_if(std::begin(kTable), std::end(kTable),
+                     [&](const FormatRow& candidate) { return fits(candidate.format); });
+    return found == std::end(kTable) ? nullptr : &found->format;
+}
+
+}  // namespace
+
+const FormatRow& rowOf(const Format& format)
+{
+    for (const FormatRow& candidate : kTable)
+        if (candidate.format.name == format.name)
+            return candidate;
+    throw ArgumentError("format", "there is no format " + quoted(format.name));
+}
+
+const FormatRow& rowOfContent(std::string_view bytes)
+{
+    for (const FormatRow& candidate : kTable)
+        if (candidate.functions.recognises && candidate.functions.recognises(bytes))
+            return candidate;
+    return kTable[0];
+}
+
+const std::vector<const Format*>& formats()
+{
+    static const std::vector<const Format*> kFormats = [] {
+        std::vector<const Format*> all;
+        for (const FormatRow& each : kTable)
+            all.push_back(&each.format);
+        return all;
+    }();
+    return kFormats;
+}
+
+const Format* findFormat(std::string_view name)
+{
+    return findIf([name](const Format& format) { return format.name == name; });
+}
+
+const Format* formatOfName(std::string_view path)
+{
+    return findIf([path](const Format& format) { return endsWith(path, format.ending); });
+}
+
+}  // namespace TessaryMesh
