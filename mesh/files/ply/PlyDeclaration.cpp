@@ -1,4 +1,5 @@
-#include "base/Guard.h"
+#include <TessaryMesh/Files.h>
+
 #include "base/Host.h"
 #include "files/ply/PlyNames.h"
 
