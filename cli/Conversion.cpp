@@ -27,6 +27,8 @@ Conversion::Conversion(const FileOptions& files, Session& session)
         throw UsageError("the output itself goes to standard output, so --json has no place to go");
     session.setSubject(m_inputPath);
     m_output = std::make_unique<TessaryMesh::OutputFile>(m_outputPath, files.output.force);
+    if (!files.maps.empty())
+        openMaps(files);
     m_input = readInput(session, m_inputPath);
     endPart("read");
 }
@@ -38,14 +40,28 @@ void Conversion::write(
     m_session.warn(guarded([&] { return writer(*m_output); }));
     beginPart("finishing " + m_outputPath);
     m_output->commit();
+    if (m_maps)
+        m_maps->commit();
     endPart("write");
 }
 
-void Conversion::write(const Korvane::Object& mesh)
+void Conversion::write(const TessaryMesh::Result& result)
 {
     write([&](TessaryMesh::OutputFile& output) {
-        return TessaryMesh::writeMesh(mesh, m_format, output);
+        auto warnings = TessaryMesh::writeMesh(*result.mesh, m_format, output);
+        if (m_maps)
+            TessaryMesh::writeArrays(result.parents.arrays(), mapsFormatFor(m_maps->path()),
+                                     *m_maps);
+        return warnings;
     });
+}
+
+void Conversion::openMaps(const FileOptions& files)
+{
+    mapsFormatFor(files.maps);
+    if (files.maps == m_outputPath)
+        throw UsageError("--output and --maps name the same file, " + files.maps);
+    m_maps = std::make_unique<TessaryMesh::OutputFile>(files.maps, files.output.force);
 }
 
 ExitCode Conversion::report(const Json& facts, const std::string& summary)
@@ -55,6 +71,8 @@ ExitCode Conversion::report(const Json& facts, const std::string& summary)
                 {"file", m_inputPath},
                 {"output", m_outputPath},
                 {"format", m_format.name}};
+    if (m_maps)
+        all["maps"] = m_maps->path();
     all.update(facts);
     all["seconds"] = m_seconds;
     m_session.finish(std::move(all), "");

@@ -5,6 +5,7 @@
 
 #include <Korvane/Object.h>
 #include <TessaryMesh/Files.h>
+#include <TessaryMesh/Operations.h>
 
 #include <nlohmann/json.hpp>
 
@@ -40,8 +41,8 @@ public:
     /// Writes the output by `writer`, which returns its warnings, and gives it its name.
     void write(const std::function<std::vector<std::string>(TessaryMesh::OutputFile&)>& writer);
 
-    /// Writes a mesh in the format that was asked for.
-    void write(const Korvane::Object& mesh);
+    /// Writes a mesh in the format that was asked for, and its parent maps where they were.
+    void write(const TessaryMesh::Result& result);
 
     /// Ends the verb with what it has to say of its work, as JSON and in a few words.
     ExitCode report(const Json& facts, const std::string& summary);
@@ -57,6 +58,7 @@ private:
         }
     }
 
+    void openMaps(const FileOptions& files);
     void beginPart(const std::string& what);
     void endPart(const char* part);
 
@@ -64,6 +66,7 @@ private:
     std::string m_inputPath, m_outputPath;
     const TessaryMesh::Format& m_format;
     std::unique_ptr<TessaryMesh::OutputFile> m_output;
+    std::unique_ptr<TessaryMesh::OutputFile> m_maps;  // null where nobody asked for maps
     TessaryMesh::MeshRead m_input;
     Stopwatch m_watch;
     Json m_seconds;  // of each part

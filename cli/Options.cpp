@@ -117,6 +117,14 @@ void addFiles(CLI::App& verb, FileOptions& files, Formats formats)
     verb.add_flag("--force,-f", output.force, "Replace FILE if it exists");
 }
 
+void addMaps(CLI::App& verb, FileOptions& files, const std::string& element)
+{
+    verb.add_option("--maps", files.maps,
+                    "Write where each " + element +
+                        " comes from: its face in INPUT and the like, as arrays\n(.npz or .json)")
+        ->type_name("FILE");
+}
+
 void addProperties(CLI::App& verb, std::string& selection)
 {
     verb.add_option("--properties", selection,
@@ -135,6 +143,15 @@ const Format& formatFor(const OutputOptions& output)
         return *format;
     throw UsageError(output.path + ": the ending is neither " +
                      listOf(endingsOf(output.formats), " nor ") + "; give --format");
+}
+
+const Format& mapsFormatFor(const std::string& path)
+{
+    const Format* const format = TessaryMesh::formatOfName(path);
+    if (format && format->writesArrays)
+        return *format;
+    throw UsageError(path + ": --maps writes arrays; name a file that ends in " +
+                     listOf(endingsOf(formatsThat(&Format::writesArrays)), " or "));
 }
 
 TessaryMesh::Carry selectProperties(const Korvane::Object& mesh, const std::string& selection)

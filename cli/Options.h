@@ -32,6 +32,7 @@ struct OutputOptions {
 struct FileOptions {
     std::string input;
     OutputOptions output;
+    std::string maps;  ///< where to write the parent maps; empty for nowhere
 };
 
 /// --json, --quiet and --threads, which every verb has.
@@ -44,10 +45,16 @@ Run declareReport(CLI::App& verb, Session& session,
 /// The input, and an output in one of these formats.
 void addFiles(CLI::App& verb, FileOptions& files, Formats formats);
 
+/// --maps: where each `element` of the output, "face" or "sample", comes from.
+void addMaps(CLI::App& verb, FileOptions& files, const std::string& element);
+
 void addProperties(CLI::App& verb, std::string& selection);
 
 /// The format to write. Throws UsageError where neither --format nor the ending says it.
 const TessaryMesh::Format& formatFor(const OutputOptions& output);
+
+/// The format of a file of parent maps. Throws UsageError where its ending is none of arrays.
+const TessaryMesh::Format& mapsFormatFor(const std::string& path);
 
 /// The properties of `mesh` that "all", "none" or "a,b" selects. Throws UsageError for a name that
 /// the mesh lacks.

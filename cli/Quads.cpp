@@ -62,7 +62,7 @@ ExitCode quads(const Options& options, Session& session)
     const TessaryMesh::QuadResult result = conversion.run(
         "quads", "making quads", [&] { return quadsOf(conversion.mesh(), options); });
     session.warn(result.warnings);
-    conversion.write(*result.mesh);
+    conversion.write(result);
     const Json facts = {{"before", countsOf(mesh)},
                         {"after", countsOf(*result.mesh)},
                         {"edges", result.edges},
@@ -141,6 +141,7 @@ Run declareQuads(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
     addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesMeshes));
+    addMaps(verb, *options, "face");
     addProperties(verb, options->properties);
     addCreases(verb, *options);
     addCuts(verb, *options);

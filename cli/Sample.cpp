@@ -142,7 +142,7 @@ ExitCode sample(const Options& options, Session& session)
     const auto smallest = conversion.run("distances", "measuring distances", [&] {
         return TessaryMesh::smallestDistance(*samples.positions, samples.distance);
     });
-    conversion.write(*result.mesh);
+    conversion.write(result);
     Json facts = {{"before", countsOf(mesh)}};
     facts.update(factsOf(options, surface, samples, smallest));
     facts["properties"] = carriedNames(*result.mesh);
@@ -167,6 +167,7 @@ Run declareSample(CLI::App& verb, Session& session)
     verb.add_option("--seed", options->seed,
                     "Draw other samples: 0 without this option, to 4294967295")
         ->type_name("N");
+    addMaps(verb, *options, "sample");
     addProperties(verb, options->properties);
     verb.footer(kHelp);
     return [options, &session] { return sample(*options, session); };

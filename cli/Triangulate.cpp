@@ -45,7 +45,7 @@ ExitCode triangulate(const Options& options, Session& session)
         return TessaryMesh::triangulate(mesh, selectProperties(mesh, options.properties));
     });
     session.warn(result.warnings);
-    conversion.write(*result.mesh);
+    conversion.write(result);
     const Json facts = {{"before", countsOf(mesh)},
                         {"after", countsOf(*result.mesh)},
                         {"properties", carriedNames(*result.mesh)}};
@@ -58,6 +58,7 @@ Run declareTriangulate(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
     addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesMeshes));
+    addMaps(verb, *options, "face");
     addProperties(verb, options->properties);
     verb.footer(kHelp);
     return [options, &session] { return triangulate(*options, session); };

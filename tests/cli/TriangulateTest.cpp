@@ -50,6 +50,26 @@ TEST_F(TriangulateVerb, WritesTheFormatOfTheEndingOrOfTheOption)
     }
 }
 
+TEST_F(TriangulateVerb, WritesWhereItsTrianglesComeFrom)
+{
+    const std::string maps = folder / "maps.json";
+    EXPECT_EQ(reportOf({"triangulate", house, "-o", out, "--maps", maps})["maps"], maps);
+    expectReport(json::parse(contentOf(maps)), R"({
+        "face": [0, 0, 1, 2, 2, 2],
+        "corner": [0, 1, 2, 0, 2, 3, 4, 5, 6, 7, 8, 9, 7, 9, 10, 7, 10, 11]})");
+
+    const Names again = {"triangulate", house, "-o", folder / "b.obj", "--maps"};
+    const auto with = [&again](const std::string& file) {
+        Names arguments = again;
+        arguments.push_back(file);
+        return run(arguments);
+    };
+    expectRefusal(with(maps), 3, "--force");
+    expectRefusal(with(folder / "maps.obj"), 2, "--maps writes arrays");
+    expectRefusal(with(folder / "b.obj"), 2, "--maps");
+    EXPECT_EQ(folder.names(), (Names{"house.obj", "maps.json", "out.obj"}));
+}
+
 TEST_F(TriangulateVerb, ReplacesOnlyWhenForcedEvenItsOwnInput)
 {
     expectRefusal(run({"triangulate", house, "-o", house}), 3, "--force");
