@@ -3,7 +3,7 @@
 #include <Korvane/Geometry.h>
 
 #include <TessaryMesh/Files.h>
-#include <mesh/ops/ClosestPair.h>
+#include <TessaryMesh/Operations.h>
 
 using namespace TestSupport;
 using Korvane::Geometry::dataArray;
