@@ -55,8 +55,8 @@ TEST_F(TriangulateVerb, WritesWhereItsTrianglesComeFrom)
     const std::string maps = folder / "maps.json";
     EXPECT_EQ(reportOf({"triangulate", house, "-o", out, "--maps", maps})["maps"], maps);
     expectReport(json::parse(contentOf(maps)), R"({
-        "face": [0, 0, 1, 2, 2, 2],
-        "corner": [0, 1, 2, 0, 2, 3, 4, 5, 6, 7, 8, 9, 7, 9, 10, 7, 10, 11]})");
+        "face": [0, 0, 0, 1, 1, 2],
+        "corner": [0, 1, 2, 0, 2, 3, 0, 3, 4, 5, 6, 7, 5, 7, 8, 9, 10, 11]})");
 
     const Names again = {"triangulate", house, "-o", folder / "b.obj", "--maps"};
     const auto with = [&again](const std::string& file) {
