@@ -7,15 +7,15 @@
 #include "files/ply/Ply.h"
 
 #include <algorithm>
-#include <iterator>
+#include <array>
 
 namespace TessaryMesh {
 namespace {
 
 using Ply::Encoding;
 
-constexpr FormatRow row(std::string_view name, std::string_view title, std::string_view ending,
-                        const FormatFunctions& functions)
+FormatRow row(std::string_view name, std::string_view title, std::string_view ending,
+              const FormatFunctions& functions)
 {
     return {{name, title, ending, functions.read != nullptr, functions.writeMesh != nullptr,
              functions.writeCloud != nullptr, functions.writeArrays != nullptr},
@@ -32,14 +32,19 @@ template <Encoding encoding>
 constexpr FormatFunctions kPly{isPly, readPly, writePlyAs<encoding>, writePlyAs<encoding>, nullptr};
 
 // Every format that there is: its functions are declared in the one header of its folder.
-constexpr FormatRow kTable[] = {
-    row("obj", "Wavefront OBJ", ".obj", {nullptr, readObj, writeObj, writeObj, nullptr}),
-    row("ply", "PLY, binary", ".ply", kPly<Encoding::LittleEndian>),
-    row("ply-ascii", "PLY, ASCII", "", kPly<Encoding::Ascii>),
-    row("ply-big", "PLY, binary, big-endian", "", kPly<Encoding::BigEndian>),
-    row("json", "JSON arrays", ".json", {nullptr, nullptr, nullptr, nullptr, writeJsonArrays}),
-    row("npz", "NumPy arrays", ".npz", {nullptr, nullptr, nullptr, writeNpzCloud, writeNpzArrays}),
-};
+const auto& table()
+{
+    static const std::array kRows{
+        row("obj", "Wavefront OBJ", ".obj", {nullptr, readObj, writeObj, writeObj, nullptr}),
+        row("ply", "PLY, binary", ".ply", kPly<Encoding::LittleEndian>),
+        row("ply-ascii", "PLY, ASCII", "", kPly<Encoding::Ascii>),
+        row("ply-big", "PLY, binary, big-endian", "", kPly<Encoding::BigEndian>),
+        row("json", "JSON arrays", ".json", {nullptr, nullptr, nullptr, nullptr, writeJsonArrays}),
+        row("npz", "NumPy arrays", ".npz",
+            {nullptr, nullptr, nullptr, writeNpzCloud, writeNpzArrays}),
+    };
+    return kRows;
+}
 
 bool endsWith(std::string_view path, std::string_view lowerCaseEnding)
 {
@@ -55,17 +60,17 @@ bool endsWith(std::string_view path, std::string_view lowerCaseEnding)
 template <class Fits>
 const Format* findIf(const Fits& fits)
 {
-    const auto* const found =
-        std::find_if(std::begin(kTable), std::end(kTable),
-                     [&](const FormatRow& candidate) { return fits(candidate.format); });
-    return found == std::end(kTable) ? nullptr : &found->format;
+    for (const FormatRow& candidate : table())
+        if (fits(candidate.format))
+            return &candidate.format;
+    return nullptr;
 }
 
 }  // namespace
 
 const FormatRow& rowOf(const Format& format)
 {
-    for (const FormatRow& candidate : kTable)
+    for (const FormatRow& candidate : table())
         if (candidate.format.name == format.name)
             return candidate;
     throw ArgumentError("format", "there is no format " + quoted(format.name));
@@ -73,17 +78,17 @@ const FormatRow& rowOf(const Format& format)
 
 const FormatRow& rowOfContent(std::string_view bytes)
 {
-    for (const FormatRow& candidate : kTable)
+    for (const FormatRow& candidate : table())
         if (candidate.functions.recognises && candidate.functions.recognises(bytes))
             return candidate;
-    return kTable[0];
+    return table().front();
 }
 
 const std::vector<const Format*>& formats()
 {
     static const std::vector<const Format*> kFormats = [] {
         std::vector<const Format*> all;
-        for (const FormatRow& each : kTable)
+        for (const FormatRow& each : table())
             all.push_back(&each.format);
         return all;
     }();
