@@ -1,5 +1,6 @@
 #include <Pelon/TypeRep.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -19,20 +20,40 @@ constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
 #if defined(__linux__)
 
+//   | huge page           | ...       | page |      mapped, from a 2 MiB boundary on
+//     | start | elements  ...           |           start < 4096, from 64 bytes to 64 bytes
+//
+// A processor holds a load back while an earlier store with the same low 12 bits waits to be written.
+// Were every block to begin on a boundary, a loop that reads one array and writes another in step would
+// stall at each element. So blocks begin in different places of their first page.
+constexpr std::size_t kStartRange = 4096;
+
+// 17 lines of 64 bytes: the starts of 64 blocks in a row differ, and of neighbours by 1 KiB or more.
+constexpr std::size_t kStartStep = 1088;
+
 std::size_t roundedUp(std::size_t bytes, std::size_t unit)
 {
     return (bytes + unit - 1) / unit * unit;
 }
 
+// Elements may ask for more than the step keeps; they begin on a multiple of what they ask for.
+std::size_t nextStart(std::size_t alignment)
+{
+    static std::atomic<std::size_t> blocks{0};
+    const std::size_t start =
+        blocks.fetch_add(1, std::memory_order_relaxed) * kStartStep % kStartRange;
+    return start / alignment * alignment;
+}
+
 // A tail of small pages costs a fault each, so whole huge pages are taken wherever the tail is a
-// small part of the block.
+// small part of the block. One page more makes room for any start, which therefore need not be known.
 std::size_t mappedSize(std::size_t bytes)
 {
     static const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    return roundedUp(bytes, bytes >= 8 * kHugePage ? kHugePage : page);
+    return roundedUp(bytes, bytes >= 8 * kHugePage ? kHugePage : page) + page;
 }
 
-void* mapZeroed(std::size_t bytes)
+void* mapZeroed(std::size_t bytes, std::size_t alignment)
 {
     const std::size_t length = mappedSize(bytes);
     void* mapped = mmap(nullptr, length + kHugePage, PROT_READ | PROT_WRITE,
@@ -48,7 +69,14 @@ void* mapZeroed(std::size_t bytes)
         munmap(first, lead);
     munmap(first + lead + length, kHugePage - lead);
     madvise(first + lead, length, MADV_HUGEPAGE);  // only advice: small pages serve as well
-    return first + lead;
+    return first + lead + nextStart(alignment);
+}
+
+// Nothing is stored in front of the elements: the mapping begins where their huge page does.
+void unmap(void* block, std::size_t bytes)
+{
+    const std::size_t start = reinterpret_cast<std::uintptr_t>(block) % kHugePage;
+    munmap(static_cast<char*>(block) - start, mappedSize(bytes));
 }
 
 bool isMapped(std::size_t bytes)
@@ -79,7 +107,7 @@ void* UntypedTypeRep::allocate(std::size_t count) const
         throw std::bad_array_new_length();
 #if defined(__linux__)
     if (isMapped(count * m_size))
-        return mapZeroed(count * m_size);
+        return mapZeroed(count * m_size, m_alignment);
 #endif
     if (isOverAligned(m_alignment))
         return allocateOverAligned(count * m_size, m_alignment);
@@ -95,7 +123,7 @@ void UntypedTypeRep::deallocate(void* pointer, std::size_t count) const noexcept
         return;  // null, or memory that an array has borrowed
 #if defined(__linux__)
     if (isMapped(count * m_size)) {
-        munmap(pointer, mappedSize(count * m_size));
+        unmap(pointer, count * m_size);
         return;
     }
 #endif

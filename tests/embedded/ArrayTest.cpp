@@ -7,10 +7,13 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
+#include <fstream>
 #include <limits>
 #include <memory>
 #include <new>
 #include <numeric>
+#include <set>
 #include <stdexcept>
 #include <thread>
 #include <type_traits>
@@ -149,27 +152,75 @@ TEST(Array, KeepsItsElementsAndLeaksNoneWhenACopyThrows)
     EXPECT_EQ(Fragile::living, 1);
 }
 
-TEST(Array, BlocksAreZeroAlignedForTheirTypeAndLargeOnesStartOnAHugePage)
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+
+template <std::size_t alignment>
+struct alignas(alignment) Aligned {
+    unsigned char bytes[alignment];
+};
+
+template <std::size_t alignment>
+void expectZeroAndAligned(std::size_t bytes)
 {
-    constexpr std::size_t kHugePage = std::size_t{2} << 20;
-    for (const std::size_t bytes : {kHugePage - 1, kHugePage, kHugePage + 5, 9 * kHugePage + 5}) {
-        SCOPED_TRACE(bytes);
-        for (int round = 0; round < 2; ++round) {  // the second may get the first one's memory
-            Array<unsigned char> block(bytes);
-            EXPECT_TRUE(isAllZero(block.data(), bytes));
-            EXPECT_TRUE(bytes < kHugePage || addressOf(block.data()) % kHugePage == 0);
-            std::fill(block.begin(), block.end(), 0xFF);
-        }
-    }
-    struct alignas(64) Line {
-        float lane[16];
-    };
-    for (const std::size_t count : {1, 3, 100, 50000}) {
-        const Array<Line> lines(count);
-        EXPECT_EQ(addressOf(lines.data()) % 64, 0u) << count;
-        EXPECT_TRUE(isAllZero(lines.data(), count * sizeof(Line))) << count;
+    SCOPED_TRACE(testing::Message() << bytes << " bytes aligned to " << alignment);
+    for (int round = 0; round < 2; ++round) {  // the second may get the first one's memory
+        Array<Aligned<alignment>> array((bytes + alignment - 1) / alignment);
+        auto* const first = reinterpret_cast<unsigned char*>(array.data());
+        EXPECT_EQ(addressOf(first) % alignment, 0u);
+        EXPECT_TRUE(bytes < kHugePage || addressOf(first) % 64 == 0);
+        EXPECT_TRUE(isAllZero(first, array.size() * alignment));
+        std::memset(first, 0xFF, array.size() * alignment);
     }
 }
+
+TEST(Array, BlocksAreZeroAndAlignedForTheirType)
+{
+    for (const std::size_t bytes : {std::size_t{100}, kHugePage - 1, kHugePage, kHugePage + 5,
+                                    8 * kHugePage, 9 * kHugePage + 5}) {
+        expectZeroAndAligned<1>(bytes);
+        expectZeroAndAligned<64>(bytes);
+        expectZeroAndAligned<2048>(bytes);
+        expectZeroAndAligned<8192>(bytes);
+    }
+}
+
+#if defined(__linux__)
+
+// Two arrays whose starts are equal modulo 4 KiB slow down a loop over both.
+TEST(Array, LargeBlocksBeginOnHugePagesInDifferentPlaces)
+{
+    std::set<std::uintptr_t> starts;
+    for (int n = 0; n < 16; ++n)
+        starts.insert(addressOf(Array<int>(kHugePage).data()) % kHugePage);
+    EXPECT_EQ(starts.size(), 16u);
+    EXPECT_LT(*starts.rbegin(), 4096u);
+}
+
+std::size_t mappedPages()
+{
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages;
+}
+
+// An array that grows frees blocks of many sizes; neither they nor what they are cut from may stay.
+TEST(Array, LargeBlocksAreGivenBackWhole)
+{
+    const auto growAndFree = [] {
+        Array<int> grown;
+        for (const std::size_t megabytes : {2, 3, 7, 20, 41}) {
+            grown.resize(megabytes << 18, 1);
+            ASSERT_TRUE(grown == Array<int>(grown.size(), 1));
+        }
+    };
+    mappedPages();
+    const std::size_t before = mappedPages();
+    for (int round = 0; round < 5; ++round)
+        growAndFree();
+    EXPECT_EQ(mappedPages(), before);
+}
+
+#endif
 
 TEST(Array, RefusesSizesThatCannotBe)
 {

@@ -14,9 +14,10 @@ namespace Internal {
 
 /// What the runtime knows of an element type, and the one place where array storage is obtained.
 ///
-/// Blocks of 2 MiB and more are mapped directly: they start on a 2 MiB boundary, ask for huge
-/// pages, and their pages are zeroed by the system when they are first touched, by whichever
-/// thread touches them. A large array that a parallel loop fills is therefore written once.
+/// Blocks of 2 MiB and more are mapped directly: they ask for huge pages, and their pages are zeroed
+/// by the system when they are first touched, by whichever thread touches them. A large array that a
+/// parallel loop fills is therefore written once. They start within 4 KiB after a 2 MiB boundary, at
+/// least 64-byte aligned, each in another place than the one before.
 class UntypedTypeRep {
 public:
     constexpr UntypedTypeRep(std::size_t size, std::size_t alignment) noexcept
