@@ -28,7 +28,9 @@ constexpr std::size_t kHugePage = std::size_t{2} << 20;
 // stall at each element. So blocks begin in different places of their first page.
 constexpr std::size_t kStartRange = 4096;
 
-// 17 lines of 64 bytes: the starts of 64 blocks in a row differ, and of neighbours by 1 KiB or more.
+// 17 lines of 64 bytes, so 64 blocks in a row begin differently. Dual table of a natural torus of a
+// million triangles, input against output, 2 busy cores: equal starts 49 ms; 64 bytes apart on either
+// side, and every multiple of 256, 25 to 28 ms. Any odd number of lines would do.
 constexpr std::size_t kStartStep = 1088;
 
 std::size_t roundedUp(std::size_t bytes, std::size_t unit)
