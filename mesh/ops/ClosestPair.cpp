@@ -15,7 +15,6 @@ namespace TessaryMesh {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kFarthestCell = 0x1p62;
 
 struct Cell {
     std::int64_t x, y, z;
@@ -64,18 +63,19 @@ private:
     Cell cellOf(const float3& p) const
     {
         const auto along = [this](float x) {
-            const double cell = std::floor(x / m_size);
-            return static_cast<std::int64_t>(std::clamp(cell, -kFarthestCell, kFarthestCell));
+            return static_cast<std::int64_t>(std::floor(x / m_size));
         };
         return {along(p.x), along(p.y), along(p.z)};
     }
 
-    // Neighbours along z are neighbours here.
+    // Neighbours along z are neighbours here. Cells that are tiny for the coordinates have numbers that
+    // differ in their upper bits alone, so these count, too.
     std::size_t bucketOf(const Cell& c) const
     {
         const auto x = static_cast<std::uint64_t>(c.x) * 0x9E3779B97F4A7C15u;
         const auto y = static_cast<std::uint64_t>(c.y) * 0xC2B2AE3D27D4EB4Fu;
-        return ((x >> 29) + (y >> 31) + static_cast<std::uint64_t>(c.z)) & m_mask;
+        const auto z = static_cast<std::uint64_t>(c.z);
+        return ((x >> 36) + (y >> 37) + z + (z >> 36)) & m_mask;
     }
 
     // Each pair is seen from the later of the two.
@@ -100,12 +100,24 @@ private:
     std::vector<float3> m_points;
 };
 
+// Beyond this many cells from the origin 64 bits could not number them, and all points would share a few.
+double leastCellSize(const Array<float3>& points)
+{
+    constexpr double kMostCells = 0x1p60;
+    double farthest = 0;
+    for (const float3& p : points)
+        for (const float x : {p.x, p.y, p.z})
+            farthest = std::max(farthest, std::fabs(double{x}));
+    return std::max(farthest / kMostCells, 1e-45);
+}
+
 std::optional<double> nearestPair(const Array<float3>& points, double guess)
 {
     if (points.size() < 2)
         return std::nullopt;
-    // A little more than the guess, which is what the nearest pair usually exceeds by a little.
-    double cell = 1.25 * std::max(guess, 1e-45);
+    // A little more than the guess, which is what the nearest pair usually exceeds by a little; a guess
+    // that is no number counts as none.
+    double cell = std::max(leastCellSize(points), 1.25 * guess);
     for (;; cell *= 4) {
         throwIfCancelled();
         const double nearest = std::sqrt(BucketGrid(points, cell).nearestSquared());

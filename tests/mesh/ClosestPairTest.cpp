@@ -1,3 +1,4 @@
+#include "support/Cost.h"
 #include "support/MeshBuilding.h"
 #include "support/Random.h"
 #include "support/Threads.h"
@@ -57,6 +58,17 @@ TEST(ClosestPair, NeedsTwoPointsAndFindsCoincidingOnes)
     EXPECT_FALSE(smallestDistance({{1, 2, 3}}, 1));
     EXPECT_EQ(smallestDistance({{1, 2, 3}, {4, 4, 4}, {1, 2, 3}}, 0), 0.0);
     EXPECT_EQ(smallestDistance({{-3e38f, 0, 0}, {3e38f, 0, 0}}, 1), 2 * double{3e38f});
+}
+
+TEST(ClosestPair, ComparesFewPairsWithoutAGuess)
+{
+    const Array<float3> points = randomPoints(3, 30000, {0, 0, 0}, 1);
+    const auto expected = smallestDistance(points, 1e-3);
+    const auto near = [&] { EXPECT_EQ(smallestDistance(points, 1e-3), expected); };
+    for (const double guess : {0.0, double{NAN}})
+        EXPECT_LT(costRatio([&] { EXPECT_EQ(smallestDistance(points, guess), expected); }, near),
+                  100)
+            << guess;
 }
 
 TEST(ClosestPair, IsTheSameForAnyThreadCount)
