@@ -2,6 +2,7 @@
 
 #include "base/Guard.h"
 #include "base/Host.h"
+#include "ops/CellSize.h"
 
 namespace TessaryMesh {
 namespace {
@@ -11,6 +12,7 @@ MutablePtr<Object> cubesOf(const Array<Cell>& cells, double cellSize)
     // Point 4 x + 2 y + z of a cube is the one at these ends of its axes.
     constexpr uint kFaces[6][4] = {{0, 1, 3, 2}, {4, 6, 7, 5}, {0, 4, 5, 1},
                                    {2, 3, 7, 6}, {0, 2, 6, 4}, {1, 5, 7, 3}};
+    checkCellSize(cellSize);
     if (cells.size() > 0xFFFFFFFFu / 24)
         throw ArgumentError("cells", "more cubes than a mesh of 32-bit indices holds");
     Array<float3> points(8 * cells.size());

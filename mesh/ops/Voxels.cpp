@@ -5,6 +5,7 @@
 #include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
+#include "ops/CellSize.h"
 #include "ops/RowBounds.h"
 
 #include <tbb/blocked_range.h>
@@ -227,6 +228,7 @@ private:
 Array<Cell> touchedCells(const Object& mesh, double cellSize)
 {
     return guarded([&] {
+        checkCellSize(cellSize);
         const MeshArrays arrays(mesh);
         const Array<uint> triangles = fanTriangles(*arrays.faceOffset, *arrays.faceVertex);
         return triangles.empty() ? Array<Cell>()

@@ -81,8 +81,9 @@ TEST(Voxels, TouchingCountsOnBothSidesOfTheGridsPlanes)
 TEST(Voxels, RefuseGridsThatAreTooLongOrTooFar)
 {
     const auto mesh = Geometry::makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {0, 3}, {0, 1, 2});
-    for (const double size : {1e-7, 1e-300})
-        EXPECT_THROW(touchedCells(*mesh, size), TessaryMesh::ArgumentError);
+    for (const double size : {1e-7, 1e-300, 0.0, -0.3, double{INFINITY}, double{NAN}})
+        EXPECT_THROW(touchedCells(*mesh, size), TessaryMesh::ArgumentError) << size;
+    EXPECT_THROW(TessaryMesh::makeCubes({{0, 0, 0}}, -1), TessaryMesh::ArgumentError);
 }
 
 // A single face with minutes of work.

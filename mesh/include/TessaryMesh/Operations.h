@@ -233,7 +233,7 @@ TESSARY_MESH_API SampleResult sample(const Korvane::Object& mesh, const SampleOp
 ///
 /// Every pair that could be the nearest is measured, in double precision, so the result is exact up
 /// to that rounding whatever `guess` is. A guess near the result finds it in linear time; one far
-/// below it costs further passes, one far above it compares more pairs. Coordinates are finite.
+/// below it, such as 0, costs further passes, one far above it compares more pairs. Coordinates are finite.
 TESSARY_MESH_API std::optional<double> smallestDistance(
     const Pelon::Array<Korvane::Math::float3>& points, double guess);
 
@@ -249,12 +249,12 @@ struct Cell {
 /// the cells of several meshes fit together. A face that just touches a cell counts, as far as
 /// rounding in float goes.
 ///
-/// Throws ArgumentError, with what to do, where the grid would be more than 2,097,152 cells long on a
-/// side or begin further than 2^30 cells from the origin.
+/// Throws ArgumentError, with what to do, where the cell size is not above zero and finite, or the grid
+/// would be more than 2,097,152 cells long on a side or begin further than 2^30 cells from the origin.
 TESSARY_MESH_API Pelon::Array<Cell> touchedCells(const Korvane::Object& mesh, double cellSize);
 
 /// A mesh of a closed cube of six quads for each cell, faces turned outwards. Throws ArgumentError
-/// where 32-bit indices cannot name the corners.
+/// where 32-bit indices cannot name the corners, and for cell sizes as touchedCells() does.
 TESSARY_MESH_API Pelon::MutablePtr<Korvane::Object> makeCubes(const Pelon::Array<Cell>& cells,
                                                               double cellSize);
 
