@@ -135,8 +135,7 @@ void QuadProperties::interpolate(const CutPoints& cut)
 void QuadProperties::interpolateSeparately(const CutPoints& cut)
 {
     const MutablePtr<Object> source = emptySource(m_mesh);
-    addDataGeoProperty<float3>(*source, kPositions, sPointComp,
-                               dataArray<float3>(m_mesh, sPointPosition));
+    addDataGeoProperty<float3>(*source, kPositions, sPointComp, MeshArrays(m_mesh).points);
     for (const Carried& carried : m_carried) {
         const Ptr<Object> range =
             carried.range.empty() ? nullptr : getRangeGeoProperty(m_mesh, carried.range);

@@ -2,6 +2,7 @@
 
 #include "base/Guard.h"
 #include "base/Host.h"
+#include "base/MeshArrays.h"
 #include "base/MessageText.h"
 #include "base/Scalars.h"
 #include "base/Vectors.h"
@@ -55,19 +56,16 @@ int largest(const float* w)
 class Places {
 public:
     Places(const Object& mesh, const SurfaceSamples& samples)
-        : m_offset(dataArray<uint>(mesh, sFaceOffset)),
-          m_corner(dataArray<uint>(mesh, sFaceVertex)),
-          m_samples(samples),
-          m_faceIds(makeMutable<Array<uint>>(samples.count()))
+        : m_mesh(mesh), m_samples(samples), m_faceIds(makeMutable<Array<uint>>(samples.count()))
     {
-        const Ptr<Array<uint>> faces = facesOfTriangles(*m_offset);
+        const Ptr<Array<uint>> faces = facesOfTriangles(*m_mesh.faceOffset);
         uint* const ids = m_faceIds->data();
         forEach(samples.count(),
                 [&](std::size_t i) { ids[i] = (*faces)[(*samples.triangles)[i]]; });
     }
 
     std::size_t count() const { return m_faceIds->size(); }
-    const Ptr<Array<uint>> faceIds() const { return m_faceIds; }
+    Ptr<Array<uint>> faceIds() const { return m_faceIds; }
     const float* weights(std::size_t i) const { return m_samples.weights->data() + 3 * i; }
 
     // Corner k of the fan triangle, numbered in the polygon mesh.
@@ -75,7 +73,7 @@ public:
     {
         const uint face = (*m_faceIds)[i];
         const uint inFan = (*m_samples.triangles)[i] - firstTriangle(face);
-        return (*m_offset)[face] + (k == 0 ? 0 : inFan + k);
+        return (*m_mesh.faceOffset)[face] + (k == 0 ? 0 : inFan + k);
     }
 
     // The element of the component at corner k.
@@ -83,13 +81,13 @@ public:
     {
         return component == sFaceComp         ? (*m_faceIds)[i]
                : component == sFaceVertexComp ? corner(i, k)
-                                              : (*m_corner)[corner(i, k)];
+                                              : (*m_mesh.faceVertex)[corner(i, k)];
     }
 
 private:
-    uint firstTriangle(uint face) const { return (*m_offset)[face] - 2 * face; }
+    uint firstTriangle(uint face) const { return (*m_mesh.faceOffset)[face] - 2 * face; }
 
-    Ptr<Array<uint>> m_offset, m_corner;
+    MeshArrays m_mesh;
     const SurfaceSamples& m_samples;
     MutablePtr<Array<uint>> m_faceIds;
 };

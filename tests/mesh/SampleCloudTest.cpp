@@ -164,6 +164,13 @@ TEST(SampleCloud, NamesThatAreTakenGiveWayAndWhatHasNoRuleIsLeftOut)
     EXPECT_EQ(TessaryMesh::carriedPropertyNames(*bare.mesh), (Array<String>{"normal"}));
 }
 
+TEST(SampleCloud, OfNoSamplesNeedsNoFaces)
+{
+    const auto cloud = Korvane::createObject();
+    populatePointCloud(shared<float3>({{1, 2, 3}}), *cloud);
+    EXPECT_EQ(getElementCount(*makeSampleCloud(*cloud, {}).mesh, sPointComp), 0u);
+}
+
 TEST(SampleCloud, NormalsAreThoseOfTheTrianglesUnlessTheMeshHasSome)
 {
     const auto mesh = makeMesh({{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 2}}, {0, 4}, {0, 1, 2, 3});
