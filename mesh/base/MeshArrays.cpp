@@ -5,6 +5,9 @@
 
 #include "base/Host.h"
 
+#include <string>
+#include <utility>
+
 namespace TessaryMesh {
 namespace {
 
@@ -23,21 +26,29 @@ MeshArrays::MeshArrays(const Object& mesh)
       faceVertex(arrayOr<uint>(mesh, Geometry::sFaceVertex, {}))
 {}
 
-void rejectFaces()
+void rejectFaces(const Array<uint>& faceOffset)
 {
-    throw InvalidMesh(Problem{Problem::Severity::Error,
-                              "small-face",
-                              "the mesh has faces that cannot be triangulated",
-                              1,
-                              {},
-                              "validate it"});
+    Problem problem{Problem::Severity::Error,
+                    "small-face",
+                    "the mesh has faces that cannot be triangulated",
+                    0,
+                    {},
+                    "validate it"};
+    for (std::size_t face = 0; face + 1 < faceOffset.size(); ++face) {
+        const uint size = faceOffset[face + 1] - faceOffset[face];
+        if (size < 3 && problem.count++ == 0)
+            problem.places = {
+                {"face " + std::to_string(face) + ", which has " + std::to_string(size),
+                 Problem::Element::Face, face}};
+    }
+    throw InvalidMesh(std::move(problem));
 }
 
 Array<uint> fanTriangles(const Array<uint>& faceOffset, const Array<uint>& faceVertex)
 {
     Array<uint> triFaceOffset, triFaceVertex;
     if (!Tessary::computeTriangulation(faceOffset, faceVertex, triFaceOffset, triFaceVertex))
-        rejectFaces();
+        rejectFaces(faceOffset);
     return triFaceVertex;
 }
 

@@ -17,8 +17,8 @@ struct MeshArrays {
     Ptr<Array<uint>> faceOffset, faceVertex;
 };
 
-/// Throws InvalidMesh for a mesh that has faces of fewer than three corners.
-[[noreturn]] void rejectFaces();
+/// Throws InvalidMesh for a mesh that has faces of fewer than three corners, with the first of them.
+[[noreturn]] void rejectFaces(const Array<uint>& faceOffset);
 
 /// The points of the corners of the fan triangles. Throws InvalidMesh where a face has fewer than
 /// three corners.

@@ -199,9 +199,11 @@ class FaceList {
 public:
     explicit FaceList(const Torus& torus) : m_torus(torus)
     {
-        for (uint j = 0; j < torus.rows(); ++j)
+        for (uint j = 0; j < torus.rows(); ++j) {
+            throwIfCancelled();
             for (uint i = 0; i < torus.columns(); i += kCellsPerBlock)
                 addBlock(i, j);
+        }
     }
 
     Array<uint> offset{0};

@@ -63,6 +63,7 @@ std::string lackOfMemory(double candidates)
 
 MutablePtr<Object> trianglesOf(const Object& mesh)
 {
+    throwIfCancelled();
     const MeshArrays arrays(mesh);
     Array<uint> corners = fanTriangles(*arrays.faceOffset, *arrays.faceVertex);
     if (corners.empty())
@@ -189,7 +190,7 @@ SurfaceSamples SampledSurface::sample(float distance, uint seed) const
                                   "samples)");
     }
     if (!trouble.empty())
-        throw std::runtime_error(trouble);
+        throw Error(trouble);
     return {dataArray<float3>(out, sPointPosition), dataArray<float>(out, "weight"),
             dataArray<uint>(out, "face_id"), distance};
 }

@@ -63,7 +63,7 @@ MutablePtr<Object> trianglesOf(const Object& mesh, const Array<String>& names)
 {
     MutablePtr<Object> triangles = Korvane::createObject();
     if (!Tessary::triangulatePolyMesh(mesh, names, *triangles))
-        rejectFaces();
+        rejectFaces(*MeshArrays(mesh).faceOffset);
     if (getElementCount(mesh, sFaceComp) == 0) {
         // The kernel leaves the target of a mesh without faces empty, even of points.
         populatePointCloud(dataArray<float3>(mesh, sPointPosition), *triangles);
@@ -112,6 +112,7 @@ Result triangulate(const Object& mesh, const Carry& carry)
         for (const String& name : mesh.propertyNames())
             if (Any value = carriedValue(mesh, *triangles, ways, name); !value.empty())
                 result.mesh->setProperty(name, std::move(value));
+        throwIfCancelled();  // small meshes are done before any loop asks
         const MeshArrays arrays(mesh);
         result.parents.face = facesOfTriangles(*arrays.faceOffset);
         result.parents.corner = cornersOfTriangles(*arrays.faceOffset);

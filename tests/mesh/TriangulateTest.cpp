@@ -159,9 +159,15 @@ TEST(Triangulate, FacelessMeshesKeepTheirPoints)
 
 TEST(Triangulate, RejectsFacesOfTwoCornersAndEndsWithACancelledJob)
 {
-    EXPECT_THROW(triangulate(*meshOf(3, {{0, 1}})), TessaryMesh::InvalidMesh);
+    EXPECT_EQ(
+        messageOf<TessaryMesh::InvalidMesh>([] {
+            triangulate(*meshOf(3, {{0, 1, 2}, {0, 1}, {2}}));
+        }),
+        "the mesh has faces that cannot be triangulated (2 times), first at face 1, which has 2; "
+        "validate it");
 
     const auto mesh = quadAndPentagon();
+    EXPECT_TRUE(endsWhenCancelled([&] { triangulate(*mesh); }));
     addValues<int>(*mesh, "id", sFaceComp, {1, 2});
     EXPECT_TRUE(endsWhenCancelled([&] { triangulate(*mesh); }));
 }
