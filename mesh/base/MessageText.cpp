@@ -39,6 +39,11 @@ std::string inputName(const std::string& path)
     return path == "-" ? "standard input" : path;
 }
 
+std::string outputName(const std::string& path)
+{
+    return path == "-" ? "standard output" : path;
+}
+
 bool isUtf8(std::string_view text)
 {
     for (std::size_t i = 0; i < text.size();) {

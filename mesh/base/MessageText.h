@@ -6,8 +6,9 @@
 /// Text from elsewhere, and how messages show it.
 namespace TessaryMesh {
 
-/// How messages call a file: its path, or "standard input".
+/// How messages call a file: its path, or "standard input" or "standard output".
 std::string inputName(const std::string& path);
+std::string outputName(const std::string& path);
 
 /// Whether `text` is well-formed UTF-8.
 bool isUtf8(std::string_view text);

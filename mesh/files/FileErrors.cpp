@@ -26,7 +26,7 @@ void failToRead(FileError::Code code, const std::string& path, const std::string
 
 void failToWrite(FileError::Code code, const std::string& path, const std::string& what)
 {
-    throw FileError(code, path, (path == "-" ? "standard output" : path) + ": " + what);
+    throw FileError(code, path, outputName(path) + ": " + what);
 }
 
 }  // namespace TessaryMesh

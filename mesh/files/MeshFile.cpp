@@ -76,7 +76,7 @@ std::vector<std::string> writeMesh(const Object& mesh, const Format& format, Out
         refuse(format, output, hasFaces ? "faces" : "points");
     return guarded([&] {
         if (hasFaces)
-            refuseErrors(mesh, output.path());
+            refuseErrors(mesh, outputName(output.path()));
         else if (!Geometry::dataArray<float3>(mesh, Geometry::sPointPosition))
             failToWrite(FileError::Code::Unsupported, output.path(),
                         "the object has no point positions; write a mesh");

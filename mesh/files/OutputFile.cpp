@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace TessaryMesh {
 namespace {
@@ -107,11 +108,11 @@ OutputFile::OutputFile(std::string path, bool overwrite)
 void OutputFile::openTemporary(unsigned permissions)
 {
     for (int i = 0; i < kTemporaryNames; ++i) {
-        const std::string name =
+        std::string name =
             m_target + ".part-" + std::to_string(::getpid()) + "-" + std::to_string(i);
         m_descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
         if (m_descriptor >= 0) {
-            m_temporary = name;
+            m_temporary = std::move(name);  // cannot fail, which would leave the file behind
             return;
         }
         if (errno != EEXIST)

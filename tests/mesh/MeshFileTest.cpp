@@ -87,6 +87,11 @@ TEST(MeshFile, RefusesMeshesWithErrorsOnBothWays)
     for (const char* name : {"b.obj", "b.ply"})
         EXPECT_EQ(messageOf<InvalidMesh>([&] { saveMesh(*mesh, folder / name); }),
                   (folder / name) + found);
+    EXPECT_EQ(messageOf<InvalidMesh>([&] {
+                  OutputFile output("-", true);
+                  writeMesh(*mesh, *findFormat("ply"), output);
+              }),
+              "standard output" + found);
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.obj"});
 }
 
