@@ -1,6 +1,8 @@
 #include "Conversion.h"
 
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 namespace Cli {
 namespace {
@@ -13,6 +15,17 @@ std::string totalOf(const Json& seconds)
     char text[32];
     std::snprintf(text, sizeof text, "%.3f s", total);
     return text;
+}
+
+// However the two are spelled; neither has to exist.
+bool isSameFile(const std::string& a, const std::string& b)
+{
+    const auto spelled = [](const std::string& path) {
+        std::error_code unknown;
+        const auto found = std::filesystem::weakly_canonical(path, unknown);
+        return std::filesystem::absolute(unknown ? std::filesystem::path(path) : found, unknown);
+    };
+    return a == b || (b != "-" && spelled(a) == spelled(b));
 }
 
 }  // namespace
@@ -59,7 +72,7 @@ void Conversion::write(const TessaryMesh::Result& result)
 void Conversion::openMaps(const FileOptions& files)
 {
     mapsFormatFor(files.maps);
-    if (files.maps == m_outputPath)
+    if (isSameFile(files.maps, m_outputPath))
         throw UsageError("--output and --maps name the same file, " + files.maps);
     m_maps = std::make_unique<TessaryMesh::OutputFile>(files.maps, files.output.force);
 }

@@ -48,6 +48,8 @@ TEST_F(SampleVerb, ACountIsMetWithinTwoPercentOrTheNearestIsSaid)
 {
     const std::string npz = folder / "out.npz";
     const json report = sampled(square, npz, {"--count", "1000"});
+    expectRefusal(run({"sample", square, "-d1", "-fo", npz, "--maps", folder / "./out.npz"}), 2,
+                  "name the same file");
     EXPECT_NEAR(report["samples"], 1000, 20);
     expectReport(report, R"({"count_asked": 1000, "distance_asked": null, "warnings": []})");
 
