@@ -1,4 +1,5 @@
 #include "arrays/Convert.h"
+#include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MessageText.h"
 #include "base/PropertyKinds.h"
@@ -17,6 +18,16 @@ void requireFreeName(const Object& mesh, const String& name)
     if (name.empty() || isTopology(name) || name == Geometry::sRenderSettings ||
         isComponent(mesh, name))
         throw arrayError(Code::Reserved, name, "the mesh needs this name for itself; use another");
+}
+
+void requireCount(const Object& mesh, const String& name, Component on, std::size_t count)
+{
+    const String& component = Internal::componentName(on);
+    const std::size_t elements = Geometry::getElementCount(mesh, component);
+    if (count != elements)
+        throw arrayError(Code::Length, name,
+                         std::to_string(count) + " values for the " + std::to_string(elements) +
+                             " " + elementWord(component) + "s of the mesh");
 }
 
 // The element type of `width` numbers, the vector before the matrix: that is their order in the host.
@@ -83,12 +94,10 @@ const String& componentName(Component component)
 void checkAttribute(const Object& mesh, const String& name, Component on, std::size_t count)
 {
     requireFreeName(mesh, name);
-    const String& component = componentName(on);
-    const std::size_t elements = Geometry::getElementCount(mesh, component);
-    if (count != elements)
-        throw arrayError(Code::Length, name,
-                         std::to_string(count) + " values for the " + std::to_string(elements) +
-                             " " + elementWord(component) + "s of the mesh");
+    if (Geometry::getRangeGeoProperty(mesh, name))
+        throw arrayError(Code::Reserved, name,
+                         "the indices of an attribute have this name; use another");
+    requireCount(mesh, name, on, count);
 }
 
 String addIndices(Object& mesh, const String& name, Component on, const Numbers& indices,
@@ -96,9 +105,14 @@ String addIndices(Object& mesh, const String& name, Component on, const Numbers&
 {
     String range = std::string(name.view()) + "_index";
     requireFreeName(mesh, name);
+    requireFreeName(mesh, range);
+    if (Geometry::getDataGeoProperty(mesh, range))
+        throw arrayError(
+            Code::Reserved, range,
+            "an attribute has this name, which the indices of " + quoted(name.view()) + " need");
     requireNameable(name, valueCount);
-    checkAttribute(mesh, range, on, indices.count());
-    Ptr<Array<uint>> array = toIndices(indices, range, checks);
+    requireCount(mesh, range, on, indices.count());
+    Ptr<Array<uint>> array = guarded([&] { return toIndices(indices, range, checks); });
     if (checks == Checks::All)
         requireInside(*array, valueCount, range);
     Geometry::addRangeGeoProperty(mesh, range, componentName(on), std::move(array));
@@ -114,7 +128,13 @@ bool isOnlyHolder(Object& mesh, const String& name, std::size_t holders)
     return isUnshared && holders == 2;  // the property, and who asks
 }
 
-void throwNoMemory(const String& name)
+void throwOutOfMemory(const String& name, std::size_t bytes)
+{
+    throw OutOfMemory("", "a copy of " + quoted(name.view()) + " needs more memory than there is",
+                      static_cast<double>(bytes));
+}
+
+void throwNullPointer(const String& name)
 {
     throw arrayError(Code::Missing, name, "the pointer to its elements is null");
 }
@@ -135,15 +155,19 @@ void throwNoArray(const Object& mesh, const String& name, const char* wanted)
 void addAttribute(Object& mesh, const String& name, Component on, const Numbers& values,
                   unsigned width)
 {
-    asHostArray(values, width, name,
-                [&](auto array) { addAttribute(mesh, name, on, std::move(array)); });
+    guarded([&] {
+        asHostArray(values, width, name,
+                    [&](auto array) { addAttribute(mesh, name, on, std::move(array)); });
+    });
 }
 
 void addIndexedAttribute(Object& mesh, const String& name, Component on, const Numbers& values,
                          unsigned width, const Numbers& indices, Checks checks)
 {
-    asHostArray(values, width, name, [&](auto array) {
-        addIndexedAttribute(mesh, name, on, std::move(array), indices, checks);
+    guarded([&] {
+        asHostArray(values, width, name, [&](auto array) {
+            addIndexedAttribute(mesh, name, on, std::move(array), indices, checks);
+        });
     });
 }
 

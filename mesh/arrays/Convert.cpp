@@ -76,7 +76,7 @@ template <class S>
 Ptr<Array<uint>> convertedIndices(const Numbers& numbers, const String& array)
 {
     if (!numbers.data() && numbers.count() > 0)
-        Internal::throwNoMemory(array);
+        Internal::throwNullPointer(array);
     requireIndices<S>(numbers, array);
     const auto indices = makeMutable<Array<uint>>(numbers.count());
     uint* const out = indices->data();
@@ -101,7 +101,7 @@ Ptr<Array<uint>> convertedIndices(const Numbers& numbers, const String& array)
 Ptr<Array<float3>> roundedPoints(const Numbers& numbers)
 {
     if (!numbers.data() && numbers.count() > 0)
-        Internal::throwNoMemory("points");
+        Internal::throwNullPointer("points");
     const auto points = makeMutable<Array<float3>>(numbers.count() / 3);
     bool areFloats = true;
     for (std::size_t p = 0; p < points->size(); ++p) {

@@ -1,4 +1,5 @@
 #include "arrays/Convert.h"
+#include "base/Guard.h"
 #include "base/Host.h"
 
 #include <TessaryMesh/Arrays.h>
@@ -77,17 +78,19 @@ MutablePtr<Object> assemble(Ptr<Array<float3>> points, Ptr<Array<uint>> faceOffs
 MutablePtr<Object> makeMesh(const Numbers& points, const Numbers& corners, const Faces& faces,
                             Checks checks)
 {
-    requireNameable("corners", corners.count());
-    Ptr<Array<float3>> position = toPoints(points);
-    Ptr<Array<uint>> faceVertex = toIndices(corners, "corners", checks);
-    Ptr<Array<uint>> faceOffset = toOffsets(faces, faceVertex->size(), checks);
-    requireNameable("offsets", faceOffset->size());
-    MutablePtr<Object> mesh =
-        assemble(std::move(position), std::move(faceOffset), std::move(faceVertex));
-    if (checks == Checks::All)
-        if (ValidationReport report = validateMesh(*mesh); report.hasErrors())
-            throw InvalidMesh("", std::move(report));
-    return mesh;
+    return guarded([&] {
+        requireNameable("corners", corners.count());
+        Ptr<Array<float3>> position = toPoints(points);
+        Ptr<Array<uint>> faceVertex = toIndices(corners, "corners", checks);
+        Ptr<Array<uint>> faceOffset = toOffsets(faces, faceVertex->size(), checks);
+        requireNameable("offsets", faceOffset->size());
+        MutablePtr<Object> mesh =
+            assemble(std::move(position), std::move(faceOffset), std::move(faceVertex));
+        if (checks == Checks::All)
+            if (ValidationReport report = validateMesh(*mesh); report.hasErrors())
+                throw InvalidMesh("", std::move(report));
+        return mesh;
+    });
 }
 
 }  // namespace TessaryMesh

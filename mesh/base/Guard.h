@@ -2,8 +2,8 @@
 
 #include <TessaryMesh/Errors.h>
 
+#include <exception>
 #include <new>
-#include <stdexcept>
 
 namespace TessaryMesh {
 
@@ -18,9 +18,9 @@ auto guarded(const Work& work) -> decltype(work())
         throw;
     } catch (const std::bad_alloc&) {
         throw OutOfMemory("", "needs more memory than there is (use a smaller mesh)");
-    } catch (const std::runtime_error&) {
+    } catch (const std::exception& error) {
         throwIfCancelled();  // a kernel that was cancelled throws the same text as the host
-        throw;
+        throw Error(error.what());
     }
 }
 

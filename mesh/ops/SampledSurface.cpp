@@ -109,7 +109,7 @@ Measures measure(const Object& triangles)
 SampledSurface::SampledSurface(const Object& mesh)
     : m_triangles(guarded([&] { return trianglesOf(mesh); }))
 {
-    const Measures measures = measure(*m_triangles);
+    const Measures measures = guarded([&] { return measure(*m_triangles); });
     m_area = measures.area;
     m_farthest = measures.farthest;
     if (m_area > kMostArea || m_farthest > kFarthest)
@@ -125,8 +125,8 @@ SampledSurface::SampledSurface(const Object& mesh)
 
 float SampledSurface::boundingRadius() const
 {
-    return Tessary::computeBoundingSphere(*dataArray<float3>(*m_triangles, sPointPosition))
-        .getRadius();
+    const Array<float3>& points = *dataArray<float3>(*m_triangles, sPointPosition);
+    return guarded([&] { return Tessary::computeBoundingSphere(points).getRadius(); });
 }
 
 // Five for each disk of half the distance.

@@ -259,6 +259,8 @@ TEST(Attributes, OfPlainNumbersGetTheElementTypeOfTheirWidth)
               (Strings{"int2x2", "short2x3", "long", "char", "ulong"}));
     addAttribute(*mesh, "uv", Component::Corner, kUvs, 2);
     EXPECT_EQ(view<float2>(*mesh, "uv").data(), static_cast<const void*>(kUvs));
+    addAttribute(*mesh, "uv", Component::Corner, Numbers(kUvs, 4, NumberType::Float32));
+    EXPECT_EQ(view<float>(*mesh, "uv").data(), static_cast<const void*>(kUvs));
     addAttribute(*mesh, "own", Component::Corner, own);
     EXPECT_EQ(view<float3>(*mesh, "own").data(), static_cast<const void*>(own.data()));
     addIndexedAttribute(*mesh, "uv", Component::Face, kUvs, 2, std::vector<short>{3});
@@ -294,6 +296,18 @@ TEST(Attributes, AreRefusedWhereTheyDoNotFitTheMesh)
          R"(3 c_index 0=2 | "c_index": index 0 is 2, where there are 2 values)"},
         {addIndexed(std::vector<int>{-1}),
          R"(3 c_index 0=-1 | "c_index": number 0 is -1, which is negative)"},
+        {[] {
+             const auto other = quad();
+             addAttribute(*other, "uv_index", Component::Corner, kUvs, 2);
+             addIndexedAttribute(*other, "uv", Component::Face, kUvs, 2, Uints{3});
+         },
+         R"(5 uv_index - | "uv_index": an attribute has this name, which the indices of "uv" need)"},
+        {[] {
+             const auto other = quad();
+             addIndexedAttribute(*other, "uv", Component::Face, kUvs, 2, Uints{3});
+             addAttribute(*other, "uv_index", Component::Corner, kUvs, 2);
+         },
+         R"(5 uv_index - | "uv_index": the indices of an attribute have this name; use another)"},
         {[&] { view<float>(*mesh, "b"); },
          R"(0 b - | "b": the mesh has no attribute of this name)"},
         {[&] { view<int>(*mesh, Geometry::sPointPosition); },

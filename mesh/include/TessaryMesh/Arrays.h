@@ -147,9 +147,9 @@ Pelon::Array<T> take(Korvane::Object& mesh, const Pelon::String& name)
 {
     Pelon::Ptr<Pelon::Array<T>> array = Internal::requiredArray<T>(mesh, name);
     if (!Internal::isOnlyHolder(mesh, name, array.useCount())) {
-        Pelon::Array<T> copy = *array;
+        const auto copy = Internal::copied(array->data(), array->size(), name);
         mesh.getPropertyForModification(name);
-        return copy;
+        return std::move(*copy);
     }
     mesh.getPropertyForModification(name);
     return std::move(*Pelon::toMutable(std::move(array)));

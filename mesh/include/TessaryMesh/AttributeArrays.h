@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <type_traits>
 
 namespace TessaryMesh {
@@ -65,9 +66,28 @@ TESSARY_MESH_API Pelon::String addIndices(Korvane::Object& mesh, const Pelon::St
 TESSARY_MESH_API bool isOnlyHolder(Korvane::Object& mesh, const Pelon::String& name,
                                    std::size_t holders);
 
-[[noreturn]] TESSARY_MESH_API void throwNoMemory(const Pelon::String& name);
+// Throws OutOfMemory.
+[[noreturn]] TESSARY_MESH_API void throwOutOfMemory(const Pelon::String& name, std::size_t bytes);
+// Throws ArrayError, as what follows.
+[[noreturn]] TESSARY_MESH_API void throwNullPointer(const Pelon::String& name);
 [[noreturn]] TESSARY_MESH_API void throwNoArray(const Korvane::Object& mesh,
                                                 const Pelon::String& name, const char* wanted);
+
+// Memory from elsewhere need not be aligned.
+template <class T>
+Pelon::MutablePtr<Pelon::Array<T>> copied(const T* data, std::size_t size,
+                                          const Pelon::String& name)
+try {
+    auto copy = Pelon::makeMutable<Pelon::Array<T>>(size);
+    if constexpr (std::is_trivially_copyable_v<T>)
+        std::memcpy(static_cast<void*>(copy->data()), static_cast<const void*>(data),
+                    size * sizeof(T));
+    else
+        std::copy(data, data + size, copy->begin());
+    return copy;
+} catch (const std::bad_alloc&) {
+    throwOutOfMemory(name, size * sizeof(T));
+}
 
 // The elements as the host keeps them: in place where they can be borrowed.
 template <class T>
@@ -76,17 +96,11 @@ Pelon::Ptr<Pelon::Array<T>> hostArray(const View<T>& view, const Pelon::String& 
     if (view.array())
         return view.array();
     if (!view.data() && !view.empty())
-        throwNoMemory(name);
-    constexpr bool canBorrow = std::is_trivially_copyable_v<T>;
-    if constexpr (canBorrow)
+        throwNullPointer(name);
+    if constexpr (std::is_trivially_copyable_v<T>)
         if (reinterpret_cast<std::uintptr_t>(view.data()) % alignof(T) == 0)
             return Pelon::Array<T>::borrow(view.data(), view.size(), view.owner());
-    const auto copy = Pelon::makeMutable<Pelon::Array<T>>(view.size());
-    if constexpr (canBorrow)
-        std::memcpy(copy->data(), static_cast<const void*>(view.data()), view.size() * sizeof(T));
-    else
-        std::copy(view.begin(), view.end(), copy->begin());
-    return copy;
+    return copied(view.data(), view.size(), name);
 }
 
 template <class T>

@@ -135,7 +135,7 @@ public:
         Length,    ///< too few or too many elements
         Value,     ///< an element that is negative, too large or names nothing
         TooLarge,  ///< more elements than 32-bit indices can name
-        Reserved,  ///< a name that belongs to the mesh itself
+        Reserved,  ///< a name that belongs to the mesh itself, or to indices
     };
 
     /// `array` is "points", "corners", "offsets", "sizes" or the name of an attribute; `element`,

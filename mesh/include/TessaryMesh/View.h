@@ -111,8 +111,8 @@ template <class T>
 View(Pelon::Ptr<Pelon::Array<T>>) -> View<T>;
 template <class T>
 View(Pelon::MutablePtr<Pelon::Array<T>>) -> View<T>;
-template <class Row>
-View(Row&&) -> View<Internal::ElementOf<Row>>;
+template <class Row, class = std::enable_if_t<std::is_object_v<Internal::ElementOf<Row>>>>
+View(Row&&) -> View<Internal::ElementOf<Row>>;  // not of Numbers, whose elements are void
 
 /// The types of numbers in arrays from elsewhere.
 enum class NumberType : std::uint8_t {
