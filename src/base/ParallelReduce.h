@@ -34,13 +34,16 @@ T parallelReduce(uint count, uint grain, LoopContext context, const T& identity,
 /// triangle took 8.4 us, not 4.8. From 20,000 triangles to 1 M, 1,024 is as fast.
 inline constexpr uint kReduceGrain = 16384;
 
+// The loops hold a copy of what they ask: behind a reference its captures are read again for every
+// index, which cost computeQuadMesh 12 % at a million triangles.
+
 /// For how many indices in [0, size) `isTrue(i)` holds. Isolated.
 template <class IsTrue>
 uint parallelCount(std::size_t size, const IsTrue& isTrue)
 {
     return parallelReduce(
         static_cast<uint>(size), kReduceGrain, LoopContext::Isolated, 0u,
-        [&isTrue](uint begin, uint end) {
+        [isTrue](uint begin, uint end) {
             uint count = 0;
             for (std::size_t i = begin; i < end; ++i)
                 count += isTrue(i) ? 1u : 0u;
@@ -56,7 +59,7 @@ bool parallelAny(std::size_t size, const IsTrue& isTrue)
 {
     return parallelReduce(
         static_cast<uint>(size), kReduceGrain, LoopContext::Isolated, false,
-        [&isTrue](uint begin, uint end) {
+        [isTrue](uint begin, uint end) {
             uint found = 0;  // no bool: compilers vectorise this one
             for (std::size_t i = begin; i < end; ++i)
                 found |= isTrue(i) ? 1u : 0u;
@@ -71,7 +74,7 @@ uint parallelMax(std::size_t size, const Value& value)
 {
     return parallelReduce(
         static_cast<uint>(size), kReduceGrain, LoopContext::Isolated, 0u,
-        [&value](uint begin, uint end) {
+        [value](uint begin, uint end) {
             uint largest = 0;
             for (std::size_t i = begin; i < end; ++i)
                 largest = std::max(largest, value(i));
