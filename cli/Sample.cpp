@@ -135,8 +135,8 @@ ExitCode sample(const Options& options, Session& session)
         conversion.run("sample", "sampling", [&] { return samplesOf(surface, options); });
     warnAbout(surface, samples, options, session);
     const TessaryMesh::Result result = conversion.run("properties", "carrying properties", [&] {
-        const bool withPlaces = conversion.format().name != "obj";  // which has no room for them
-        return TessaryMesh::makeSampleCloud(mesh, samples, carry, withPlaces);
+        return TessaryMesh::makeSampleCloud(mesh, samples, carry,
+                                            conversion.format().namesProperties);
     });
     session.warn(result.warnings);
     const auto smallest = conversion.run("distances", "measuring distances", [&] {

@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* kHelp =
     R"(The grid begins at the origin; a cell counts where a face touches it. A mesh format gets
-a cube for each cell; a FILE that ends in .npz gets the arrays cells (x, y, z of each, in
+a cube for each cell; a FILE of arrays, .npz or .json, gets cells (x, y, z of each, in
 cells from the origin) and cell_size.
 
 Example:
@@ -29,7 +29,8 @@ struct Options : FileOptions {
 Formats voxelFormats()
 {
     Formats formats = formatsThat(&TessaryMesh::Format::writesMeshes);
-    formats.push_back(TessaryMesh::findFormat("npz"));
+    for (const TessaryMesh::Format* const format : formatsThat(&TessaryMesh::Format::writesArrays))
+        formats.push_back(format);
     return formats;
 }
 

@@ -5,6 +5,7 @@
 
 #include "base/Host.h"
 
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -18,6 +19,30 @@ Ptr<Array<T>> arrayOr(const Object& mesh, const String& name, Array<T> otherwise
     return array && !array->empty() ? array : makeMutable<Array<T>>(std::move(otherwise));
 }
 
+bool isFace(const Array<uint>& faceOffset, std::size_t face)
+{
+    return faceOffset[face + 1] >= std::uint64_t{faceOffset[face]} + 3;
+}
+
+Problem::Place placeOf(const Array<uint>& faceOffset, std::size_t face)
+{
+    const uint first = faceOffset[face], end = faceOffset[face + 1];
+    const std::string what = end < first ? "starts at corner " + std::to_string(first) +
+                                               " and ends at " + std::to_string(end)
+                                         : "has " + std::to_string(end - first);
+    return {"face " + std::to_string(face) + ", which " + what, Problem::Element::Face, face};
+}
+
+[[noreturn]] void reject(std::uint64_t count, Problem::Place first)
+{
+    throw InvalidMesh(Problem{Problem::Severity::Error,
+                              "small-face",
+                              "the mesh has faces that cannot be triangulated",
+                              count,
+                              {std::move(first)},
+                              "validate it"});
+}
+
 }  // namespace
 
 MeshArrays::MeshArrays(const Object& mesh)
@@ -26,29 +51,28 @@ MeshArrays::MeshArrays(const Object& mesh)
       faceVertex(arrayOr<uint>(mesh, Geometry::sFaceVertex, {}))
 {}
 
-void rejectFaces(const Array<uint>& faceOffset)
+void requireFaces(const Array<uint>& faceOffset, std::size_t cornerCount)
 {
-    Problem problem{Problem::Severity::Error,
-                    "small-face",
-                    "the mesh has faces that cannot be triangulated",
-                    0,
-                    {},
-                    "validate it"};
-    for (std::size_t face = 0; face + 1 < faceOffset.size(); ++face) {
-        const uint size = faceOffset[face + 1] - faceOffset[face];
-        if (size < 3 && problem.count++ == 0)
-            problem.places = {
-                {"face " + std::to_string(face) + ", which has " + std::to_string(size),
-                 Problem::Element::Face, face}};
-    }
-    throw InvalidMesh(std::move(problem));
+    std::uint64_t wrong = 0;
+    std::size_t first = 0;
+    for (std::size_t face = faceOffset.size() - 1; face-- > 0;)
+        if (!isFace(faceOffset, face)) {
+            ++wrong;
+            first = face;
+        }
+    if (wrong > 0)
+        reject(wrong, placeOf(faceOffset, first));
+    const uint begin = faceOffset[0], end = faceOffset[faceOffset.size() - 1];
+    if (begin != 0 || end != cornerCount)
+        reject(1, {"the offsets, which lead from corner " + std::to_string(begin) + " to " +
+                   std::to_string(end) + " of " + std::to_string(cornerCount)});
 }
 
 Array<uint> fanTriangles(const Array<uint>& faceOffset, const Array<uint>& faceVertex)
 {
+    requireFaces(faceOffset, faceVertex.size());
     Array<uint> triFaceOffset, triFaceVertex;
-    if (!Tessary::computeTriangulation(faceOffset, faceVertex, triFaceOffset, triFaceVertex))
-        rejectFaces(faceOffset);
+    Tessary::computeTriangulation(faceOffset, faceVertex, triFaceOffset, triFaceVertex);
     return triFaceVertex;
 }
 

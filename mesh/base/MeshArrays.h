@@ -17,11 +17,11 @@ struct MeshArrays {
     Ptr<Array<uint>> faceOffset, faceVertex;
 };
 
-/// Throws InvalidMesh for a mesh that has faces of fewer than three corners, with the first of them.
-[[noreturn]] void rejectFaces(const Array<uint>& faceOffset);
+/// Throws InvalidMesh, with the first face, unless every face has three corners or more and the faces
+/// together are all corners: the kernels trust their callers with the order of the offsets.
+void requireFaces(const Array<uint>& faceOffset, std::size_t cornerCount);
 
-/// The points of the corners of the fan triangles. Throws InvalidMesh where a face has fewer than
-/// three corners.
+/// The points of the corners of the fan triangles. Throws as requireFaces() does.
 Array<uint> fanTriangles(const Array<uint>& faceOffset, const Array<uint>& faceVertex);
 
 }  // namespace TessaryMesh

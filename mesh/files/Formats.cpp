@@ -15,10 +15,10 @@ namespace {
 using Ply::Encoding;
 
 FormatRow row(std::string_view name, std::string_view title, std::string_view ending,
-              const FormatFunctions& functions)
+              const FormatFunctions& functions, bool namesProperties = true)
 {
     return {{name, title, ending, functions.read != nullptr, functions.writeMesh != nullptr,
-             functions.writeCloud != nullptr, functions.writeArrays != nullptr},
+             functions.writeCloud != nullptr, functions.writeArrays != nullptr, namesProperties},
             functions};
 }
 
@@ -35,7 +35,7 @@ constexpr FormatFunctions kPly{isPly, readPly, writePlyAs<encoding>, writePlyAs<
 const auto& table()
 {
     static const std::array kRows{
-        row("obj", "Wavefront OBJ", ".obj", {nullptr, readObj, writeObj, writeObj, nullptr}),
+        row("obj", "Wavefront OBJ", ".obj", {nullptr, readObj, writeObj, writeObj, nullptr}, false),
         row("ply", "PLY, binary", ".ply", kPly<Encoding::LittleEndian>),
         row("ply-ascii", "PLY, ASCII", "", kPly<Encoding::Ascii>),
         row("ply-big", "PLY, binary, big-endian", "", kPly<Encoding::BigEndian>),
@@ -66,6 +66,14 @@ const Format* findIf(const Fits& fits)
     return nullptr;
 }
 
+// The one format that is read and has no mark.
+const FormatRow& withoutMark()
+{
+    return *std::find_if(table().begin(), table().end(), [](const FormatRow& candidate) {
+        return candidate.functions.read && !candidate.functions.recognises;
+    });
+}
+
 }  // namespace
 
 const FormatRow& rowOf(const Format& format)
@@ -81,7 +89,7 @@ const FormatRow& rowOfContent(std::string_view bytes)
     for (const FormatRow& candidate : table())
         if (candidate.functions.recognises && candidate.functions.recognises(bytes))
             return candidate;
-    return table().front();
+    return withoutMark();
 }
 
 const std::vector<const Format*>& formats()

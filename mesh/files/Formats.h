@@ -34,7 +34,7 @@ struct FormatRow {
 /// The row of one of formats(). Throws ArgumentError for another one.
 const FormatRow& rowOf(const Format& format);
 
-/// The row whose format the content is of: OBJ, which has no mark, where no other one fits.
+/// The row whose format the content is of: that of the format without a mark where no other one fits.
 const FormatRow& rowOfContent(std::string_view bytes);
 
 }  // namespace TessaryMesh

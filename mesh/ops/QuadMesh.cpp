@@ -12,6 +12,7 @@
 #include "ops/QuadProperties.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace TessaryMesh {
 namespace {
@@ -45,6 +46,8 @@ void checkOptions(const QuadOptions& options)
     expect(isShare(options.edgeWeight), "edgeWeight", "the edge weight is outside 0 to 1");
     expect(isShare(inner[0]) && isShare(inner[1]) && isShare(inner[2]), "innerWeights",
            "an inner weight is outside 0 to 1");
+    expect(std::abs(inner[0] + inner[1] + inner[2] - 1) < 1e-3f, "innerWeights",
+           "the inner weights do not add up to 1");
     expect(isShare(options.gap), "gap", "the gap is outside 0 to 1");
 }
 

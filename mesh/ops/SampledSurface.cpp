@@ -217,6 +217,8 @@ double SampledSurface::distanceForCount(std::uint64_t count) const
 
 SurfaceSamples SampledSurface::sampleCount(std::uint64_t count, uint seed) const
 {
+    if (count == 0)
+        throw ArgumentError("count", "the number of samples is 0; ask for one at least");
     const double guess = distanceForCount(count);
     SurfaceSamples best;
     searchForCount(count, guess, leastDistance(), [&](double distance) {

@@ -63,7 +63,12 @@ MutablePtr<Object> trianglesOf(const Object& mesh, const Array<String>& names)
 {
     MutablePtr<Object> triangles = Korvane::createObject();
     if (!Tessary::triangulatePolyMesh(mesh, names, *triangles))
-        rejectFaces(*MeshArrays(mesh).faceOffset);
+        throw InvalidMesh(Problem{Problem::Severity::Error,
+                                  "topology-missing",
+                                  "arrays that a mesh needs are missing",
+                                  1,
+                                  {},
+                                  "validate it"});
     if (getElementCount(mesh, sFaceComp) == 0) {
         // The kernel leaves the target of a mesh without faces empty, even of points.
         populatePointCloud(dataArray<float3>(mesh, sPointPosition), *triangles);
@@ -104,6 +109,8 @@ Any carriedValue(const Object& mesh, const Object& triangles, const Ways& ways, 
 Result triangulate(const Object& mesh, const Carry& carry)
 {
     return guarded([&] {
+        const MeshArrays arrays(mesh);
+        requireFaces(*arrays.faceOffset, arrays.faceVertex->size());
         PropertyPlan plan = planProperties(mesh, carry, Onto::Triangles);
         const Ways ways(plan);
         const auto triangles = trianglesOf(withPlainIndices(mesh, ways), ways.byKernel);
@@ -113,7 +120,6 @@ Result triangulate(const Object& mesh, const Carry& carry)
             if (Any value = carriedValue(mesh, *triangles, ways, name); !value.empty())
                 result.mesh->setProperty(name, std::move(value));
         throwIfCancelled();  // small meshes are done before any loop asks
-        const MeshArrays arrays(mesh);
         result.parents.face = facesOfTriangles(*arrays.faceOffset);
         result.parents.corner = cornersOfTriangles(*arrays.faceOffset);
         return result;

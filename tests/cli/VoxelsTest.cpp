@@ -31,6 +31,10 @@ TEST_F(VoxelsVerb, CellsAreThoseOfTheGridAtTheOriginForAnyThreadCount)
         first = first.empty() ? text : first;
         EXPECT_TRUE(text == first) << threads << " threads";
     }
+    reportOf({"voxels", house, "--cell", "10", "-o", folder / "cells.json"});
+    expectReport(nlohmann::json::parse(contentOf(folder / "cells.json")), R"({"cell_size": 10,
+        "cells": [[-1, -1, -1], [-1, -1, 0], [-1, 0, -1], [-1, 0, 0],
+                  [0, -1, -1], [0, -1, 0], [0, 0, -1], [0, 0, 0]]})");
 }
 
 TEST_F(VoxelsVerb, RefusesCellsThatAreTooSmallOrNone)

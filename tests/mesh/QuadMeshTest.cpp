@@ -56,6 +56,11 @@ TEST(QuadMeshOfObjects, NewPointsLieOnTheEdgesAndInTheTriangles)
     ASSERT_EQ(getElementCount(*quads, sPointComp), 8u);
     for (uint p = 0; p < 8; ++p)
         EXPECT_EQ((*dataOf<float3>(*quads, sPointPosition))[p], (float3{expected[p], 0, 0}));
+    options.innerWeights[2] = 0.5f;
+    EXPECT_THROW(TessaryMesh::makeQuads(*meshOf(4, {{0, 1, 2}}), options),
+                 TessaryMesh::ArgumentError)
+        << "shares of more than all";
+
     const auto points = shared<float3>({{1, 2, 3}, {4, 5, 6}});
     const auto cloud = Korvane::createObject();
     populatePointCloud(points, *cloud);

@@ -109,7 +109,8 @@ TEST(SampledSurface, RefusesDistancesThatCannotBeAndSaysWhichCan)
     const float least = surface.leastDistance();
     EXPECT_NO_THROW(surface.sample(0.5f, 0));
     EXPECT_GE(least, 3.8e-5f) << "32 bits of candidates on an area of 1";
-    EXPECT_THROW(surface.sampleCount(std::uint64_t{1} << 40, 0), TessaryMesh::ArgumentError);
+    for (const std::uint64_t count : {std::uint64_t{0}, std::uint64_t{1} << 40})
+        EXPECT_THROW(surface.sampleCount(count, 0), TessaryMesh::ArgumentError);
     EXPECT_NEAR(far.roundingShare(59.6f), 1, 0.01) << "a float of 1e9 is rounded by up to 32";
 }
 

@@ -166,6 +166,13 @@ TEST(Triangulate, RejectsFacesOfTwoCornersAndEndsWithACancelledJob)
         "the mesh has faces that cannot be triangulated (2 times), first at face 1, which has 2; "
         "validate it");
 
+    // Offsets that fall, or leave corners over: what nobody validated must not be read astray.
+    for (const Array<uint>& offsets : {Array<uint>{0, 4, 3, 6}, {3, 6}, {0, 3}}) {
+        const auto unsound = makeMesh(Array<float3>(4), offsets, {0, 1, 2, 0, 2, 3});
+        EXPECT_THROW(triangulate(*unsound), TessaryMesh::InvalidMesh);
+        EXPECT_THROW(TessaryMesh::makeQuads(*unsound), TessaryMesh::InvalidMesh);
+    }
+
     const auto mesh = quadAndPentagon();
     EXPECT_TRUE(endsWhenCancelled([&] { triangulate(*mesh); }));
     addValues<int>(*mesh, "id", sFaceComp, {1, 2});

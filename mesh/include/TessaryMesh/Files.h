@@ -21,8 +21,9 @@ struct Format {
     std::string_view ending;  ///< ".obj"; empty for a variant that no ending tells
     bool readsMeshes;
     bool writesMeshes;
-    bool writesClouds;  ///< points with values and without faces
-    bool writesArrays;  ///< see writeArrays()
+    bool writesClouds;     ///< points with values and without faces
+    bool writesArrays;     ///< see writeArrays()
+    bool namesProperties;  ///< has a place for properties of any name, not for a few known ones
 };
 
 /// All formats. The references stay as long as the program runs.

@@ -169,8 +169,8 @@ public:
     /// too small for coordinates so far from the origin; OutOfMemory.
     SurfaceSamples sample(float distance, Pelon::uint seed) const;
 
-    /// Looks for the distance that yields `count` samples (at least 1) until it is met within 2 %,
-    /// or the search ends; returns the nearest that was found. Throws as sample() does.
+    /// Looks for the distance that yields `count` samples until it is met within 2 %, or the search
+    /// ends; returns the nearest that was found. Throws as sample() does, and ArgumentError for none.
     SurfaceSamples sampleCount(std::uint64_t count, Pelon::uint seed) const;
 
 private:
