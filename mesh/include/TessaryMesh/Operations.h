@@ -67,8 +67,7 @@ struct ParentMaps {
 struct Result {
     Pelon::MutablePtr<Korvane::Object> mesh;
     ParentMaps parents;
-    std::vector<std::string>
-        warnings;  ///< one line per property that could not be carried as it is
+    std::vector<std::string> warnings;  ///< one line per property that could not be carried
 };
 
 /// Splits every face into the fan of triangles around its first corner.
