@@ -70,3 +70,20 @@ if(TESSARY_BUILD_PROGRAM)
   tessary_install_rpath(tessary_program ${CMAKE_INSTALL_FULL_BINDIR})
   install(TARGETS tessary_program)
 endif()
+
+# Where Python looks: in Debian's prefixes, and in any other.
+if(TARGET tessary_python)
+  set(tessary_python_dir lib/python${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}/site-packages)
+  if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS /etc/debian_version)
+    set(tessary_python_dir lib/python3/dist-packages)
+  elseif(CMAKE_INSTALL_PREFIX STREQUAL "/usr/local" AND EXISTS /etc/debian_version)
+    set(tessary_python_dir lib/python${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}/dist-packages)
+  endif()
+  set(TESSARY_PYTHON_INSTALL_DIR ${tessary_python_dir} CACHE STRING
+    "Where the Python package goes, below the prefix")
+  tessary_install_rpath(tessary_python
+    ${CMAKE_INSTALL_PREFIX}/${TESSARY_PYTHON_INSTALL_DIR}/tessary)
+  install(TARGETS tessary_python DESTINATION ${TESSARY_PYTHON_INSTALL_DIR}/tessary)
+  list(TRANSFORM tessary_package_files PREPEND python/tessary/ OUTPUT_VARIABLE tessary_package)
+  install(FILES ${tessary_package} DESTINATION ${TESSARY_PYTHON_INSTALL_DIR}/tessary)
+endif()

@@ -1,0 +1,72 @@
+#include "Errors.h"
+#include "Geometry.h"
+#include "Module.h"
+#include "Work.h"
+
+#include <TessaryMesh/Check.h>
+
+namespace TessaryPython {
+namespace {
+
+using TessaryMesh::MeshShape;
+using TessaryMesh::Problem;
+
+std::size_t effortOf(const Geometry& geometry)
+{
+    return 10 * (geometry.pointCount() + geometry.cornerCount());
+}
+
+py::list validate(const Geometry& geometry, unsigned threads, const py::object& progress)
+{
+    return problemsOf(compute({threads, progress}, effortOf(geometry),
+                              [object = geometry.object()](Stage& stage) {
+                                  auto report = TessaryMesh::validateMesh(*object);
+                                  stage.reached(30);
+                                  if (!report.hasErrors())
+                                      for (Problem& problem : TessaryMesh::edgeWarnings(*object))
+                                          report.problems.push_back(std::move(problem));
+                                  return std::move(report.problems);
+                              }));
+}
+
+py::dict toPython(const MeshShape& shape, double area)
+{
+    py::dict facts;
+    facts["edges"] = shape.edges;
+    facts["boundary_edges"] = shape.boundaryEdges;
+    facts["non_manifold_edges"] = shape.nonManifold.count;
+    facts["same_direction_edges"] = shape.sameDirection.count;
+    facts["non_manifold_points"] = shape.nonManifoldPoints;
+    facts["unused_points"] = shape.unusedPoints;
+    facts["components"] = shape.components;
+    facts["euler_characteristic"] = shape.eulerCharacteristic;
+    facts["least_valence"] = shape.least;
+    facts["most_valence"] = shape.most;
+    facts["closed"] = shape.isClosed;
+    facts["genus"] = shape.genus ? py::object(py::int_(*shape.genus)) : py::none();
+    facts["area"] = area;
+    return facts;
+}
+
+py::dict info(const Geometry& geometry, unsigned threads, const py::object& progress)
+{
+    const auto facts = compute(
+        {threads, progress}, effortOf(geometry), [geometry = Geometry(geometry)](Stage& stage) {
+            geometry.requireValid();
+            stage.reached(20);
+            MeshShape shape = TessaryMesh::shapeOf(*geometry.object());
+            stage.reached(90);
+            return std::make_pair(std::move(shape), TessaryMesh::areaOf(*geometry.object()));
+        });
+    return toPython(facts.first, facts.second);
+}
+
+}  // namespace
+
+void defineChecks(py::module_& module)
+{
+    module.def("validate", &validate, py::arg("geometry"), py::arg("threads"), py::arg("progress"));
+    module.def("info", &info, py::arg("geometry"), py::arg("threads"), py::arg("progress"));
+}
+
+}  // namespace TessaryPython

@@ -1,0 +1,252 @@
+#include "Geometry.h"
+#include "Module.h"
+#include "Work.h"
+
+#include <TessaryMesh/Files.h>
+#include <TessaryMesh/Operations.h>
+
+#include <pybind11/stl.h>
+
+#include <cstring>
+#include <limits>
+#include <optional>
+
+namespace TessaryPython {
+namespace {
+
+using TessaryMesh::Carry;
+using TessaryMesh::IndexArray;
+using ObjectPtr = Geometry::ObjectPtr;
+
+Carry toCarry(const py::object& names)
+{
+    if (names.is_none())
+        return Carry::all();
+    return Carry(*toHost(py::cast<py::list>(names)));
+}
+
+// Of an unchecked mesh one that is checked, so that a second operation need not check again.
+template <class Work>
+auto operate(const Geometry& geometry, const Call& call, std::size_t effort, Work work)
+{
+    auto checked = std::make_shared<Geometry>(geometry);
+    auto result = compute(call, effort, [checked, work = std::move(work)](Stage& stage) mutable {
+        checked->requireValid();
+        return work(*checked->object(), stage);
+    });
+    geometry.adoptTrust(*checked);
+    return result;
+}
+
+std::size_t effortOf(const Geometry& geometry)
+{
+    return geometry.pointCount() + geometry.cornerCount();
+}
+
+py::object orNone(const IndexArray& indices, std::size_t width = 1)
+{
+    return indices ? py::object(toNumpy<uint>(indices, width)) : py::none();
+}
+
+py::list toPython(const std::vector<std::string>& lines)
+{
+    py::list list;
+    for (const std::string& line : lines)
+        list.append(TessaryPython::toPython(Pelon::String(line)));
+    return list;
+}
+
+// geometry, parents: face, corner, triangle; warnings
+py::tuple toPython(const Geometry& source, const TessaryMesh::Result& result)
+{
+    const TessaryMesh::ParentMaps& parents = result.parents;
+    return py::make_tuple(
+        Geometry(result.mesh, source.resultTrust()),
+        py::make_tuple(orNone(parents.face), orNone(parents.corner), orNone(parents.triangle)),
+        toPython(result.warnings));
+}
+
+py::tuple triangulate(const Geometry& mesh, const py::object& properties, unsigned threads,
+                      const py::object& progress)
+{
+    const auto result =
+        operate(mesh, {threads, progress}, effortOf(mesh),
+                [carry = toCarry(properties)](const Korvane::Object& object, Stage&) {
+                    return TessaryMesh::triangulate(object, carry);
+                });
+    return toPython(mesh, result);
+}
+
+TessaryMesh::QuadOptions quadOptions(const std::optional<double>& creaseAngle,
+                                     const py::str& creaseProperty, float edgeWeight,
+                                     const std::array<float, 3>& innerWeights, float gap,
+                                     bool splitEdges)
+{
+    TessaryMesh::QuadOptions options;
+    options.creaseAngle = creaseAngle;
+    options.creaseProperty = toHost(creaseProperty).view();
+    options.edgeWeight = edgeWeight;
+    std::copy(innerWeights.begin(), innerWeights.end(), options.innerWeights);
+    options.gap = gap;
+    options.splitEdges = splitEdges;
+    return options;
+}
+
+// as of triangulate; edges, creased edges, split edges
+py::tuple quads(const Geometry& mesh, const std::optional<double>& creaseAngle,
+                const py::str& creaseProperty, float edgeWeight,
+                const std::array<float, 3>& innerWeights, float gap, bool splitEdges,
+                const py::object& properties, unsigned threads, const py::object& progress)
+{
+    const auto result =
+        operate(mesh, {threads, progress}, 4 * effortOf(mesh),
+                [options = quadOptions(creaseAngle, creaseProperty, edgeWeight, innerWeights, gap,
+                                       splitEdges),
+                 carry = toCarry(properties)](const Korvane::Object& object, Stage&) {
+                    return TessaryMesh::makeQuads(object, options, carry);
+                });
+    return toPython(mesh, result) +
+           py::make_tuple(result.edges, result.creasedEdges, result.splitEdges);
+}
+
+/// What scattered the samples, for people to know.
+struct Sampled {
+    TessaryMesh::Result result;
+    double area;
+    float distance, radius, roundingShare;
+};
+
+// Infinite where it is too large, which the library refuses.
+float toFloat(double length)
+{
+    constexpr double kMost = std::numeric_limits<float>::max();
+    return length > kMost ? std::numeric_limits<float>::infinity() : static_cast<float>(length);
+}
+
+struct SampleWork {
+    double distance;  // a share of the radius where isShare; 0 for a count
+    bool isShare;
+    std::uint64_t count;
+    uint seed;
+    Carry carry;
+
+    Sampled operator()(const Korvane::Object& mesh, Stage& stage) const
+    {
+        const TessaryMesh::SampledSurface surface(mesh);
+        const float radius = isShare ? surface.boundingRadius() : 0;
+        stage.reached(10);
+        const auto samples =
+            count > 0 ? surface.sampleCount(count, seed)
+                      : surface.sample(toFloat(distance * (isShare ? double{radius} : 1)), seed);
+        stage.reached(80);
+        return {TessaryMesh::makeSampleCloud(mesh, samples, carry), surface.area(),
+                samples.distance, radius,
+                static_cast<float>(surface.roundingShare(samples.distance))};
+    }
+};
+
+// as of triangulate; distance, area, share of the distance that rounding may amount to
+py::tuple sample(const Geometry& mesh, double distance, bool isShare, std::uint64_t count,
+                 uint seed, const py::object& properties, unsigned threads,
+                 const py::object& progress)
+{
+    const std::size_t effort =
+        count > 0 && count < kFewElements ? effortOf(mesh) + 60 * count : kUnknownEffort;
+    const Sampled sampled =
+        operate(mesh, {threads, progress}, effort,
+                SampleWork{distance, isShare, count, seed, toCarry(properties)});
+    return toPython(mesh, sampled.result) +
+           py::make_tuple(sampled.distance, sampled.area, sampled.roundingShare);
+}
+
+// rows of 3 points, 2 corners and 3 triangles; offsets and corners of the dual; faces
+py::tuple adjacency(const Geometry& mesh, unsigned threads, const py::object& progress)
+{
+    const auto tables = operate(mesh, {threads, progress}, 4 * effortOf(mesh),
+                                [](const Korvane::Object& object, Stage&) {
+                                    return TessaryMesh::makeTriangleTables(object);
+                                });
+    return py::make_tuple(orNone(tables.faceVertex, 3), orNone(tables.triEdges, 2),
+                          orNone(tables.adjacentTri, 3), orNone(tables.dualFaceOffset),
+                          orNone(tables.dualFaceVertex), orNone(tables.face));
+}
+
+py::array_t<std::int32_t> voxels(const Geometry& mesh, double cellSize, unsigned threads,
+                                 const py::object& progress)
+{
+    using TessaryMesh::Cell;
+    auto cells = operate(mesh, {threads, progress}, kUnknownEffort,
+                         [cellSize](const Korvane::Object& object, Stage&) {
+                             return TessaryMesh::touchedCells(object, cellSize);
+                         });
+    auto* const kept = new Pelon::Array<Cell>(std::move(cells));
+    const py::capsule base(kept, [](void* held) { delete static_cast<Pelon::Array<Cell>*>(held); });
+    static_assert(sizeof(Cell) == 3 * sizeof(std::int32_t));
+    return py::array_t<std::int32_t>({static_cast<py::ssize_t>(kept->size()), py::ssize_t{3}},
+                                     reinterpret_cast<const std::int32_t*>(kept->data()), base);
+}
+
+Geometry cubes(const py::array_t<std::int32_t, py::array::c_style>& cells, double cellSize,
+               unsigned threads)
+{
+    using Korvane::Math::int3;
+    const auto rows = borrow<int3>(cells, "cells");
+    auto mesh = compute({threads, py::none()}, 100 * rows->size(), [rows, cellSize](Stage&) {
+        Pelon::Array<TessaryMesh::Cell> copy(rows->size());
+        if (!rows->empty())
+            std::memcpy(copy.data(), rows->data(), rows->size() * sizeof(int3));
+        return TessaryMesh::makeCubes(copy, cellSize);
+    });
+    return {std::move(mesh), Geometry::Trust::Checked};
+}
+
+Geometry demoMesh(uint resolution)
+{
+    auto mesh = compute({0, py::none()}, 16 * std::size_t{resolution} * resolution,
+                        [resolution](Stage&) { return TessaryMesh::makeDemoMesh(resolution); });
+    return {std::move(mesh), Geometry::Trust::Checked};
+}
+
+py::object smallestDistance(const py::array& points, double guess, unsigned threads)
+{
+    const auto positions = borrow<Korvane::Math::float3>(points, "points");
+    const auto found = compute({threads, py::none()}, 10 * positions->size(), [=](Stage&) {
+        return TessaryMesh::smallestDistance(*positions, guess);
+    });
+    return found ? py::object(py::float_(*found)) : py::none();
+}
+
+py::str cornerDeclaration(const Geometry& mesh, const py::str& name)
+{
+    return TessaryPython::toPython(Pelon::String(
+        TessaryMesh::plyCornerDeclaration(*mesh.object(), std::string(toHost(name).view()))));
+}
+
+py::list carriedNames(const Geometry& mesh)
+{
+    return TessaryPython::toPython(TessaryMesh::carriedPropertyNames(*mesh.object()));
+}
+
+}  // namespace
+
+void defineOperations(py::module_& module)
+{
+    using py::arg;
+    const auto threads = arg("threads");
+    const auto progress = arg("progress");
+    module.def("triangulate", &triangulate, arg("mesh"), arg("properties"), threads, progress);
+    module.def("quads", &quads, arg("mesh"), arg("crease_angle"), arg("crease_property"),
+               arg("edge_weight"), arg("inner_weights"), arg("gap"), arg("split_edges"),
+               arg("properties"), threads, progress);
+    module.def("sample", &sample, arg("mesh"), arg("distance"), arg("is_share"), arg("count"),
+               arg("seed"), arg("properties"), threads, progress);
+    module.def("adjacency", &adjacency, arg("mesh"), threads, progress);
+    module.def("voxels", &voxels, arg("mesh"), arg("cell_size"), threads, progress);
+    module.def("cubes", &cubes, arg("cells"), arg("cell_size"), threads);
+    module.def("demo_mesh", &demoMesh, arg("resolution"));
+    module.def("smallest_distance", &smallestDistance, arg("points"), arg("guess"), threads);
+    module.def("corner_declaration", &cornerDeclaration, arg("mesh"), arg("name"));
+    module.def("carried_names", &carriedNames, arg("mesh"));
+}
+
+}  // namespace TessaryPython

@@ -1,0 +1,528 @@
+"""Meshes, point clouds and their properties."""
+
+from __future__ import annotations
+
+import os
+from collections.abc import Iterator, Mapping, MutableMapping
+from typing import TYPE_CHECKING, Any, Callable, NamedTuple, Optional, TypeVar, Union
+
+import numpy as np
+
+from . import _convert, _tessary
+from ._convert import Array
+from ._errors import ArgumentError
+
+if TYPE_CHECKING:
+    from .operations import Adjacency, Dual, Edges, Sphere, Voxels
+    from .report import Report
+
+__all__ = ["NONE", "Mesh", "Parents", "PointCloud", "Properties", "Property", "QuadMesh", "Samples"]
+
+#: The index that names nothing: no neighbour, no value.
+NONE = 0xFFFFFFFF
+
+Progress = Callable[[int], object]
+Names = Union[str, "list[str]", "tuple[str, ...]"]
+_MODES = ("constant", "linear", "none")
+_COMPONENTS = ("point", "corner", "face")
+_G = TypeVar("_G", bound="Geometry")
+
+
+class Parents(NamedTuple):
+    """Where the elements of a result come from: uint32 indices into the source, or None where there are none.
+
+    face      of each face or sample: the face that it lies on
+    corner    of each corner (triangulate) or each face (quads): a corner
+    triangle  of each face or sample: the triangle, counted through the fans of all faces
+    """
+
+    face: Optional[Array] = None
+    corner: Optional[Array] = None
+    triangle: Optional[Array] = None
+
+
+class Property:
+    """Values of the points, corners or faces of a mesh.
+
+    Parameters
+    ----------
+    values : array or list of str
+        One for each element, or as many as `indices` name. bool, text, 8- to 64-bit integers, float32, float64,
+        rows of 2 to 4 numbers, matrices of 2x2, 2x3, 3x3 and 4x4.
+    component : "point", "corner" or "face"
+        Empty: the one that has as many elements, when the property is stored.
+    indices : uint32 array, optional
+        The value of element i is values[indices[i]], or none where the index is `tessary.NONE`.
+    interpolation : "linear", "constant" or "none"
+        Whether operations blend the values, or pick.
+    default : optional
+        Stands where there is no value; 0 or "" without.
+
+    >>> import tessary as ts
+    >>> mesh = ts.demo_mesh(8)
+    >>> mesh.properties["texcoord"]
+    <Property texcoord: float32 (297, 2) for 962 corners through indices>
+    """
+
+    __slots__ = ("values", "indices", "component", "interpolation", "default", "_name")
+
+    def __init__(self, values: Any, component: str = "", indices: Any = None,
+                 interpolation: str = "linear", default: Any = None):
+        self.values = values if isinstance(values, np.ndarray) else np.asarray(values)
+        self.component = component
+        self.indices: Optional[Array] = None if indices is None else _convert.indices(indices, "indices")
+        self.interpolation = interpolation
+        self.default = default
+        self._name = ""
+
+    def per_element(self) -> Array:
+        """A value for each element, whether or not there are indices: shape (elements, ...)."""
+        if self.indices is None:
+            return self.values
+        default = np.zeros(self.values.shape[1:], self.values.dtype) if self.default is None else self.default
+        padded = np.concatenate([self.values, np.asarray(default, self.values.dtype)[np.newaxis]])
+        return padded[np.minimum(self.indices, len(self.values))]
+
+    def __array__(self, dtype: Any = None) -> Array:
+        return np.asarray(self.per_element(), dtype)
+
+    def __len__(self) -> int:
+        return len(self.values if self.indices is None else self.indices)
+
+    def __repr__(self) -> str:
+        name = f"{self._name}: " if self._name else ""
+        kind = "text" if self.values.dtype.kind == "U" else str(self.values.dtype)
+        through = "" if self.indices is None else " through indices"
+        mode = "" if self.interpolation == "linear" else f", interpolation {self.interpolation}"
+        return f"<Property {name}{kind} {self.values.shape} for {len(self)} {self.component}s{through}{mode}>"
+
+
+def _texts(values: list[str]) -> Array:
+    # Fixed-width text drops what looks like its padding.
+    keeps = not any(text.endswith("\0") for text in values)
+    return np.array(values, dtype=np.str_ if keeps and values else object)
+
+
+class Properties(MutableMapping[str, Property]):
+    """The properties of a mesh by name: get, set, delete, iterate.
+
+    Arrays that are set are used in place where their type and order allow it, and kept alive; to change one
+    meanwhile is to change the mesh. Arrays that are got can only be read.
+
+    >>> import numpy as np
+    >>> import tessary as ts
+    >>> mesh = ts.demo_mesh(8)
+    >>> mesh.properties["height"] = mesh.points[:, 2]
+    >>> mesh.properties["height"]
+    <Property height: float32 (256,) for 256 points>
+    >>> sorted(mesh.properties)
+    ['color', 'face_id', 'height', 'material', 'normal', 'texcoord']
+    """
+
+    __slots__ = ("_owner",)
+
+    def __init__(self, owner: Geometry):
+        self._owner = owner
+
+    def __getitem__(self, name: str) -> Property:
+        found = _tessary.get_property(self._owner._data, name)
+        if found is None:
+            raise KeyError(name)
+        values, indices, component, mode, default = found
+        result = Property(_texts(values) if isinstance(values, list) else values, component, indices,
+                          _MODES[mode], default)
+        result._name = name
+        return result
+
+    def __setitem__(self, name: str, value: Any) -> None:
+        given = value if isinstance(value, Property) else Property(value)
+        values = _convert.attribute(given.values, name)
+        count = len(values) if given.indices is None else len(given.indices)
+        component = given.component or self._component_of(name, count)
+        if component not in _COMPONENTS:
+            raise ArgumentError(f"component: one of {_COMPONENTS} is possible; {component!r} is not", "component")
+        if given.interpolation not in _MODES:
+            raise ArgumentError(f"interpolation: one of {_MODES} is possible; {given.interpolation!r} is not",
+                                "interpolation")
+        self._owner._data = _tessary.with_property(
+            self._owner._data, name, component, values, given.indices, _MODES.index(given.interpolation),
+            _default(given.default, values))
+
+    def __delitem__(self, name: str) -> None:
+        if name not in self:
+            raise KeyError(name)
+        self._owner._data = _tessary.without_property(self._owner._data, name)
+
+    def __iter__(self) -> Iterator[str]:
+        return (facts[0] for facts in _tessary.property_facts(self._owner._data))
+
+    def __len__(self) -> int:
+        return len(_tessary.property_facts(self._owner._data))
+
+    def __repr__(self) -> str:
+        return "{" + ", ".join(f"{name!r}: {self[name]!r}" for name in self) + "}"
+
+    def _component_of(self, name: str, count: int) -> str:
+        data = self._owner._data
+        counts = dict(zip(_COMPONENTS, (data.point_count, data.corner_count, data.face_count)))
+        fitting = [component for component, elements in counts.items() if elements == count]
+        if len(fitting) == 1:
+            return fitting[0]
+        known = ", ".join(f"{elements} {component}s" for component, elements in counts.items())
+        raise ArgumentError(f"{name}: {count} values do not tell which elements they are for, of {known}; give a "
+                            "tessary.Property with its component", name)
+
+
+def _default(value: Any, values: Union[Array, list[str]]) -> Any:
+    if value is None:
+        return None
+    if isinstance(values, list):
+        return str(value)
+    return np.ascontiguousarray(np.broadcast_to(np.asarray(value, values.dtype), values.shape[1:])[np.newaxis])
+
+
+class Geometry:
+    """What meshes and point clouds have in common."""
+
+    __slots__ = ("_data", "parents", "warnings", "__weakref__")
+
+    def __init__(self, data: _tessary.Geometry, parents: Parents = Parents(), warnings: tuple[str, ...] = ()):
+        self._data = data
+        #: Where the elements come from, for the results of operations.
+        self.parents = parents
+        #: One line for each thing that a reader or an operation left out.
+        self.warnings = warnings
+
+    @property
+    def points(self) -> Array:
+        """The positions, (points, 3) float32, to be read only."""
+        return self._data.points
+
+    @property
+    def point_count(self) -> int:
+        return self._data.point_count
+
+    @property
+    def properties(self) -> Properties:
+        return Properties(self)
+
+    @property
+    def metadata(self) -> dict[str, Any]:
+        """Values of the object itself, such as the "material_library" of an OBJ file."""
+        return _tessary.metadata(self._data)
+
+    def save(self, path: Any, format: Optional[str] = None, *, overwrite: bool = False,
+             threads: Optional[int] = None, progress: Optional[Progress] = None) -> tuple[str, ...]:
+        """Writes a file, which appears under its name only when it is complete.
+
+        Parameters
+        ----------
+        path : str, os.PathLike or a binary file
+            "-" is standard output.
+        format : str, optional
+            One of `tessary.formats()`; by default that of the path's ending.
+        overwrite : bool
+            Whether a file that stands there is replaced; otherwise it is a FileError.
+
+        Returns one line for each thing that the format cannot hold. Raises FileError, InvalidMesh.
+
+        >>> import tempfile, pathlib, tessary as ts
+        >>> folder = pathlib.Path(tempfile.mkdtemp())
+        >>> ts.demo_mesh(8).save(folder / "demo.ply")[0]
+        'face property "material" (string) cannot be held by PLY and is left out; write OBJ to keep it'
+        """
+        if hasattr(path, "write"):
+            return _save_to_file(self, path, format, threads, progress)
+        return tuple(_tessary.write(self._data, os.fsencode(path), format or "", overwrite,
+                                    _convert.threads(threads), progress))
+
+    def bounding_sphere(self, *, threads: Optional[int] = None) -> Sphere:
+        """The smallest sphere around all points: see `tessary.bounding_sphere`."""
+        return operations.bounding_sphere(self, threads=threads)
+
+    def copy(self: _G) -> _G:
+        """Another one of the same arrays, whose properties can be replaced without changing this one."""
+        return self._rebuilt(self._data)
+
+    def plot(self, **options: Any) -> Any:
+        """A picture by matplotlib: see `tessary.plot.plot`."""
+        from .plot import plot
+        return plot(self, **options)
+
+    def _extras(self) -> tuple[Any, ...]:
+        return self.parents, self.warnings
+
+    def _rebuilt(self: _G, data: _tessary.Geometry) -> _G:
+        made = object.__new__(type(self))
+        Geometry.__init__(made, data, self.parents, self.warnings)
+        for name in type(self)._figures():
+            setattr(made, name, getattr(self, name))
+        return made
+
+    @classmethod
+    def _figures(cls) -> tuple[str, ...]:
+        return tuple(name for base in cls.__mro__ for name in base.__dict__.get("__slots__", ())
+                     if base is not Geometry)
+
+    def __copy__(self: _G) -> _G:
+        return self.copy()
+
+    def __deepcopy__(self: _G, memo: Any) -> _G:
+        return _restore(type(self), _copied(_tessary.get_state(self._data)), *self._rest())
+
+    def __reduce__(self) -> Any:
+        return _restore, (type(self), _tessary.get_state(self._data), *self._rest())
+
+    def _rest(self) -> tuple[Any, ...]:
+        return self.parents, self.warnings, {name: getattr(self, name) for name in self._figures()}
+
+    def _property_text(self) -> str:
+        names = [name + (" (indexed)" if through else "")
+                 for name, _, _, through in _tessary.property_facts(self._data)]
+        return "; " + ", ".join(names) if names else ""
+
+
+class PointCloud(Geometry):
+    """Points with values.
+
+    Parameters
+    ----------
+    points : (n, 3) numbers
+        Used in place where they are float32, C-contiguous and aligned.
+
+    >>> import tessary as ts
+    >>> ts.PointCloud([[0, 0, 0], [1, 2, 3]])
+    <PointCloud 2 points>
+    """
+
+    __slots__ = ()
+
+    def __init__(self, points: Any):
+        super().__init__(_tessary.make_cloud(_convert.reals(points, "points", (3,))))
+
+    def __len__(self) -> int:
+        return self.point_count
+
+    def __repr__(self) -> str:
+        return f"<{type(self).__name__} {self.point_count:,} points{self._property_text()}>"
+
+
+class Samples(PointCloud):
+    """What `tessary.sample` makes: points on a surface, with the mesh's values and where they lie.
+
+    Properties "weight" (float32 (n, 3), the weights of the triangle's corners), "face_id", "triangle_id" and, where
+    the mesh has no normals, "normal".
+    """
+
+    __slots__ = ("distance", "area", "seed", "rounding_share")
+
+    #: No two samples are closer, in the mesh's units, up to rounding.
+    distance: float
+    #: The surface's.
+    area: float
+    seed: int
+    #: The share of the distance that rounding of the coordinates may amount to.
+    rounding_share: float
+
+    def smallest_distance(self, *, threads: Optional[int] = None) -> Optional[float]:
+        """The smallest distance of any two samples, exactly; None for fewer than two."""
+        return _tessary.smallest_distance(self.points, self.distance, _convert.threads(threads))
+
+
+class Mesh(Geometry):
+    """Points, faces of any number of corners, and properties of all of them.
+
+    Parameters
+    ----------
+    points : (n, 3) numbers
+        Positions. float32, C-contiguous and aligned: used in place, and kept alive. float64 is rounded to
+        float32; a number that would become infinite is refused.
+    faces : (f, k) integers, or a list of lists
+        The points of each face, at least three.
+    corners, offsets : integers, in the place of faces
+        Face f has the points corners[offsets[f]:offsets[f + 1]]; offsets has an entry more than there are faces. uint32
+        and int32 are used in place; other integers are converted, and refused where they do not fit.
+    check : bool
+        Whether errors are looked for now. Without it a broken mesh can be made, to look at with `validate()`;
+        operations refuse it all the same.
+
+    Raises ArrayError for an array that cannot be used, InvalidMesh for a mesh with errors.
+
+    To change an array that is used in place is to change the mesh, and what operations made of it.
+
+    >>> import numpy as np
+    >>> import tessary as ts
+    >>> square = ts.Mesh([[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0]], [[0, 1, 2, 3]])
+    >>> square
+    <Mesh 1 face (4 corners), 4 points>
+    >>> square.corners, square.offsets
+    (array([0, 1, 2, 3], dtype=uint32), array([0, 4], dtype=uint32))
+    """
+
+    __slots__ = ()
+
+    def __init__(self, points: Any, faces: Any = None, *, corners: Any = None, offsets: Any = None,
+                 check: bool = True, threads: Optional[int] = None):
+        size = 0
+        if faces is not None and corners is None and offsets is None:
+            corners, offsets, size = _convert.faces(faces)
+        elif faces is None and corners is not None and offsets is not None:
+            corners, offsets = _convert.indices(corners, "corners"), _convert.indices(offsets, "offsets")
+        else:
+            raise ArgumentError("faces: either faces or both corners and offsets are wanted", "faces")
+        super().__init__(_tessary.make_mesh(_convert.reals(points, "points", (3,)), corners, offsets, size, check,
+                                            _convert.threads(threads)))
+
+    @property
+    def corners(self) -> Array:
+        """The point of each corner, face after face: (corners,) uint32, to be read only."""
+        return self._data.corners
+
+    @property
+    def offsets(self) -> Array:
+        """Where the corners of each face begin, and their end: (faces + 1,) uint32, to be read only."""
+        return self._data.offsets
+
+    @property
+    def corner_count(self) -> int:
+        return self._data.corner_count
+
+    @property
+    def face_count(self) -> int:
+        return self._data.face_count
+
+    @property
+    def faces(self) -> Array:
+        """The points of each face: (faces, k) uint32 where all have k corners. Raises ValueError for others."""
+        sizes = self.face_sizes
+        if len(sizes) and (sizes != sizes[0]).any():
+            raise ValueError(f"faces have {sizes.min()} to {sizes.max()} corners, so there is no array of rows; "
+                             "use corners and offsets, or triangulate()")
+        return self.corners.reshape(len(sizes), int(sizes[0]) if len(sizes) else 3)
+
+    @property
+    def face_sizes(self) -> Array:
+        """How many corners each face has: (faces,) uint32."""
+        return np.diff(self.offsets)
+
+    def face(self, index: int) -> Array:
+        """The points of one face."""
+        index = range(self.face_count)[index]
+        offsets = self.offsets
+        return self.corners[offsets[index]:offsets[index + 1]]
+
+    def __repr__(self) -> str:
+        sizes = self.face_sizes
+        most = f"{sizes.min()} to {sizes.max()}" if len(sizes) and sizes.min() != sizes.max() else sizes[:1].sum()
+        shape = f" ({most} corners)" if len(sizes) else ""
+        faces = "face" if self.face_count == 1 else "faces"
+        return (f"<{type(self).__name__} {self.face_count:,} {faces}{shape}, {self.point_count:,} points"
+                f"{self._property_text()}>")
+
+    def info(self, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> dict[str, Any]:
+        """Facts about the mesh: see `tessary.info`."""
+        return operations.info(self, threads=threads, progress=progress)
+
+    def validate(self, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Report:
+        """What is wrong with the mesh: see `tessary.validate`."""
+        return operations.validate(self, threads=threads, progress=progress)
+
+    def triangulate(self, *, properties: Names = "all", threads: Optional[int] = None,
+                    progress: Optional[Progress] = None) -> Mesh:
+        """Splits faces into triangles: see `tessary.triangulate`."""
+        return operations.triangulate(self, properties=properties, threads=threads, progress=progress)
+
+    def quads(self, **options: Any) -> QuadMesh:
+        """Splits faces into quads: see `tessary.quads`."""
+        return operations.quads(self, **options)
+
+    def sample(self, **options: Any) -> Samples:
+        """Scatters points over the surface: see `tessary.sample`."""
+        return operations.sample(self, **options)
+
+    def adjacency(self, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Adjacency:
+        """Triangles, their edges and neighbours: see `tessary.adjacency`."""
+        return operations.adjacency(self, threads=threads, progress=progress)
+
+    def edges(self, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Edges:
+        """Edges of the triangles: see `tessary.edges`."""
+        return operations.edges(self, threads=threads, progress=progress)
+
+    def dual(self, *, threads: Optional[int] = None) -> Dual:
+        """The corners of each point: see `tessary.dual`."""
+        return operations.dual(self, threads=threads)
+
+    def voxels(self, cell_size: float, *, threads: Optional[int] = None,
+               progress: Optional[Progress] = None) -> Voxels:
+        """The cells of a grid that the mesh touches: see `tessary.voxels`."""
+        return operations.voxels(self, cell_size, threads=threads, progress=progress)
+
+    def to_trimesh(self) -> Any:
+        """See `tessary.interop.to_trimesh`."""
+        from .interop import to_trimesh
+        return to_trimesh(self)
+
+    def to_open3d(self) -> Any:
+        """See `tessary.interop.to_open3d`."""
+        from .interop import to_open3d
+        return to_open3d(self)
+
+    def to_pyvista(self) -> Any:
+        """See `tessary.interop.to_pyvista`."""
+        from .interop import to_pyvista
+        return to_pyvista(self)
+
+
+class QuadMesh(Mesh):
+    """What `tessary.quads` makes."""
+
+    __slots__ = ("edge_count", "creased_edges", "split_edges")
+
+    #: Edges of the fan triangles.
+    edge_count: int
+    #: Those of them that are creased.
+    creased_edges: int
+    #: Those that were cut once for each face.
+    split_edges: int
+
+
+def _set_read_only(state: Any) -> None:
+    # Arrays that came out of a pickle belong to nobody else.
+    for entry in state:
+        if isinstance(entry, np.ndarray):
+            entry.flags.writeable = False
+        elif isinstance(entry, (list, tuple)):
+            _set_read_only(entry)
+
+
+def _copied(state: Any) -> Any:
+    if isinstance(state, np.ndarray):
+        return state.copy()
+    return type(state)(map(_copied, state)) if isinstance(state, (list, tuple)) else state
+
+
+def _restore(kind: type[_G], state: Any, parents: Parents, warnings: tuple[str, ...],
+             figures: Mapping[str, Any]) -> _G:
+    _set_read_only(state)
+    made = object.__new__(kind)
+    Geometry.__init__(made, _tessary.from_state(state), parents, warnings)
+    for name, value in figures.items():
+        setattr(made, name, value)
+    return made
+
+
+def _save_to_file(geometry: Geometry, file: Any, format: Optional[str], threads: Optional[int],
+                  progress: Optional[Progress]) -> tuple[str, ...]:
+    if format is None:
+        raise ArgumentError("format: a file object has no ending that tells a format; give it by name", "format")
+    import shutil
+    import tempfile
+    with tempfile.TemporaryDirectory() as folder:
+        path = os.path.join(folder, "mesh")
+        warnings = geometry.save(path, format, threads=threads, progress=progress)
+        with open(path, "rb") as written:
+            shutil.copyfileobj(written, file)
+    return warnings
+
+
+from . import operations  # noqa: E402  needs the classes above

@@ -1,0 +1,487 @@
+"""What is done with meshes. No operation changes what it is given."""
+
+from __future__ import annotations
+
+import os
+from typing import Any, NamedTuple, Optional, Union
+
+import numpy as np
+
+from . import _convert, _tessary
+from ._convert import Array
+from ._errors import ArgumentError, ArrayError, FileError
+from .geometry import NONE, Geometry, Mesh, Names, Parents, Progress, QuadMesh, Samples
+from .report import Report, make_report
+
+__all__ = ["Adjacency", "Dual", "Edges", "Format", "Sphere", "Voxels", "adjacency", "bounding_sphere", "demo_mesh",
+           "dual", "edges", "formats", "info", "interpolate_to_cut_mesh", "overlap", "quads", "read", "sample",
+           "triangulate", "validate", "voxels"]
+
+
+class Sphere(NamedTuple):
+    """`center` (3,) float32 and `radius`, in the units of the points."""
+
+    center: Array
+    radius: float
+
+
+class Adjacency(NamedTuple):
+    """The fan triangles of a mesh and what lies beside them; all uint32, and `tessary.NONE` for none.
+
+    Corner k of triangle t is 3 t + k, and its edge runs to the next corner of t.
+    """
+
+    #: (triangles, 3) points
+    face_vertex: Array
+    #: (edges, 2) corners: the smaller one, then the opposite one, or none on a boundary
+    tri_edges: Array
+    #: (triangles, 3) triangles: what lies across the edge of each corner
+    face_vertex_adjacent_tri: Array
+    #: (points + 1,) where the corners of each point begin in dual_face_vertex
+    dual_face_offset: Array
+    #: (corners,) the corners of each point
+    dual_face_vertex: Array
+    #: (triangles,) the face of each triangle
+    face: Array
+
+
+class Edges(NamedTuple):
+    """The edges of fan triangles."""
+
+    #: (edges, 2) corners: the smaller one, then the opposite one, or `tessary.NONE` on a boundary
+    corners: Array
+    #: (triangles, 3) points
+    face_vertex: Array
+
+    @property
+    def points(self) -> Array:
+        """(edges, 2) points, from the first corner of each edge to the one that follows it."""
+        first = self.corners[:, 0]
+        following = np.where(first % 3 == 2, first - 2, first + 1)
+        flat = self.face_vertex.reshape(-1)
+        return np.stack([flat[first], flat[following]], axis=1)
+
+    @property
+    def is_boundary(self) -> Array:
+        """(edges,) bool: whether one triangle alone has the edge."""
+        return self.corners[:, 1] == NONE
+
+
+class Dual(NamedTuple):
+    """The corners of each point: those of point p are corners[offsets[p]:offsets[p + 1]], in ascending order."""
+
+    offsets: Array
+    corners: Array
+
+    def of(self, point: int) -> Array:
+        point = range(len(self.offsets) - 1)[point]
+        return self.corners[self.offsets[point]:self.offsets[point + 1]]
+
+
+class Voxels(NamedTuple):
+    """Cells of a grid that begins at the origin: (cells, 3) int32 in ascending order, and the length of their edges."""
+
+    cells: Array
+    cell_size: float
+
+    def mesh(self, *, threads: Optional[int] = None) -> Mesh:
+        """A closed cube of six quads for each cell. Raises ArgumentError where 32-bit indices do not suffice."""
+        return _made(Mesh, _tessary.cubes(self.cells, self.cell_size, _convert.threads(threads)))
+
+
+class Format(NamedTuple):
+    name: str
+    title: str
+    ending: str
+    reads_meshes: bool
+    writes_meshes: bool
+    writes_clouds: bool
+
+
+def _made(kind: Any, data: _tessary.Geometry, parents: Parents = Parents(), warnings: Any = ()) -> Any:
+    made = object.__new__(kind)
+    Geometry.__init__(made, data, parents, tuple(warnings))
+    return made
+
+
+def _carry(mesh: Mesh, properties: Names) -> Optional[list[str]]:
+    if isinstance(properties, str):
+        if properties == "all":
+            return None
+        properties = [] if properties == "none" else [properties]
+    names = list(properties)
+    known = _tessary.carried_names(mesh._data)
+    for name in names:
+        if name not in known:
+            there = ", ".join(known) or "none"
+            raise ArgumentError(f"properties: the mesh has no {name!r}; it has {there}", "properties")
+    return names
+
+
+def _mesh(value: Any, argument: str = "mesh") -> Mesh:
+    if not isinstance(value, Mesh):
+        raise ArgumentError(f"{argument}: a tessary.Mesh is wanted, not {type(value).__name__}", argument)
+    return value
+
+
+def formats() -> tuple[Format, ...]:
+    """The formats of files, and what can be read and written in each.
+
+    >>> import tessary as ts
+    >>> [format.ending for format in ts.formats() if format.reads_meshes and format.ending][:2]
+    ['.obj', '.ply']
+    """
+    return tuple(Format(*facts) for facts in _tessary.formats())
+
+
+def read(source: Any, *, check: bool = True, threads: Optional[int] = None,
+         progress: Optional[Progress] = None) -> Mesh:
+    """Reads a mesh file with every polygon and attribute.
+
+    Parameters
+    ----------
+    source : str or os.PathLike, bytes, or a binary file
+        A path ("-" is standard input), or the content of a file. The format is recognised by the content.
+    check : bool
+        Whether a mesh with errors is refused; otherwise it can be looked at with `validate()`.
+    threads, progress
+        As for `triangulate`.
+
+    Returns a Mesh, whose `warnings` tell what the file has and the mesh has not. Raises FileError, InvalidMesh,
+    OutOfMemory.
+
+    >>> import tessary as ts
+    >>> ts.read(b"v 0 0 0\\nv 1 0 0\\nv 1 1 0\\nf 1 2 3\\n")
+    <Mesh 1 face (3 corners), 3 points>
+    """
+    if hasattr(source, "read"):
+        source = source.read()
+    if isinstance(source, (bytes, bytearray, memoryview)):
+        return _read_content(source, check, threads, progress)
+    data, _, warnings = _tessary.read(os.fsencode(source), check, _convert.threads(threads), progress)
+    return _made(Mesh, data, warnings=warnings)
+
+
+def _read_content(content: Any, check: bool, threads: Optional[int], progress: Optional[Progress]) -> Mesh:
+    import tempfile
+    with tempfile.TemporaryDirectory() as folder:
+        path = os.path.join(folder, "content")
+        with open(path, "wb") as file:
+            file.write(content)
+        try:
+            return read(path, check=check, threads=threads, progress=progress)
+        except FileError as error:
+            error.args = (str(error).replace(path, "content"),)
+            error.file = "content"
+            raise
+
+
+def demo_mesh(resolution: int = 64) -> Mesh:
+    """A closed mesh that shows everything a mesh can carry: a lumpy torus with faces of 3 to 8 corners.
+
+    resolution : 8 to 8192; hundreds of faces at 8, about a million at 512.
+
+    >>> import tessary as ts
+    >>> ts.demo_mesh(8)
+    <Mesh 225 faces (3 to 8 corners), 256 points; color, material, face_id, texcoord (indexed), normal (indexed)>
+    """
+    return _made(Mesh, _tessary.demo_mesh(_convert.integer(resolution, "resolution", 0, 2**32 - 1)))
+
+
+def validate(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Report:
+    """What is wrong with a mesh, or unusual about it: kinds, counts, first places, what to do.
+
+    Returns a Report, which is true where there are no errors. Each kind of problem: docs/command-line.md, validate.
+
+    >>> import tessary as ts
+    >>> broken = ts.Mesh([[0, 0, 0], [1, 0, 0], [1, 1, 0]], [[0, 1, 7]], check=False)
+    >>> report = ts.validate(broken)
+    >>> bool(report), report.problems[0].code, report.problems[0].places[0].text
+    (False, 'index-out-of-range', 'corner 2 of face 0, which names point 7 of 3')
+    """
+    return make_report(_tessary.validate(_mesh(mesh)._data, _convert.threads(threads), progress))
+
+
+def info(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> dict[str, Any]:
+    """Facts about a mesh: edges, components, genus, area and more, by the names of `tessary info --json`.
+
+    >>> import tessary as ts
+    >>> facts = ts.info(ts.demo_mesh(8))
+    >>> facts["edges"], facts["closed"], facts["genus"]
+    (481, True, 1)
+    """
+    facts = _tessary.info(_mesh(mesh)._data, _convert.threads(threads), progress)
+    points = mesh.points
+    box = (points.min(axis=0), points.max(axis=0)) if len(points) else None
+    return {"points": mesh.point_count, "corners": mesh.corner_count, "faces": mesh.face_count, **facts,
+            "bounding_box": box}
+
+
+def triangulate(mesh: Mesh, *, properties: Names = "all", threads: Optional[int] = None,
+                progress: Optional[Progress] = None) -> Mesh:
+    """Splits every face into a fan of triangles around its first corner.
+
+    Parameters
+    ----------
+    mesh : Mesh
+    properties : "all", "none", or names
+        What is carried. Indexed properties, such as UVs, stay indexed and keep their seams.
+    threads : int, optional
+        At most so many, 1 to 1024. Results do not depend on it.
+    progress : callable, optional
+        Called with the percent that were done since the last call, about 40 times a second; the sum is 100. The
+        `update` of a tqdm(total=100) fits. What it raises ends the work.
+
+    Returns a Mesh of triangles with `parents.face` (of each triangle) and `parents.corner` (of each corner); points
+    keep their order. Raises InvalidMesh, ArgumentError.
+
+    >>> import tessary as ts
+    >>> triangles = ts.triangulate(ts.demo_mesh(8))
+    >>> triangles.faces.shape, triangles.parents.face[:4]
+    ((512, 3), array([0, 0, 1, 1], dtype=uint32))
+    """
+    data, parents, warnings = _tessary.triangulate(_mesh(mesh)._data, _carry(mesh, properties),
+                                                   _convert.threads(threads), progress)
+    return _made(Mesh, data, Parents(*parents), warnings)
+
+
+def quads(mesh: Mesh, *, crease_angle: Optional[float] = None, crease_property: str = "",
+          edge_weight: float = 0.5, inner_weights: Any = (1, 1, 1), gap: float = 0, split_edges: bool = False,
+          properties: Names = "all", threads: Optional[int] = None,
+          progress: Optional[Progress] = None) -> QuadMesh:
+    """Splits the fan triangles of a mesh into three quads each, around an inner point.
+
+    Parameters
+    ----------
+    crease_angle : degrees, 0 to 180
+        Edges are creased at which the normals of two faces differ by more: they get two points, one for each end.
+    crease_property : str
+        Edges are creased that start at corners whose value is true, not 0, or a weight below the largest float.
+    edge_weight : 0 to 1
+        Edges are cut where their lower-numbered point has this share.
+    inner_weights : three numbers
+        Triangles are cut where their corners have shares in this ratio.
+    gap : 0 to 1
+        The two points of a creased edge move apart by this share of the edge.
+    split_edges : bool
+        Edges along which two faces run in one direction are cut once for each face; otherwise such a mesh is refused.
+    properties, threads, progress
+        As for `triangulate`. Real values are blended, others picked.
+
+    Returns a QuadMesh with `parents.face`, `parents.corner` and `parents.triangle` of each quad. Raises InvalidMesh,
+    ArgumentError.
+
+    >>> import tessary as ts
+    >>> quads = ts.quads(ts.demo_mesh(8), crease_angle=30)
+    >>> quads.faces.shape, quads.creased_edges > 0
+    ((1536, 4), True)
+    """
+    angle = None if crease_angle is None else _convert.number(crease_angle, "crease_angle")
+    data, parents, warnings, *figures = _tessary.quads(
+        _mesh(mesh)._data, angle, crease_property, _convert.number(edge_weight, "edge_weight"),
+        _ratio(inner_weights), _convert.number(gap, "gap"), split_edges, _carry(mesh, properties),
+        _convert.threads(threads), progress)
+    made: QuadMesh = _made(QuadMesh, data, Parents(*parents), warnings)
+    made.edge_count, made.creased_edges, made.split_edges = figures
+    return made
+
+
+def _ratio(weights: Any) -> list[float]:
+    shares = _convert.reals(weights, "inner_weights", (), _convert.F64, "three numbers are wanted")
+    total = float(shares.sum())
+    if len(shares) != 3 or not (shares >= 0).all() or not 0 < total < np.inf:
+        raise ArgumentError("inner_weights: three numbers are wanted that are finite, not negative and not all 0",
+                            "inner_weights")
+    return (shares / total).tolist()
+
+
+def sample(mesh: Mesh, *, distance: Union[float, str, None] = None, count: Optional[int] = None, seed: int = 0,
+           properties: Names = "all", threads: Optional[int] = None,
+           progress: Optional[Progress] = None) -> Samples:
+    """Scatters points over the surface, no two closer than a distance (Poisson-disk sampling).
+
+    Parameters
+    ----------
+    distance : float or str
+        In the mesh's units, or "2%" of the radius of the smallest sphere around the mesh.
+    count : int
+        In the place of a distance: the one for so many samples is looked for, until it is met within 2 %.
+    seed : 0 to 4294967295
+        Same mesh, same seed, same bits, on any machine and any number of threads.
+    properties, threads, progress
+        As for `triangulate`. Real values of points and corners are blended, others picked from the nearest corner.
+
+    Returns Samples. Raises ArgumentError, InvalidMesh, OutOfMemory.
+
+    >>> import tessary as ts
+    >>> samples = ts.sample(ts.demo_mesh(8), distance="10%", seed=7)
+    >>> samples.properties["color"].values.shape == samples.points.shape
+    True
+    """
+    if (distance is None) == (count is None):
+        raise ArgumentError("distance: either a distance or a count is wanted", "distance")
+    length, is_share = _distance(distance)
+    data, parents, warnings, *figures = _tessary.sample(
+        _mesh(mesh)._data, length, is_share, _count(count), _convert.integer(seed, "seed", 0, 2**32 - 1),
+        _carry(mesh, properties), _convert.threads(threads), progress)
+    made: Samples = _made(Samples, data, Parents(*parents), warnings)
+    made.distance, made.area, made.rounding_share = figures
+    made.seed = seed
+    return made
+
+
+def _distance(distance: Union[float, str, None]) -> tuple[float, bool]:
+    if distance is None:
+        return 0.0, False
+    is_share = isinstance(distance, str) and distance.endswith("%")
+    number = distance[:-1] if is_share and isinstance(distance, str) else distance
+    length = _convert.number(number, "distance")
+    if not 0 < length < np.inf:
+        raise ArgumentError(f"distance: a number above zero is wanted, or percent such as \"2%\", not {distance!r}",
+                            "distance")
+    return length / 100 if is_share else length, is_share
+
+
+def _count(count: Optional[int]) -> int:
+    return 0 if count is None else _convert.integer(count, "count", 1, 4_000_000_000)
+
+
+def adjacency(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Adjacency:
+    """Splits faces into fans of triangles and finds their edges, their neighbours and the corners of each point.
+
+    Raises InvalidMesh where two faces run along an edge in one direction ("same-direction").
+
+    >>> import tessary as ts
+    >>> square = ts.Mesh([[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0]], [[0, 1, 2, 3]])
+    >>> tables = ts.adjacency(square)
+    >>> tables.face_vertex_adjacent_tri
+    array([[4294967295, 4294967295,          1],
+           [         0, 4294967295, 4294967295]], dtype=uint32)
+    """
+    return Adjacency(*_tessary.adjacency(_mesh(mesh)._data, _convert.threads(threads), progress))
+
+
+def edges(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Edges:
+    """The edges of the fan triangles of a mesh, each once, in a defined order.
+
+    Raises InvalidMesh as `adjacency` does, which makes the table.
+
+    >>> import tessary as ts
+    >>> square = ts.Mesh([[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0]], [[0, 1, 2, 3]])
+    >>> edges = ts.edges(square)
+    >>> edges.points.tolist(), edges.is_boundary.sum()
+    ([[0, 1], [2, 0], [1, 2], [3, 0], [2, 3]], 4)
+    """
+    tables = adjacency(mesh, threads=threads, progress=progress)
+    return Edges(tables.tri_edges, tables.face_vertex)
+
+
+def dual(mesh: Mesh, *, threads: Optional[int] = None) -> Dual:
+    """The corners of each point of a mesh, in ascending order.
+
+    >>> import tessary as ts
+    >>> square = ts.Mesh([[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0]], [[0, 1, 2], [0, 2, 3]])
+    >>> ts.dual(square).of(2)
+    array([2, 4], dtype=uint32)
+    """
+    return Dual(*_tessary.array_dual(_mesh(mesh).corners, mesh.point_count, _convert.threads(threads)))
+
+
+def bounding_sphere(points: Any, *, threads: Optional[int] = None,
+                    progress: Optional[Progress] = None) -> Sphere:
+    """The smallest sphere around points.
+
+    points : a Mesh, a PointCloud, or (n, 3) numbers. All count, those that no face uses too; of none the sphere is the
+    origin. A radius whose square overflows float32 is infinite.
+
+    >>> import tessary as ts
+    >>> ts.bounding_sphere([[-1, 0, 0], [1, 0, 0], [0, 0.5, 0]])
+    Sphere(center=array([0., 0., 0.], dtype=float32), radius=1.0)
+    """
+    array = points.points if isinstance(points, Geometry) else _convert.reals(points, "points", (3,))
+    return Sphere(*_tessary.bounding_sphere(array, _convert.threads(threads), progress))
+
+
+def overlap(triangles: Any, boxes: Any, *, threads: Optional[int] = None,
+            progress: Optional[Progress] = None) -> Array:
+    """Whether solid triangles and axis-aligned boxes meet, pair by pair; touching counts.
+
+    Parameters
+    ----------
+    triangles : (n, 3, 3) numbers, or (3, 3) for one against all boxes
+        The points of each triangle.
+    boxes : (n, 2, 3) numbers, or (2, 3) for one against all triangles
+        The centre of each box, and half of its size along x, y and z.
+
+    Returns (n,) bool. All arithmetic is float32 without tolerance. Raises ArrayError.
+
+    >>> import tessary as ts
+    >>> triangle = [[0, 0, 0], [1, 0, 0], [0, 1, 0]]
+    >>> ts.overlap(triangle, [[[0, 0, 0], [0.1, 0.1, 0.1]], [[1, 1, 0], [0.1, 0.1, 0.1]]])
+    array([ True, False])
+    """
+    return _tessary.overlap(_stack(triangles, "triangles", (3, 3)), _stack(boxes, "boxes", (2, 3)),
+                            _convert.threads(threads), progress)
+
+
+def _stack(value: Any, argument: str, shape: tuple[int, int]) -> Array:
+    if np.ndim(value) == 2 and np.shape(value) == shape:
+        value = np.asarray(value)[np.newaxis]
+    return _convert.reals(value, argument, shape)
+
+
+def voxels(mesh: Mesh, cell_size: float, *, threads: Optional[int] = None,
+           progress: Optional[Progress] = None) -> Voxels:
+    """The cells of a grid of cubes that some face touches. Cell (x, y, z) reaches from x to x + 1 times the cell size.
+
+    Returns Voxels. Raises ArgumentError where the cells are too small for the mesh, InvalidMesh.
+
+    >>> import tessary as ts
+    >>> square = ts.Mesh([[0.1, 0.1, 0.5], [1.9, 0.1, 0.5], [1.9, 0.9, 0.5], [0.1, 0.9, 0.5]], [[0, 1, 2, 3]])
+    >>> ts.voxels(square, 1).cells.tolist()
+    [[0, 0, 0], [1, 0, 0]]
+    """
+    size = _convert.number(cell_size, "cell_size")
+    if not 1e-30 <= size <= 1e30:
+        raise ArgumentError(f"cell_size: a number from 1e-30 to 1e30 is wanted, not {size}", "cell_size")
+    return Voxels(_tessary.voxels(_mesh(mesh)._data, size, _convert.threads(threads), progress), size)
+
+
+def interpolate_to_cut_mesh(source: Mesh, triangle_weights: Any, edge_weights: Any, cut_point_ids: Any,
+                            cut_point_origins: Any, target: Mesh, *, threads: Optional[int] = None,
+                            progress: Optional[Progress] = None) -> Mesh:
+    """Carries the properties of a mesh over to the quads that its fan triangles are cut into.
+
+    `quads` does all of it; this is for cuts of your own. Triangle j becomes the target's quads 3 j to 3 j + 2.
+
+    Parameters
+    ----------
+    triangle_weights, edge_weights : (3 triangles,) numbers
+        Of each corner: its weight inside the triangle, and on the edge that leaves it.
+    cut_point_ids : (points of target,) integers
+        An entry of cut_point_origins for each point of the target.
+    cut_point_origins : integers
+        4 c + kind, of corner c of the triangles: 0 at its point, 1 on the edge that leaves it, 2 inside its triangle,
+        3 on the edge that arrives at it.
+    target : Mesh
+        Three quads for each triangle, with points.
+
+    Returns the target with the source's properties. Raises ArrayError for arrays of other lengths and entries that name
+    nothing, InvalidMesh.
+
+    >>> import numpy as np
+    >>> import tessary as ts
+    >>> mesh = ts.Mesh([[0, 0, 0], [1, 0, 0], [0, 1, 0]], [[0, 1, 2]])
+    >>> mesh.properties["heat"] = ts.Property(np.float32([0, 1, 2]), "point")
+    >>> quads = ts.quads(mesh, properties="none")
+    >>> origins = [0, 4, 8, 1, 9, 5, 2]
+    >>> heat = ts.interpolate_to_cut_mesh(mesh, [1 / 3] * 3, [0.5] * 3, range(7), origins, quads).properties["heat"]
+    >>> heat.values
+    array([0. , 1. , 2. , 0.5, 1. , 1.5, 1. ], dtype=float32)
+    """
+    data = _tessary.interpolate_to_cut_mesh(
+        _mesh(source, "source")._data, _convert.reals(triangle_weights, "triangle_weights", ()),
+        _convert.reals(edge_weights, "edge_weights", ()), _convert.indices(cut_point_ids, "cut_point_ids"),
+        _convert.indices(cut_point_origins, "cut_point_origins"), _mesh(target, "target")._data,
+        _convert.threads(threads), progress)
+    return _made(Mesh, data)
