@@ -86,7 +86,7 @@ void constructDual(Row& row, Case& input)
                 dualContender(
                     dual, [&] { Tessary::constructDualMesh(corners, dual.offset, dual.corners); }),
                 {"counting sort", dualContender(sorted, [&] { countingSortDual(corners, sorted); }),
-                 "serial, with a cursor for each point"});
+                 "serial, with the offsets as cursors; does not look whether the arrays are prepared"});
 }
 
 // An output array that kernels size themselves.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace Bench {
@@ -86,13 +87,20 @@ void Dual::release()
 
 void countingSortDual(const Array<uint>& faceVertex, Dual& dual)
 {
-    for (const uint point : faceVertex)
-        ++dual.offset[std::size_t{point} + 1];
-    for (std::size_t i = 1; i < dual.offset.size(); ++i)
-        dual.offset[i] += dual.offset[i - 1];
-    std::vector<uint> cursor(dual.offset.begin(), dual.offset.end() - 1);
-    for (uint corner = 0; corner < faceVertex.size(); ++corner)
-        dual.corners[cursor[faceVertex[corner]]++] = corner;
+    const std::size_t cornerCount = faceVertex.size();
+    const std::size_t pointCount = dual.offset.size() - 1;
+    const uint* const points = faceVertex.data();
+    uint* const offset = dual.offset.data();
+    uint* const corners = dual.corners.data();
+    for (std::size_t corner = 0; corner < cornerCount; ++corner)
+        ++offset[points[corner]];
+    uint sum = 0;
+    for (std::size_t point = 0; point <= pointCount; ++point)
+        sum += std::exchange(offset[point], sum);
+    for (std::size_t corner = 0; corner < cornerCount; ++corner)
+        corners[offset[points[corner]]++] = static_cast<uint>(corner);
+    std::copy_backward(offset, offset + pointCount, offset + pointCount + 1);
+    offset[0] = 0;
 }
 
 void countingSortEdges(const Array<uint>& faceVertex, Array<uint>& triEdges)

@@ -25,7 +25,7 @@ private:
     std::size_t m_cornerCount;
 };
 
-/// A counting sort with a cursor per point, serial.
+/// A counting sort with the offsets as cursors, which are shifted back, serial.
 void countingSortDual(const Array<uint>& faceVertex, Dual& dual);
 
 /// Half-edges bucketed by larger point by a counting sort, each bucket sorted and paired, serial.

@@ -5,6 +5,8 @@
 #include "base/MeshLayout.h"
 #include "base/ParallelReduce.h"
 #include "base/PropertyAccess.h"
+#include "base/ReadAhead.h"
+#include "topology/DualLists.h"
 
 #include <algorithm>
 #include <numeric>
@@ -18,15 +20,11 @@
 //                 0 | 1 2 4 |       scattered: each cursor ends where the next list begins
 //   corners       | 1 | 3 | 0 2 |
 //
-// In pieces on several threads, each piece has counters of its own. Both take arrays as addDual
-// prepares them; in any others, corners go to the first slot of their point's range that is free.
+// That takes arrays as addDual prepares them; in any others, corners go to the first slot of their
+// point's range that is free.
 
 namespace Tessary {
 namespace {
-
-// Fewer are listed as soon by one thread: waking another and clearing its cursors takes what it saves.
-// Two threads list 3 M corners in 0.65 of the time of one in random order, in 0.9 in natural order.
-constexpr uint kCornersPerPiece = 1 << 20;
 
 // Whether the entries [0, size) all have one value.
 bool areAll(const Array<uint>& entries, std::size_t size, uint value)
@@ -45,58 +43,35 @@ bool arePrepared(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffse
            areAll(dualFaceVertex, cornerCount, kNone);
 }
 
-void countCorners(const Array<uint>& faceVertex, Range corners,
-                  [[maybe_unused]] std::size_t pointCount, uint* counts)
+// What the caller owes. Nothing in a release.
+void assertPointsExist([[maybe_unused]] const DualLists& lists)
 {
-    for (std::size_t corner = corners.begin; corner < corners.end; ++corner) {
-        const std::size_t point = faceVertex[corner];
-        TESSARY_ASSERT(point < pointCount,
-                       "corner " << corner << " names point " << point << " of " << pointCount);
-        ++counts[point];
-    }
-}
-
-void listCorners(const Array<uint>& faceVertex, Range corners, uint* cursors, uint* slots)
-{
-    for (std::size_t corner = corners.begin; corner < corners.end; ++corner)
-        slots[cursors[faceVertex[corner]]++] = static_cast<uint>(corner);
+    for ([[maybe_unused]] std::size_t corner = 0; corner < lists.cornerCount; ++corner)
+        TESSARY_ASSERT(lists.faceVertex[corner] < lists.pointCount,
+                       "corner " << corner << " names point " << lists.faceVertex[corner] << " of "
+                                 << lists.pointCount);
 }
 
 // With the offsets themselves as cursors.
-void listSerially(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
-                  Array<uint>& dualFaceVertex)
+void listSerially(const DualLists& lists)
 {
-    const Range corners{0, faceVertex.size()};
-    const std::size_t pointCount = dualFaceOffset.size() - 1;
-    uint* const cursors = dualFaceOffset.data() + 1;
-    countCorners(faceVertex, corners, pointCount, cursors);
-    exclusiveScan(cursors, pointCount);
-    listCorners(faceVertex, corners, cursors, dualFaceVertex.data());
+    const Range corners{0, lists.cornerCount};
+    countCorners(lists, corners);
+    exclusiveScan(lists.cursors, lists.pointCount);
+    listCorners(lists, corners);
 }
 
-void listInPieces(const Array<uint>& faceVertex, uint pieceCount, Array<uint>& dualFaceOffset,
-                  Array<uint>& dualFaceVertex)
+void makeLists(const DualLists& lists)
 {
-    const std::size_t pointCount = dualFaceOffset.size() - 1;
-    CountingSort sort(pieceCount, pointCount);
-    const auto cornersOf = [&](uint piece) { return partOf(faceVertex.size(), piece, pieceCount); };
-    parallelForEach(pieceCount, LoopContext::Isolated, [&](uint piece) {
-        countCorners(faceVertex, cornersOf(piece), pointCount, sort.counters(piece));
-    });
-    sort.exclusiveScan();
-    parallelForEach(pieceCount, LoopContext::Isolated, [&](uint piece) {
-        listCorners(faceVertex, cornersOf(piece), sort.counters(piece), dualFaceVertex.data());
-    });
-    std::copy_n(sort.binEnds(), pointCount, dualFaceOffset.data() + 1);
-}
-
-// As many as there are threads, where the cursors of all of them take no more than the corners.
-uint pieceCountFor(std::size_t cornerCount, std::size_t pointCount)
-{
-    const std::size_t mostByMemory = cornerCount / std::max<std::size_t>(pointCount, 1);
-    const std::size_t mostBySize = cornerCount / kCornersPerPiece;
-    return static_cast<uint>(
-        std::min<std::size_t>({loopConcurrency(), 8, mostByMemory, mostBySize}));
+    // 20,000 triangles: TODO
+    constexpr std::size_t kFewCorners = 1 << 17;
+    constexpr std::size_t kManyCorners = 1 << 20;
+    if (lists.cornerCount < kFewCorners)
+        listSerially(lists);
+    else if (isInPointOrder(lists))
+        loopConcurrency() > 1 ? listInWindows(lists) : listSerially(lists);
+    else
+        lists.cornerCount < kManyCorners ? listSerially(lists) : listInBlocks(lists);
 }
 
 // Finds free slots as a search from any start would: a disjoint-set forest in which every slot points
@@ -147,23 +122,34 @@ void fillBySearch(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffs
 
 }  // namespace
 
+void countCorners(const DualLists& lists, Range corners)
+{
+    const uint* const points = lists.faceVertex;
+    uint* const counts = lists.cursors;
+    for (std::size_t corner = corners.begin; corner < corners.end; ++corner)
+        ++counts[points[corner]];
+}
+
+void listCorners(const DualLists& lists, Range corners)
+{
+    forEachReadAhead(
+        lists.faceVertex, corners,
+        [cursors = lists.cursors, slots = lists.slots](uint point, std::size_t corner) {
+            slots[cursors[point]++] = static_cast<uint>(corner);
+        });
+}
+
 void constructDualMesh(const Array<uint>& faceVertex, Array<uint>& dualFaceOffset,
                        Array<uint>& dualFaceVertex)
 {
     if (dualFaceOffset.empty())
         return;
-    const bool isPrepared = arePrepared(faceVertex, dualFaceOffset, dualFaceVertex);
-    const std::size_t pointCount = dualFaceOffset.size() - 1;
-    const uint pieceCount = pieceCountFor(faceVertex.size(), pointCount);
-    if (isPrepared && pieceCount > 1) {
-        listInPieces(faceVertex, pieceCount, dualFaceOffset, dualFaceVertex);
-        return;
-    }
-    if (isPrepared) {
-        listSerially(faceVertex, dualFaceOffset, dualFaceVertex);
-        return;
-    }
-    countCorners(faceVertex, {0, faceVertex.size()}, pointCount, dualFaceOffset.data() + 1);
+    const DualLists lists{faceVertex.data(), faceVertex.size(), dualFaceOffset.data() + 1,
+                          dualFaceOffset.size() - 1, dualFaceVertex.data()};
+    assertPointsExist(lists);
+    if (arePrepared(faceVertex, dualFaceOffset, dualFaceVertex))
+        return makeLists(lists);
+    countCorners(lists, {0, faceVertex.size()});
     std::partial_sum(dualFaceOffset.begin(), dualFaceOffset.end(), dualFaceOffset.begin());
     fillBySearch(faceVertex, dualFaceOffset, dualFaceVertex);
 }
