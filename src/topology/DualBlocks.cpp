@@ -27,10 +27,14 @@ public:
           m_sort(pieceCountFor(lists.cornerCount), ((lists.pointCount - 1) >> m_bits) + 1)
     {}
 
-    void run()
+    bool run()
     {
         const uint pieces = m_sort.pieceCount();
-        parallelForEach(pieces, LoopContext::Isolated, [this](uint piece) { count(piece); });
+        std::vector<char> areFree(pieces);
+        parallelForEach(pieces, LoopContext::Isolated,
+                        [&](uint piece) { areFree[piece] = count(piece); });
+        if (std::find(areFree.begin(), areFree.end(), false) != areFree.end())
+            return false;
         m_sort.exclusiveScan();
         parallelForEach(pieces, LoopContext::Isolated, [this](uint piece) { scatter(piece); });
         const auto blocks = static_cast<uint>(m_sort.binCount());
@@ -39,6 +43,7 @@ public:
             for (uint block = begin; block < end; ++block)
                 sortBlock(block, corners);
         });
+        return true;
     }
 
 private:
@@ -66,13 +71,12 @@ private:
         return partOf(m_lists.cornerCount, piece, m_sort.pieceCount());
     }
 
-    void count(uint piece)
+    // Returns whether the slots with the numbers of the piece's corners are free.
+    bool count(uint piece)
     {
-        const uint* const points = m_lists.faceVertex;
-        uint* const counts = m_sort.counters(piece);
-        const auto [begin, end] = cornersOf(piece);
-        for (std::size_t corner = begin; corner < end; ++corner)
-            ++counts[points[corner] >> m_bits];
+        return visitAndProve(m_lists, cornersOf(piece),
+                             [counts = m_sort.counters(piece), bits = m_bits](
+                                 std::size_t, uint point) { ++counts[point >> bits]; });
     }
 
     // The line after the one that is written is prefetched, since there are too many for the processor to
@@ -125,9 +129,9 @@ private:
 
 }  // namespace
 
-void listInBlocks(const DualLists& lists)
+bool listInBlocks(const DualLists& lists)
 {
-    DualBlocks(lists).run();
+    return DualBlocks(lists).run();
 }
 
 }  // namespace Tessary

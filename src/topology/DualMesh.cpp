@@ -26,21 +26,13 @@
 namespace Tessary {
 namespace {
 
-// Whether the entries [0, size) all have one value.
-bool areAll(const Array<uint>& entries, std::size_t size, uint value)
+// Whether the arrays can be such as addDual makes them: offsets zero, a slot for every corner.
+bool canBePrepared(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffset,
+                   const Array<uint>& dualFaceVertex)
 {
-    const uint* const entry = entries.data();
-    return !parallelAny(size, [=](std::size_t i) { return entry[i] != value; });
-}
-
-// Whether the arrays arrive as addDual makes them: offsets zero, a free slot for every corner.
-bool arePrepared(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffset,
-                 const Array<uint>& dualFaceVertex)
-{
-    const std::size_t cornerCount = faceVertex.size();
-    return cornerCount < kNone && dualFaceVertex.size() >= cornerCount &&
-           areAll(dualFaceOffset, dualFaceOffset.size(), 0) &&
-           areAll(dualFaceVertex, cornerCount, kNone);
+    const uint* const offset = dualFaceOffset.data();
+    return faceVertex.size() < kNone && dualFaceVertex.size() >= faceVertex.size() &&
+           !parallelAny(dualFaceOffset.size(), [offset](std::size_t i) { return offset[i] != 0; });
 }
 
 // What the caller owes. Nothing in a release.
@@ -52,26 +44,31 @@ void assertPointsExist([[maybe_unused]] const DualLists& lists)
                                  << lists.pointCount);
 }
 
-// With the offsets themselves as cursors.
-void listSerially(const DualLists& lists)
+bool listSerially(const DualLists& lists)
 {
     const Range corners{0, lists.cornerCount};
-    countCorners(lists, corners);
-    exclusiveScan(lists.cursors, lists.pointCount);
-    listCorners(lists, corners);
+    const bool areFree = countAndProve(lists, corners);
+    if (areFree) {
+        exclusiveScan(lists.cursors, lists.pointCount);
+        listCorners(lists, corners);
+    } else {
+        std::fill_n(lists.cursors, lists.pointCount, 0u);
+    }
+    return areFree;
 }
 
-void makeLists(const DualLists& lists)
+bool makeLists(const DualLists& lists)
 {
-    // 20,000 triangles: TODO
+    // A natural torus of 100,000 triangles: 0.58 ms in windows, 0.86 serially. In random order a scatter
+    // from two threads at once takes longer than from one, and blocks pay where caches end: 300,000
+    // triangles as long either way, 1 M 15 ms in blocks, 40 serially.
     constexpr std::size_t kFewCorners = 1 << 17;
     constexpr std::size_t kManyCorners = 1 << 20;
     if (lists.cornerCount < kFewCorners)
-        listSerially(lists);
-    else if (isInPointOrder(lists))
-        loopConcurrency() > 1 ? listInWindows(lists) : listSerially(lists);
-    else
-        lists.cornerCount < kManyCorners ? listSerially(lists) : listInBlocks(lists);
+        return listSerially(lists);
+    if (isInPointOrder(lists))
+        return loopConcurrency() > 1 ? listInWindows(lists) : listSerially(lists);
+    return lists.cornerCount < kManyCorners ? listSerially(lists) : listInBlocks(lists);
 }
 
 // Finds free slots as a search from any start would: a disjoint-set forest in which every slot points
@@ -122,12 +119,10 @@ void fillBySearch(const Array<uint>& faceVertex, const Array<uint>& dualFaceOffs
 
 }  // namespace
 
-void countCorners(const DualLists& lists, Range corners)
+bool countAndProve(const DualLists& lists, Range corners)
 {
-    const uint* const points = lists.faceVertex;
-    uint* const counts = lists.cursors;
-    for (std::size_t corner = corners.begin; corner < corners.end; ++corner)
-        ++counts[points[corner]];
+    return visitAndProve(lists, corners,
+                         [counts = lists.cursors](std::size_t, uint point) { ++counts[point]; });
 }
 
 void listCorners(const DualLists& lists, Range corners)
@@ -147,9 +142,10 @@ void constructDualMesh(const Array<uint>& faceVertex, Array<uint>& dualFaceOffse
     const DualLists lists{faceVertex.data(), faceVertex.size(), dualFaceOffset.data() + 1,
                           dualFaceOffset.size() - 1, dualFaceVertex.data()};
     assertPointsExist(lists);
-    if (arePrepared(faceVertex, dualFaceOffset, dualFaceVertex))
-        return makeLists(lists);
-    countCorners(lists, {0, faceVertex.size()});
+    if (canBePrepared(faceVertex, dualFaceOffset, dualFaceVertex) && makeLists(lists))
+        return;
+    for (const uint point : faceVertex)
+        ++lists.cursors[point];
     std::partial_sum(dualFaceOffset.begin(), dualFaceOffset.end(), dualFaceOffset.begin());
     fillBySearch(faceVertex, dualFaceOffset, dualFaceVertex);
 }

@@ -88,22 +88,26 @@ bool areInside(Window window, const uint* points, Range corners)
     return strays == 0;
 }
 
-void countPiece(const DualLists& lists, Piece& piece)
+// Returns whether the slots with the numbers of the piece's corners are free.
+bool countPiece(const DualLists& lists, Piece& piece)
 {
     const Window window = piece.window;
+    const uint* const points = lists.faceVertex;
     piece.hasStrays.resize((piece.corners.end - piece.corners.begin) / kChunk + 1);
+    bool areFree = true;
     forEachChunk(piece, [&](std::size_t chunk, Range corners) {
-        if (areInside(window, lists.faceVertex, corners))
-            return countCorners(lists, corners);
-        piece.hasStrays[chunk] = 1;
-        for (std::size_t corner = corners.begin; corner < corners.end; ++corner) {
-            const uint point = lists.faceVertex[corner];
-            if (window.has(point))
-                ++lists.cursors[point];
-            else
-                piece.strays.push_back(static_cast<uint>(corner));
-        }
+        piece.hasStrays[chunk] = !areInside(window, points, corners);
+        if (!piece.hasStrays[chunk])
+            areFree &= countAndProve(lists, corners);
+        else
+            areFree &= visitAndProve(lists, corners, [&](std::size_t corner, uint point) {
+                if (window.has(point))
+                    ++lists.cursors[point];
+                else
+                    piece.strays.push_back(static_cast<uint>(corner));
+            });
     });
+    return areFree;
 }
 
 // Calls `visit(corner, point)` for the strays of `from` in a window.
@@ -163,26 +167,34 @@ bool isInPointOrder(const DualLists& lists)
     std::size_t strays = 0;
     std::size_t samples = 0;
     for (const Piece& piece : piecesOf(lists)) {
-        const std::size_t step = lists.cornerCount / kSamples + 1;
+        const std::size_t step =
+            lists.cornerCount / (3 * kSamples) * 3 + 1;  // any corner of triangles
         for (std::size_t corner = piece.corners.begin; corner < piece.corners.end; corner += step) {
             strays += !piece.window.has(lists.faceVertex[corner]);
             ++samples;
         }
     }
-    return samples > 0 && strays <= samples / 4;
+    return samples > 0 && 16 * strays <= samples;
 }
 
-void listInWindows(const DualLists& lists)
+bool listInWindows(const DualLists& lists)
 {
     std::vector<Piece> pieces = piecesOf(lists);
     const auto count = static_cast<uint>(pieces.size());
+    std::vector<char> areFree(count);
+    parallelForEach(count, LoopContext::Isolated,
+                    [&](uint i) { areFree[i] = countPiece(lists, pieces[i]); });
+    if (std::find(areFree.begin(), areFree.end(), false) != areFree.end()) {
+        std::fill_n(lists.cursors, lists.pointCount, 0u);
+        return false;
+    }
     std::vector<uint> firstSlot(count);
-    parallelForEach(count, LoopContext::Isolated, [&](uint i) { countPiece(lists, pieces[i]); });
     parallelForEach(count, LoopContext::Isolated,
                     [&](uint i) { firstSlot[i] = countStrays(lists, pieces, i); });
     exclusiveScan(firstSlot.data(), count);
     parallelForEach(count, LoopContext::Isolated,
                     [&](uint i) { listWindow(lists, pieces, i, firstSlot[i]); });
+    return true;
 }
 
 }  // namespace Tessary

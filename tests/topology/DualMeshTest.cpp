@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <numeric>
+#include <random>
 
 using namespace TestSupport;
 using Tessary::addDual;
@@ -59,28 +59,30 @@ TEST(DualMesh, EqualsTheLiteralSearchForEveryEntryState)
     }
 }
 
-TEST(DualMesh, IsTheSameOnAnyNumberOfThreads)
+// In any order, and along the points but for a few strays; a taken slot leaves nothing but the search.
+TEST(DualMesh, OfManyCornersEqualsTheLiteralSearchOnAnyNumberOfThreads)
 {
-    const uint pointCount = 400000;
+    const uint pointCount = 200000, size = 1200001;
     std::mt19937 random(7);
-    Array<uint> faceVertex(3300001);
-    for (uint& point : faceVertex)
-        point = random() % pointCount;
-    Array<uint> corners(faceVertex.size());
-    std::iota(corners.begin(), corners.end(), 0u);
-    std::stable_sort(corners.begin(), corners.end(),
-                     [&](uint a, uint b) { return faceVertex[a] < faceVertex[b]; });
-    Array<uint> offset(pointCount + 1);
-    for (uint p = 0; p <= pointCount; ++p)
-        offset[p] =
-            static_cast<uint>(std::partition_point(corners.begin(), corners.end(),
-                                                   [&](uint c) { return faceVertex[c] < p; }) -
-                              corners.begin());
-    atSeveralThreadCounts([&](int) {
-        const Dual dual = dualOf({"", pointCount, faceVertex});
-        EXPECT_TRUE(dual.offset == offset);
-        EXPECT_TRUE(dual.corners == corners);
-    });
+    for (const bool inOrder : {false, true}) {
+        Array<uint> faceVertex(size);
+        for (uint c = 0; c < size; ++c)
+            faceVertex[c] = inOrder && c % 997 > 0
+                                ? std::min<uint>(c / 6 + random() % 40, pointCount - 1)
+                                : random() % pointCount;
+        for (const bool isTaken : {false, true}) {
+            Dual prepared = preparedDual(pointCount, size);
+            prepared.corners[size - 1] = isTaken ? 5 : kNone;
+            Dual expected = prepared;
+            literalDual(faceVertex, expected);
+            atSeveralThreadCounts([&](int) {
+                Dual dual = prepared;
+                constructDualMesh(faceVertex, dual.offset, dual.corners);
+                EXPECT_TRUE(dual.offset == expected.offset) << inOrder << isTaken;
+                EXPECT_TRUE(dual.corners == expected.corners) << inOrder << isTaken;
+            });
+        }
+    }
 }
 
 // Quadratic in the valence, the fan would take thousands of times as long.
