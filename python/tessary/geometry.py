@@ -486,13 +486,13 @@ class QuadMesh(Mesh):
     split_edges: int
 
 
-def _set_read_only(state: Any) -> None:
-    # Arrays that came out of a pickle belong to nobody else.
-    for entry in state:
-        if isinstance(entry, np.ndarray):
-            entry.flags.writeable = False
-        elif isinstance(entry, (list, tuple)):
-            _set_read_only(entry)
+def _unpickled(state: Any) -> Any:
+    # Arrays that came out of a pickle belong to nobody else. Those out of a message lie wherever it ended before.
+    if isinstance(state, np.ndarray):
+        array = np.require(state, requirements=("C", "A"))
+        array.flags.writeable = False
+        return array
+    return type(state)(map(_unpickled, state)) if isinstance(state, (list, tuple)) else state
 
 
 def _copied(state: Any) -> Any:
@@ -503,9 +503,8 @@ def _copied(state: Any) -> Any:
 
 def _restore(kind: type[_G], state: Any, parents: Parents, warnings: tuple[str, ...],
              figures: Mapping[str, Any]) -> _G:
-    _set_read_only(state)
     made = object.__new__(kind)
-    Geometry.__init__(made, _tessary.from_state(state), parents, warnings)
+    Geometry.__init__(made, _tessary.from_state(_unpickled(state)), parents, warnings)
     for name, value in figures.items():
         setattr(made, name, value)
     return made
