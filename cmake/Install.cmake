@@ -83,7 +83,14 @@ if(TARGET tessary_python)
     "Where the Python package goes, below the prefix")
   tessary_install_rpath(tessary_python
     ${CMAKE_INSTALL_PREFIX}/${TESSARY_PYTHON_INSTALL_DIR}/tessary)
+  set_property(TARGET tessary_python APPEND PROPERTY INSTALL_RPATH "$ORIGIN")
   install(TARGETS tessary_python DESTINATION ${TESSARY_PYTHON_INSTALL_DIR}/tessary)
   list(TRANSFORM tessary_package_files PREPEND python/tessary/ OUTPUT_VARIABLE tessary_package)
   install(FILES ${tessary_package} DESTINATION ${TESSARY_PYTHON_INSTALL_DIR}/tessary)
+
+  # What a wheel holds: the libraries lie beside the module, TBB too, which other systems have elsewhere.
+  install(TARGETS tessary_python tessary tessary_mesh korvane_embedded
+    LIBRARY DESTINATION . NAMELINK_SKIP COMPONENT wheel EXCLUDE_FROM_ALL)
+  install(FILES $<TARGET_FILE:TBB::tbb> DESTINATION . RENAME $<TARGET_SONAME_FILE_NAME:TBB::tbb>
+    COMPONENT wheel EXCLUDE_FROM_ALL)
 endif()

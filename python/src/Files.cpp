@@ -5,6 +5,8 @@
 #include <TessaryMesh/Check.h>
 #include <TessaryMesh/Files.h>
 
+#include <filesystem>
+
 namespace TessaryPython {
 namespace {
 
@@ -18,11 +20,20 @@ py::list toPython(const std::vector<std::string>& lines)
     return list;
 }
 
+// Half an element for each byte of a file; what is none may keep one waiting.
+std::size_t readingEffort(const std::string& path)
+{
+    std::error_code error;
+    const bool isFile = path != "-" && std::filesystem::is_regular_file(path, error);
+    const auto size = isFile ? std::filesystem::file_size(path, error) : 0;
+    return isFile && !error ? static_cast<std::size_t>(size / 2) : kUnknownEffort;
+}
+
 // geometry, name of the format, warnings
 py::tuple read(const py::bytes& path, bool check, unsigned threads, const py::object& progress)
 {
-    TessaryMesh::MeshRead made =
-        compute({threads, progress}, kUnknownEffort, [name = std::string(path), check](Stage&) {
+    TessaryMesh::MeshRead made = compute(
+        {threads, progress}, readingEffort(path), [name = std::string(path), check](Stage&) {
             return check ? TessaryMesh::readMesh(name) : TessaryMesh::readMeshUnchecked(name);
         });
     const auto trust = check ? Geometry::Trust::Checked : Geometry::Trust::Unchecked;

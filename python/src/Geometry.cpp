@@ -1,5 +1,7 @@
 #include "Geometry.h"
 
+#include "QuickCheck.h"
+
 #include <Korvane/Geometry.h>
 #include <TessaryMesh/Check.h>
 
@@ -24,12 +26,13 @@ std::size_t Geometry::cornerCount() const
 
 void Geometry::requireValid() const
 {
-    if (trust() == Trust::Checked)
+    const Trust found = trust();
+    if (found == Trust::Checked || (found == Trust::Changeable && stillHolds(*m_object)))
         return;
     TessaryMesh::ValidationReport report = TessaryMesh::validateMesh(*m_object);
     if (report.hasErrors())
         throw TessaryMesh::InvalidMesh("", std::move(report));
-    if (trust() == Trust::Unchecked)
+    if (found == Trust::Unchecked)
         m_trust.store(Trust::Checked, std::memory_order_relaxed);
 }
 

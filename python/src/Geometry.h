@@ -21,7 +21,7 @@ public:
     enum class Trust {
         Checked,    ///< known to be without errors
         Unchecked,  ///< to be validated when it is first used
-        Changeable  ///< of memory that Python can write into: to be validated whenever it is used
+        Changeable  ///< of memory that Python can write into: to be looked at whenever it is used
     };
 
     Geometry(ObjectPtr object, Trust trust) : m_object(std::move(object)), m_trust(trust) {}

@@ -2,11 +2,13 @@
 #include "Module.h"
 #include "Work.h"
 
+#include <Korvane/Geometry.h>
 #include <TessaryMesh/Files.h>
 #include <TessaryMesh/Operations.h>
 
 #include <pybind11/stl.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <optional>
@@ -109,13 +111,6 @@ py::tuple quads(const Geometry& mesh, const std::optional<double>& creaseAngle,
            py::make_tuple(result.edges, result.creasedEdges, result.splitEdges);
 }
 
-/// What scattered the samples, for people to know.
-struct Sampled {
-    TessaryMesh::Result result;
-    double area;
-    float distance, radius, roundingShare;
-};
-
 // Infinite where it is too large, which the library refuses.
 float toFloat(double length)
 {
@@ -123,40 +118,54 @@ float toFloat(double length)
     return length > kMost ? std::numeric_limits<float>::infinity() : static_cast<float>(length);
 }
 
-struct SampleWork {
-    double distance;  // a share of the radius where isShare; 0 for a count
-    bool isShare;
-    std::uint64_t count;
-    uint seed;
-    Carry carry;
+using TessaryMesh::SampledSurface;
 
-    Sampled operator()(const Korvane::Object& mesh, Stage& stage) const
-    {
-        const TessaryMesh::SampledSurface surface(mesh);
-        const float radius = isShare ? surface.boundingRadius() : 0;
-        stage.reached(10);
-        const auto samples =
-            count > 0 ? surface.sampleCount(count, seed)
-                      : surface.sample(toFloat(distance * (isShare ? double{radius} : 1)), seed);
-        stage.reached(80);
-        return {TessaryMesh::makeSampleCloud(mesh, samples, carry), surface.area(),
-                samples.distance, radius,
-                static_cast<float>(surface.roundingShare(samples.distance))};
-    }
+struct Sampled {
+    TessaryMesh::Result result;
+    float distance;
 };
 
-// as of triangulate; distance, area, share of the distance that rounding may amount to
+// Two elements of work for each candidate, of which there are about 11 to a sample of pi d^2 / 5.
+std::size_t candidateEffort(double area, double distance, std::uint64_t count)
+{
+    constexpr double kMost = 1e15;
+    const double samples = count > 0 ? 4.0 * static_cast<double>(count)  // a search tries several
+                                     : 1.6 * area / (distance * distance);
+    return static_cast<std::size_t>(samples < kMost ? 22 * samples : kMost);
+}
+
+Sampled sampleSurface(const Geometry& mesh, const Call& call, const SampledSurface& surface,
+                      double distance, std::uint64_t count, uint seed, const Carry& carry)
+{
+    const std::size_t effort = effortOf(mesh) + candidateEffort(surface.area(), distance, count);
+    return compute(call, effort, [=, object = mesh.object()](Stage& stage) {
+        const auto samples =
+            count > 0 ? surface.sampleCount(count, seed) : surface.sample(toFloat(distance), seed);
+        stage.reached(80);
+        return Sampled{TessaryMesh::makeSampleCloud(*object, samples, carry), samples.distance};
+    });
+}
+
+// As of triangulate; distance, area, share of the distance that rounding may amount to. The distance is
+// a share of the radius where isShare, and of no meaning with a count.
 py::tuple sample(const Geometry& mesh, double distance, bool isShare, std::uint64_t count,
                  uint seed, const py::object& properties, unsigned threads,
                  const py::object& progress)
 {
-    const std::size_t effort =
-        count > 0 && count < kFewElements ? effortOf(mesh) + 60 * count : kUnknownEffort;
-    const Sampled sampled =
-        operate(mesh, {threads, progress}, effort,
-                SampleWork{distance, isShare, count, seed, toCarry(properties)});
+    const Carry carry = toCarry(properties);
+    const auto measured = operate(mesh, {threads, py::none()}, effortOf(mesh),
+                                  [isShare](const Korvane::Object& object, Stage&) {
+                                      SampledSurface surface(object);
+                                      const double unit =
+                                          isShare ? double{surface.boundingRadius()} : 1.0;
+                                      return std::make_pair(std::move(surface), unit);
+                                  });
+    const SampledSurface& surface = measured.first;
+    const Sampled sampled = sampleSurface(mesh, {threads, progress}, surface,
+                                          distance * measured.second, count, seed, carry);
     return toPython(mesh, sampled.result) +
-           py::make_tuple(sampled.distance, sampled.area, sampled.roundingShare);
+           py::make_tuple(sampled.distance, surface.area(),
+                          static_cast<float>(surface.roundingShare(sampled.distance)));
 }
 
 // rows of 3 points, 2 corners and 3 triangles; offsets and corners of the dual; faces
@@ -171,11 +180,29 @@ py::tuple adjacency(const Geometry& mesh, unsigned threads, const py::object& pr
                           orNone(tables.dualFaceVertex), orNone(tables.face));
 }
 
+// The cells of a box around the points: no fewer than the mesh touches.
+std::size_t cellsAround(const Geometry& mesh, double cellSize)
+{
+    using Korvane::Math::float3;
+    const auto points =
+        Korvane::Geometry::dataArray<float3>(*mesh.object(), Korvane::Geometry::sPointPosition);
+    if (effortOf(mesh) >= kFewElements || !points || points->empty())
+        return kFewElements;
+    float3 low = (*points)[0], high = low;
+    for (const float3& p : *points) {
+        low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+    }
+    const auto along = [cellSize](double from, double to) { return (to - from) / cellSize + 2; };
+    const double cells = along(low.x, high.x) * along(low.y, high.y) * along(low.z, high.z);
+    return cells < 1e15 ? static_cast<std::size_t>(cells) : kUnknownEffort / 2;
+}
+
 py::array_t<std::int32_t> voxels(const Geometry& mesh, double cellSize, unsigned threads,
                                  const py::object& progress)
 {
     using TessaryMesh::Cell;
-    auto cells = operate(mesh, {threads, progress}, kUnknownEffort,
+    auto cells = operate(mesh, {threads, progress}, effortOf(mesh) + cellsAround(mesh, cellSize),
                          [cellSize](const Korvane::Object& object, Stage&) {
                              return TessaryMesh::touchedCells(object, cellSize);
                          });

@@ -155,7 +155,7 @@ py::tuple quads(const py::array& corners, const py::array& edgeTable, const py::
     const auto table = borrow<uint>(edgeTable, "edges");
     const auto creases = borrow<bool>(creased, "creased");
     Quads made = compute({threads, py::none()}, 2 * faceVertex->size(), [=](Stage&) {
-        requireBelow(*table, faceVertex->size(), "edges", "corners", true);
+        requireEdgeTable(*table, faceVertex->size());
         requireLength(creases->size(), faceVertex->size(), "creased", "corners");
         Quads quadMesh{};
         quadMesh.next = Tessary::computeQuadMesh(*faceVertex, *table, *creases, firstIndex,

@@ -19,7 +19,7 @@ using Korvane::Math::float3x3;
 py::tuple boundingSphere(const py::array& points, unsigned threads, const py::object& progress)
 {
     const auto positions = borrow<float3>(points, "points");
-    const Tessary::Sphere sphere = compute({threads, progress}, positions->size(), [=](Stage&) {
+    const Tessary::Sphere sphere = compute({threads, progress}, positions->size() / 4, [=](Stage&) {
         return Tessary::computeBoundingSphere(*positions);
     });
     return py::make_tuple(moveToNumpy(Pelon::Array<float3>(1, sphere.getCenter()))[py::int_(0)],
@@ -47,7 +47,7 @@ py::object overlap(const py::array& triangles, const py::array& boxes, unsigned 
     const std::size_t count = pairCount(corners->size(), bounds->size());
     const std::size_t cornerStep = corners->size() == 1 ? 0 : 1;
     const std::size_t boxStep = bounds->size() == 1 ? 0 : 1;
-    return moveToNumpy(compute({threads, progress}, 2 * count, [=](Stage&) {
+    return moveToNumpy(compute({threads, progress}, count, [=](Stage&) {
         Pelon::Array<bool> meets(count);
         parallelPieces(count, [&](std::size_t begin, std::size_t end) {
             for (std::size_t i = begin; i < end; ++i) {

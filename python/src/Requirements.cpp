@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 namespace TessaryPython {
 namespace {
@@ -11,6 +12,8 @@ namespace {
 using Pelon::uint;
 using TessaryMesh::ArrayError;
 using Code = ArrayError::Code;
+
+constexpr uint kNone = 0xFFFFFFFF;
 
 [[noreturn]] void throwValue(const char* name, std::size_t element, uint value,
                              const std::string& what)
@@ -39,19 +42,28 @@ void requireOffsets(IndexArrayRef offsets, std::size_t cornerCount, const char* 
                    "where there are " + std::to_string(cornerCount) + " corners");
 }
 
-void requireBelow(IndexArrayRef indices, std::size_t count, const char* name, const char* what,
-                  bool orNone)
+void requireBelow(IndexArrayRef indices, std::size_t count, const char* name, const char* what)
 {
-    constexpr uint kNone = 0xFFFFFFFF;
-    uint largest = 0;
-    for (const uint index : indices)
-        largest = std::max(largest, orNone && index == kNone ? 0 : index);
-    if (indices.empty() || (largest < count && count > 0))
-        return;
-    for (std::size_t i = 0; i < indices.size(); ++i)
-        if (indices[i] >= count && !(orNone && indices[i] == kNone))
-            throwValue(name, i, indices[i],
-                       "where there are " + std::to_string(count) + " " + what);
+    const auto bad = std::find_if(indices.begin(), indices.end(),
+                                  [count](uint index) { return index >= count; });
+    if (bad != indices.end())
+        throwValue(name, static_cast<std::size_t>(bad - indices.begin()), *bad,
+                   "where there are " + std::to_string(count) + " " + what);
+}
+
+void requireEdgeTable(IndexArrayRef edges, std::size_t cornerCount, const char* name)
+{
+    std::vector<char> isNamed(cornerCount);
+    for (std::size_t i = 0; i < edges.size(); ++i) {
+        if (edges[i] == kNone && i % 2 == 1)
+            continue;
+        if (edges[i] >= cornerCount)
+            throwValue(name, i, edges[i],
+                       "where there are " + std::to_string(cornerCount) + " corners");
+        if (isNamed[edges[i]] != 0)
+            throwValue(name, i, edges[i], "a corner that is named twice");
+        isNamed[edges[i]] = 1;
+    }
 }
 
 void requireLength(std::size_t length, std::size_t wanted, const char* name, const char* what)

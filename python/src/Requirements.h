@@ -14,9 +14,11 @@ using IndexArrayRef = const Pelon::Array<Pelon::uint>&;
 /// Offsets of faces: from 0, not falling, up to the number of corners.
 void requireOffsets(IndexArrayRef offsets, std::size_t cornerCount, const char* name = "offsets");
 
-/// Indices below `count`, which counts `what` ("points"); where `orNone`, also 0xFFFFFFFF.
-void requireBelow(IndexArrayRef indices, std::size_t count, const char* name, const char* what,
-                  bool orNone = false);
+/// Indices below `count`, which counts `what` ("points").
+void requireBelow(IndexArrayRef indices, std::size_t count, const char* name, const char* what);
+
+/// Pairs of corners, each of which is named at most once; the second of a pair may be 0xFFFFFFFF.
+void requireEdgeTable(IndexArrayRef edges, std::size_t cornerCount, const char* name = "edges");
 
 void requireLength(std::size_t length, std::size_t wanted, const char* name, const char* what);
 

@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
+#include <thread>
 
 namespace TessaryPython {
 namespace {
@@ -72,6 +73,35 @@ private:
     int m_percent = 0;
 };
 
+bool isInterpreterEnding()
+{
+#if PY_VERSION_HEX >= 0x030D0000
+    return Py_IsFinalizing() != 0;
+#else
+    return _Py_IsFinalizing() != 0;
+#endif
+}
+
+// Does `wait` while other threads of Python run. A daemon thread that comes back when the interpreter is
+// about to end waits for the end of the process: Python would end it with an exception of its own,
+// which C++ code cannot be left by.
+template <class Wait>
+void withoutLock(const Wait& wait)
+{
+    PyThreadState* const thread = PyEval_SaveThread();
+    std::exception_ptr error;
+    try {
+        wait();
+    } catch (...) {
+        error = std::current_exception();
+    }
+    while (isInterpreterEnding())
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+    PyEval_RestoreThread(thread);
+    if (error)
+        std::rethrow_exception(error);
+}
+
 std::shared_ptr<Ending> start(const std::shared_ptr<Task>& task)
 {
     auto ending = std::make_shared<Ending>();
@@ -97,12 +127,10 @@ void runSignalHandlers()
 
 void watch(Task& task, Ending& ending, Told& told)
 {
-    for (;;) {
-        {
-            const py::gil_scoped_release free;
-            if (ending.waitFor(kPeriod))
-                return;
-        }
+    for (bool hasEnded = false;;) {
+        withoutLock([&] { hasEnded = ending.waitFor(kPeriod); });
+        if (hasEnded)
+            return;
         runSignalHandlers();
         told.tell(task.stage.percent());
     }
@@ -115,10 +143,7 @@ namespace Internal {
 void runHere(Task& task, const Call& call)
 {
     task.threads = call.threads;
-    {
-        const py::gil_scoped_release free;
-        work(task);
-    }
+    withoutLock([&task] { work(task); });
     Told(call).tell(100);
 }
 
@@ -131,10 +156,7 @@ void runWatched(const std::shared_ptr<Task>& task, const Call& call)
         watch(*task, *ending, told);
     } catch (py::error_already_set& error) {
         task->job.cancel();
-        {
-            const py::gil_scoped_release free;
-            ending->waitFor(kPatience);
-        }
+        withoutLock([&ending] { ending->waitFor(kPatience); });
         throwCancelled(error);
     }
     if (ending->error())

@@ -39,9 +39,9 @@ private:
     std::atomic<int> m_percent{0};
 };
 
-/// Work of fewer elements than this takes less than the time after which Ctrl-C would be missed, and
-/// is done on the calling thread: at 20 ns for each about a millisecond, where handing over takes 20 us.
-inline constexpr std::size_t kFewElements = 50000;
+/// Work on fewer elements is done on the calling thread: at 20 ns for each it takes 20 ms, after which
+/// nobody misses the answer to Ctrl-C. To hand it over would take 30 us.
+inline constexpr std::size_t kFewElements = 1000000;
 
 /// Of work whose time the size of its inputs does not tell.
 inline constexpr std::size_t kUnknownEffort = ~std::size_t{0};

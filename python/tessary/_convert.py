@@ -32,7 +32,7 @@ def _kind(array: Array) -> str:
 
 
 def _asarray(value: Any, argument: str, wanted: str) -> Array:
-    if isinstance(value, np.ma.MaskedArray) and np.ma.is_masked(value):
+    if isinstance(value, np.ma.MaskedArray) and value.mask.any():
         _refuse(argument, "an array with masked entries", wanted)
     try:
         return np.asarray(value)
@@ -138,7 +138,7 @@ _WANTED = ("one value for each element is wanted: bool, text, numbers, rows of 2
 
 
 def _texts(array: Array, argument: str) -> list[str]:
-    texts = array.tolist()
+    texts: list[str] = array.tolist()
     if array.ndim != 1 or not all(isinstance(text, str) for text in texts):
         _refuse(argument, f"{_kind(array)} of shape {array.shape}", _WANTED)
     return texts
@@ -206,4 +206,5 @@ def vector(value: Any, argument: str) -> list[float]:
     array = reals(value, argument, (), F32, "three numbers are wanted")
     if len(array) != 3:
         _refuse(argument, f"shape {array.shape}", "three numbers are wanted", "length")
-    return array.tolist()
+    numbers: list[float] = array.tolist()
+    return numbers

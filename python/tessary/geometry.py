@@ -81,7 +81,7 @@ class Property:
             return self.values
         default = np.zeros(self.values.shape[1:], self.values.dtype) if self.default is None else self.default
         padded = np.concatenate([self.values, np.asarray(default, self.values.dtype)[np.newaxis]])
-        return padded[np.minimum(self.indices, len(self.values))]
+        return np.take(padded, np.minimum(self.indices, len(self.values)), axis=0)
 
     def __array__(self, dtype: Any = None) -> Array:
         return np.asarray(self.per_element(), dtype)

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import os
-from typing import Any, NamedTuple, Optional, Union
+from typing import Any, NamedTuple, Optional, TypeVar, Union
 
 import numpy as np
 
@@ -12,6 +12,8 @@ from ._convert import Array
 from ._errors import ArgumentError, ArrayError, FileError
 from .geometry import NONE, Geometry, Mesh, Names, Parents, Progress, QuadMesh, Samples
 from .report import Report, make_report
+
+_G = TypeVar("_G", bound=Geometry)
 
 __all__ = ["Adjacency", "Dual", "Edges", "Format", "Sphere", "Voxels", "adjacency", "bounding_sphere", "demo_mesh",
            "dual", "edges", "formats", "info", "interpolate_to_cut_mesh", "overlap", "quads", "read", "sample",
@@ -64,7 +66,7 @@ class Edges(NamedTuple):
     @property
     def is_boundary(self) -> Array:
         """(edges,) bool: whether one triangle alone has the edge."""
-        return self.corners[:, 1] == NONE
+        return np.equal(self.corners[:, 1], NONE)
 
 
 class Dual(NamedTuple):
@@ -98,7 +100,7 @@ class Format(NamedTuple):
     writes_clouds: bool
 
 
-def _made(kind: Any, data: _tessary.Geometry, parents: Parents = Parents(), warnings: Any = ()) -> Any:
+def _made(kind: type[_G], data: _tessary.Geometry, parents: Parents = Parents(), warnings: Any = ()) -> _G:
     made = object.__new__(kind)
     Geometry.__init__(made, data, parents, tuple(warnings))
     return made
@@ -281,18 +283,18 @@ def quads(mesh: Mesh, *, crease_angle: Optional[float] = None, crease_property: 
         _mesh(mesh)._data, angle, crease_property, _convert.number(edge_weight, "edge_weight"),
         _ratio(inner_weights), _convert.number(gap, "gap"), split_edges, _carry(mesh, properties),
         _convert.threads(threads), progress)
-    made: QuadMesh = _made(QuadMesh, data, Parents(*parents), warnings)
+    made = _made(QuadMesh, data, Parents(*parents), warnings)
     made.edge_count, made.creased_edges, made.split_edges = figures
     return made
 
 
 def _ratio(weights: Any) -> list[float]:
-    shares = _convert.reals(weights, "inner_weights", (), _convert.F64, "three numbers are wanted")
-    total = float(shares.sum())
-    if len(shares) != 3 or not (shares >= 0).all() or not 0 < total < np.inf:
+    shares = [_convert.number(weight, "inner_weights") for weight in weights]
+    total = sum(shares)
+    if len(shares) != 3 or min(shares) < 0 or not 0 < total < np.inf:
         raise ArgumentError("inner_weights: three numbers are wanted that are finite, not negative and not all 0",
                             "inner_weights")
-    return (shares / total).tolist()
+    return [share / total for share in shares]
 
 
 def sample(mesh: Mesh, *, distance: Union[float, str, None] = None, count: Optional[int] = None, seed: int = 0,
@@ -324,7 +326,7 @@ def sample(mesh: Mesh, *, distance: Union[float, str, None] = None, count: Optio
     data, parents, warnings, *figures = _tessary.sample(
         _mesh(mesh)._data, length, is_share, _count(count), _convert.integer(seed, "seed", 0, 2**32 - 1),
         _carry(mesh, properties), _convert.threads(threads), progress)
-    made: Samples = _made(Samples, data, Parents(*parents), warnings)
+    made = _made(Samples, data, Parents(*parents), warnings)
     made.distance, made.area, made.rounding_share = figures
     made.seed = seed
     return made

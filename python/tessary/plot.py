@@ -92,7 +92,7 @@ def _of_faces(mesh: Mesh, name: str) -> Array:
     at_corners = values if component == "corner" else values[mesh.corners]
     sizes = np.maximum(mesh.face_sizes, 1)
     sums = np.add.reduceat(at_corners, mesh.offsets[:-1], axis=0)
-    return sums / (sizes if sums.ndim == 1 else sizes[:, np.newaxis])
+    return np.divide(sums, sizes if sums.ndim == 1 else sizes[:, np.newaxis])
 
 
 def _paint(collection: Any, values: Optional[Array]) -> None:

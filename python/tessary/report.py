@@ -19,7 +19,7 @@ class Place(NamedTuple):
 
     text: str
     element: str
-    index: int
+    index: int  # type: ignore[assignment]  # hides a method of tuples
 
 
 class Problem(NamedTuple):
@@ -31,7 +31,7 @@ class Problem(NamedTuple):
     severity: str
     code: str
     message: str
-    count: int
+    count: int  # type: ignore[assignment]  # hides a method of tuples
     places: tuple[Place, ...]
     advice: str
 
