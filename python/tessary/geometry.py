@@ -249,8 +249,15 @@ class Geometry:
         from .plot import plot
         return plot(self, **options)
 
-    def _extras(self) -> tuple[Any, ...]:
-        return self.parents, self.warnings
+    def _repr_html_(self) -> str:
+        """What a notebook shows: a picture where matplotlib is installed, and what there is."""
+        import html
+        text = f"<pre>{html.escape(repr(self))}</pre>"
+        try:
+            from .plot import to_html
+            return to_html(self) + text
+        except ImportError:
+            return text
 
     def _rebuilt(self: _G, data: _tessary.Geometry) -> _G:
         made = object.__new__(type(self))
