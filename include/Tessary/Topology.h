@@ -72,10 +72,10 @@ TESSARY_API void addAdjacentTri(Korvane::Object& geometry, const Pelon::String& 
 /// else   arrays that do not arrive so: counts are added to the offsets before these are summed up,
 ///        and each corner goes into the first entry of its point's range that holds 0xFFFFFFFF and
 ///        lies inside the array; it is left out where there is none
-/// cost   O(corners + points) time, whatever the valence; parallel from 2 million corners on,
-///        with scratch memory of 4 bytes per point and thread, together at most 4 per corner; on one
-///        thread and with 4 bytes per corner where arrays do not arrive prepared. Never polls for
-///        cancellation
+/// cost   O(corners + points) time, whatever the valence. Parallel from 0.13 million corners on where
+///        corners come in the order of their points, else from a million on, with 2 bytes per corner
+///        of scratch memory; on one thread and with 4 bytes per corner where arrays do not arrive
+///        prepared. Never polls for cancellation
 TESSARY_API void constructDualMesh(const Pelon::Array<uint>& faceVertex,
                                    Pelon::Array<uint>& dualFaceOffset,
                                    Pelon::Array<uint>& dualFaceVertex);

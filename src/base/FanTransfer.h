@@ -19,7 +19,7 @@ void forEachFan(const Array<uint>& faceOffset, LoopContext context, const Body& 
         return;
     const uint* const offsets = faceOffset.data();
     parallelForEach(static_cast<uint>(faceOffset.size() - 1), context,
-                    [offsets, &body](uint face) { body(face, fanOf(offsets, face)); });
+                    [offsets, body](uint face) { body(face, fanOf(offsets, face)); });
 }
 
 /// Repeats each face's value on the triangles of its fan. Bound to the caller's job.

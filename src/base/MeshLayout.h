@@ -7,6 +7,8 @@
 
 #include "base/Host.h"
 
+#include <cstdint>
+
 namespace Tessary {
 
 /// No such element: no twin, no neighbour, an unfilled slot.
@@ -52,8 +54,8 @@ inline Fan fanOf(const uint* faceOffset, uint face)
     const uint first = faceOffset[face];
     const uint last = faceOffset[face + 1];
     const uint begin = firstFanTriangle(first, face);
-    const bool isPolygon = last > first && last - first >= 3 && first / 2 >= face;
-    return {first, isPolygon ? begin : 0, isPolygon ? last - 2 * face - 2 : 0};
+    const bool isPolygon = std::int64_t{last} - first >= 3 && first / 2 >= face;
+    return isPolygon ? Fan{first, begin, last - 2 * face - 2} : Fan{first, 0, 0};
 }
 
 }  // namespace Tessary

@@ -24,14 +24,26 @@ float serialTreeSum(const float* values, uint begin, uint end)
     return serialTreeSum(values, begin, middle) + serialTreeSum(values, middle, end);
 }
 
+void throwIfCancelled(LoopContext context)
+{
+    if (context == LoopContext::Bound &&
+        (Pelon::isJobCancelled() || tbb::is_current_task_group_canceling()))
+        throw std::runtime_error(KOR::exceptionMessage.c_str());
+}
+
 }  // namespace
 
-void parallelLoop(uint begin, uint end, uint grain, LoopContext context, LoopBody body)
+void parallelLoop(uint begin, uint end, uint grain, LoopContext context, LoopBody body, uint few)
 {
     if (begin >= end)
         return;
     if (end - begin <= grain) {
         body(begin, end);
+        return;
+    }
+    if (end - begin <= few) {
+        body(begin, end);
+        throwIfCancelled(context);
         return;
     }
     tbb::task_group_context group(context == LoopContext::Isolated
@@ -41,8 +53,7 @@ void parallelLoop(uint begin, uint end, uint grain, LoopContext context, LoopBod
         tbb::blocked_range<uint>(begin, end, grain),
         [&body](const tbb::blocked_range<uint>& range) { body(range.begin(), range.end()); },
         tbb::auto_partitioner(), group);
-    if (context == LoopContext::Bound && Pelon::isJobCancelled())
-        throw std::runtime_error(KOR::exceptionMessage.c_str());
+    throwIfCancelled(context);
 }
 
 uint loopConcurrency()
@@ -54,6 +65,8 @@ float treeSum(const float* values, uint count)
 {
     if (count == 0)
         return 0.0f;
+    if (count <= kFewIndices)
+        return serialTreeSum(values, 0, count);
     tbb::task_group_context group(tbb::task_group_context::isolated);
     return tbb::parallel_deterministic_reduce(
         tbb::blocked_range<uint>(0, count, kValuesPerPiece), 0.0f,

@@ -23,10 +23,12 @@ MutablePtr<Array<T>> filledArray(uint count, const T& value)
         // Compared as bytes: -0.0 is equal to 0.0 and yet not zero.
         const unsigned char zeros[sizeof(T)] = {};
         if (std::memcmp(&value, zeros, sizeof(T)) != 0)
-            parallelLoop(0, count, 1, LoopContext::Isolated,
-                         [&array, &value](uint begin, uint end) {
-                             std::fill(array->begin() + begin, array->begin() + end, value);
-                         });
+            parallelLoop(
+                0, count, 1, LoopContext::Isolated,
+                [&array, &value](uint begin, uint end) {
+                    std::fill(array->begin() + begin, array->begin() + end, value);
+                },
+                kFewCopies);
         return array;
     }
 }

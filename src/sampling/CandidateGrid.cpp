@@ -170,7 +170,7 @@ void CandidateGrid::scatterIntoSlabs()
     const uint pieces = pieceCount(m_positions.size(), slabs);
     CountingSort sort(pieces, slabs);
     m_isInGrid.resize(m_positions.size());
-    parallelForEach(pieces, LoopContext::Bound, [&](uint piece) {
+    parallelForEachPiece(pieces, LoopContext::Bound, [&](uint piece) {
         uint* const counts = sort.counters(piece);
         forEachInGrid(partOf(m_positions.size(), piece, pieces), [&](uint i, std::int32_t slot) {
             m_isInGrid[i] = 1;
@@ -181,7 +181,7 @@ void CandidateGrid::scatterIntoSlabs()
     m_slabBegin.assign(sort.counters(0), sort.counters(0) + slabs);
     m_slabBegin.push_back(count);
     m_bySlab.resize(count);
-    parallelForEach(pieces, LoopContext::Bound, [&](uint piece) {
+    parallelForEachPiece(pieces, LoopContext::Bound, [&](uint piece) {
         uint* const cursors = sort.counters(piece);
         forEachInGrid(partOf(m_positions.size(), piece, pieces), [&](uint i, std::int32_t slot) {
             m_bySlab[cursors[slabFrom(slot)]++] = {m_positions[i], i};
@@ -217,7 +217,7 @@ void CandidateGrid::sortSlabs()
 
     m_binKey.resize(binCount());
     m_binBegin.resize(std::size_t{binCount()} + 1);
-    parallelForEach(slabs, LoopContext::Bound, [&](uint slab) {
+    parallelForEachPiece(slabs, LoopContext::Bound, [&](uint slab) {
         const uint first = m_firstBin[slab];
         const uint count = m_firstBin[slab + 1] - first;
         std::copy_n(keys.data() + m_slabBegin[slab], count, m_binKey.data() + first);
@@ -280,13 +280,15 @@ void CandidateGrid::linkRow(uint slab, std::size_t other, uint row)
 void CandidateGrid::linkNeighbours()
 {
     m_neighbours.resize(binCount());
-    parallelForEach(static_cast<uint>(m_slotOfSlab.size()), LoopContext::Bound, [this](uint slab) {
-        for (uint row = 0; row < kRows; ++row) {
-            const std::size_t other = std::size_t{slab} + row / 3 - 1;  // wraps before the first
-            if (isSlab(other, std::int64_t{m_slotOfSlab[slab]} + row / 3 - 1))
-                linkRow(slab, other, row);
-        }
-    });
+    parallelForEachPiece(static_cast<uint>(m_slotOfSlab.size()), LoopContext::Bound,
+                         [this](uint slab) {
+                             for (uint row = 0; row < kRows; ++row) {
+                                 const std::size_t other =
+                                     std::size_t{slab} + row / 3 - 1;  // wraps before the first
+                                 if (isSlab(other, std::int64_t{m_slotOfSlab[slab]} + row / 3 - 1))
+                                     linkRow(slab, other, row);
+                             }
+                         });
 }
 
 CandidateGrid::Neighbours CandidateGrid::neighboursOf(const Place& place) const

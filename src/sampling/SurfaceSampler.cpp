@@ -34,11 +34,14 @@ namespace {
 Array<float> triangleAreas(const TriangleMesh& mesh)
 {
     Array<float> areas(mesh.triangleCount);
-    parallelForEach(mesh.triangleCount, LoopContext::Bound, [&](uint t) {
-        TESSARY_ASSERT(namesPoints(mesh, t),
-                       "triangle " << t << " of a mesh of " << mesh.pointCount << " points");
-        areas[t] = triangleArea(mesh.point(t, 0), mesh.point(t, 1), mesh.point(t, 2));
-    });
+    parallelForEach(
+        mesh.triangleCount, LoopContext::Bound,
+        [&](uint t) {
+            TESSARY_ASSERT(namesPoints(mesh, t),
+                           "triangle " << t << " of a mesh of " << mesh.pointCount << " points");
+            areas[t] = triangleArea(mesh.point(t, 0), mesh.point(t, 1), mesh.point(t, 2));
+        },
+        kFewSlowIndices);
     return areas;
 }
 
@@ -72,10 +75,13 @@ void SurfaceSampler::draw(float distance, uint seed)
     m_weights.resize(3 * (base + count));
     m_positions.resize(base + count);
     m_faceIds.resize(base + count);
-    parallelForEach(count, LoopContext::Bound, [&](uint k) {
-        const auto i = base + k;
-        drawCandidate(i, 4 * static_cast<uint>(i) + 4 * m_drawn, seed);
-    });
+    parallelForEach(
+        count, LoopContext::Bound,
+        [&](uint k) {
+            const auto i = base + k;
+            drawCandidate(i, 4 * static_cast<uint>(i) + 4 * m_drawn, seed);
+        },
+        kFewSlowIndices);
     m_drawn += count;
 }
 

@@ -67,7 +67,7 @@ void forEachHalfEdge(const TriangleDual& mesh, uint* adjacentTri, const Find& fi
     constexpr std::size_t kOffsetsAhead = 24;
     constexpr std::size_t kListsAhead = 12;
     const uint triangleCount = static_cast<uint>(mesh.cornerCount / 3);
-    parallelLoop(0, triangleCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
+    const auto findSome = [&](uint begin, uint end) {
         const TriangleDual dual = mesh;  // a copy that registers can hold
         for (uint t = begin; t < end; ++t) {
             const uint* const point = dual.faceVertex + std::size_t{3} * t;
@@ -80,7 +80,8 @@ void forEachHalfEdge(const TriangleDual& mesh, uint* adjacentTri, const Find& fi
             out[1] = find(dual, {t, point[1], point[2]});
             out[2] = find(dual, {t, point[2], point[0]});
         }
-    });
+    };
+    parallelLoop(0, triangleCount, 1, LoopContext::Isolated, findSome, kFewIndices);
 }
 
 }  // namespace

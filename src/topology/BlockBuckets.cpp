@@ -38,28 +38,21 @@ BlockBuckets::BlockBuckets(const Triangles& mesh, const HalfEdgeKeys& keyOf, uin
       m_sort(pieceCountFor(mesh), blockCountOf(mesh))
 {
     const uint pieces = m_sort.pieceCount();
-    parallelForEach(pieces, LoopContext::Isolated, [this](uint piece) { count(piece); });
+    parallelForEachPiece(pieces, LoopContext::Isolated, [this](uint piece) { count(piece); });
     m_sort.exclusiveScan();
-    parallelForEach(pieces, LoopContext::Isolated, [this](uint piece) { scatter(piece); });
+    parallelForEachPiece(pieces, LoopContext::Isolated, [this](uint piece) { scatter(piece); });
 }
 
-// Calls `visit(ends, corner)`.
-template <class Visit>
-void BlockBuckets::forEachHalfEdge(uint piece, const Visit& visit) const
+Range BlockBuckets::trianglesOf(uint piece) const
 {
-    const Range triangles = partOf(m_mesh.count, piece, m_sort.pieceCount());
-    const uint* const faceVertex = m_mesh.faceVertex;
-    for (std::size_t t = triangles.begin; t < triangles.end; ++t) {
-        const uint* const point = faceVertex + 3 * t;
-        for (uint k = 0; k < 3; ++k)
-            visit(Ends(point[k], point[nextCorner(k)]), static_cast<uint>(3 * t) + k);
-    }
+    return partOf(m_mesh.count, piece, m_sort.pieceCount());
 }
 
 void BlockBuckets::count(uint piece)
 {
     uint* const counts = m_sort.counters(piece);
-    forEachHalfEdge(piece, [counts](Ends ends, uint) { ++counts[ends.larger >> kBlockBits]; });
+    forEachHalfEdge(m_mesh, trianglesOf(piece),
+                    [counts](Ends ends, uint) { ++counts[ends.larger >> kBlockBits]; });
 }
 
 void BlockBuckets::scatter(uint piece)
@@ -68,7 +61,7 @@ void BlockBuckets::scatter(uint piece)
     uint* const low = m_low;
     uint* const high = m_high.data();
     const HalfEdgeKeys keyOf = m_keyOf;  // a copy that registers can hold
-    forEachHalfEdge(piece, [=](Ends ends, uint corner) {
+    forEachHalfEdge(m_mesh, trianglesOf(piece), [=](Ends ends, uint corner) {
         const uint slot = cursors[ends.larger >> kBlockBits]++;
         const Key key = keyOf.make(ends, corner);
         low[slot] = static_cast<uint>(key);

@@ -26,8 +26,7 @@ public:
     void load(uint block, KeyBuckets& buckets) const;
 
 private:
-    template <class Visit>
-    void forEachHalfEdge(uint piece, const Visit& visit) const;
+    Range trianglesOf(uint piece) const;
     void count(uint piece);
     void scatter(uint piece);
 

@@ -31,12 +31,12 @@ public:
     {
         const uint pieces = m_sort.pieceCount();
         std::vector<char> areFree(pieces);
-        parallelForEach(pieces, LoopContext::Isolated,
-                        [&](uint piece) { areFree[piece] = count(piece); });
-        if (std::find(areFree.begin(), areFree.end(), false) != areFree.end())
+        parallelForEachPiece(pieces, LoopContext::Isolated,
+                             [&](uint piece) { areFree[piece] = count(piece) ? 1 : 0; });
+        if (std::find(areFree.begin(), areFree.end(), 0) != areFree.end())
             return false;
         m_sort.exclusiveScan();
-        parallelForEach(pieces, LoopContext::Isolated, [this](uint piece) { scatter(piece); });
+        parallelForEachPiece(pieces, LoopContext::Isolated, [this](uint piece) { scatter(piece); });
         const auto blocks = static_cast<uint>(m_sort.binCount());
         parallelLoop(0, blocks, 1, LoopContext::Isolated, [this](uint begin, uint end) {
             std::vector<uint> corners;
@@ -62,8 +62,8 @@ private:
     static uint pieceCountFor(std::size_t cornerCount)
     {
         constexpr std::size_t kCornersPerPiece = 65536;
-        return static_cast<uint>(
-            std::min<std::size_t>({4 * loopConcurrency(), 64, 1 + cornerCount / kCornersPerPiece}));
+        return static_cast<uint>(std::min<std::size_t>(
+            {std::size_t{4} * loopConcurrency(), 64, 1 + cornerCount / kCornersPerPiece}));
     }
 
     Range cornersOf(uint piece) const
@@ -83,7 +83,7 @@ private:
     // follow: 8 M triangles in random order take 142 ms, not 191; 1 M 14, not 25.
     void scatter(uint piece)
     {
-        constexpr uint kCornersAhead = 16;
+        constexpr std::size_t kCornersAhead = 16;
         const uint* const points = m_lists.faceVertex;
         uint* const cursors = m_sort.counters(piece);
         uint* const slots = m_lists.slots;

@@ -96,7 +96,7 @@ bool countPiece(const DualLists& lists, Piece& piece)
     piece.hasStrays.resize((piece.corners.end - piece.corners.begin) / kChunk + 1);
     bool areFree = true;
     forEachChunk(piece, [&](std::size_t chunk, Range corners) {
-        piece.hasStrays[chunk] = !areInside(window, points, corners);
+        piece.hasStrays[chunk] = areInside(window, points, corners) ? 0 : 1;
         if (!piece.hasStrays[chunk])
             areFree &= countAndProve(lists, corners);
         else
@@ -182,18 +182,18 @@ bool listInWindows(const DualLists& lists)
     std::vector<Piece> pieces = piecesOf(lists);
     const auto count = static_cast<uint>(pieces.size());
     std::vector<char> areFree(count);
-    parallelForEach(count, LoopContext::Isolated,
-                    [&](uint i) { areFree[i] = countPiece(lists, pieces[i]); });
-    if (std::find(areFree.begin(), areFree.end(), false) != areFree.end()) {
+    parallelForEachPiece(count, LoopContext::Isolated,
+                         [&](uint i) { areFree[i] = countPiece(lists, pieces[i]) ? 1 : 0; });
+    if (std::find(areFree.begin(), areFree.end(), 0) != areFree.end()) {
         std::fill_n(lists.cursors, lists.pointCount, 0u);
         return false;
     }
     std::vector<uint> firstSlot(count);
-    parallelForEach(count, LoopContext::Isolated,
-                    [&](uint i) { firstSlot[i] = countStrays(lists, pieces, i); });
+    parallelForEachPiece(count, LoopContext::Isolated,
+                         [&](uint i) { firstSlot[i] = countStrays(lists, pieces, i); });
     exclusiveScan(firstSlot.data(), count);
-    parallelForEach(count, LoopContext::Isolated,
-                    [&](uint i) { listWindow(lists, pieces, i, firstSlot[i]); });
+    parallelForEachPiece(count, LoopContext::Isolated,
+                         [&](uint i) { listWindow(lists, pieces, i, firstSlot[i]); });
     return true;
 }
 

@@ -40,7 +40,7 @@ void expandInPlace(const EdgeBlocks& blocks, Array<uint>& table)
         uint begin = end - 1;
         while (begin > 0 && blocks.begin[begin - 1] + shift[begin - 1] >= blocks.begin[end])
             --begin;
-        parallelForEach(end - begin, LoopContext::Isolated, [&, begin](uint i) {
+        parallelForEachPiece(end - begin, LoopContext::Isolated, [&, begin](uint i) {
             const uint block = begin + i;
             expandBlock(blocks.singles[block], shift[block], corners + blocks.begin[block],
                         corners + blocks.begin[block + 1]);

@@ -48,6 +48,19 @@ struct Triangles {
     }
 };
 
+/// Calls `visit(ends, corner)` for the half-edges of a range of triangles.
+template <class Visit>
+void forEachHalfEdge(const Triangles& mesh, Range triangles, const Visit& visitor)
+{
+    const Visit visit = visitor;  // copies that registers can hold
+    const uint* const faceVertex = mesh.faceVertex;
+    for (std::size_t t = triangles.begin; t < triangles.end; ++t) {
+        const uint* const point = faceVertex + 3 * t;
+        for (uint k = 0; k < 3; ++k)
+            visit(Ends(point[k], point[nextCorner(k)]), static_cast<uint>(3 * t) + k);
+    }
+}
+
 using Key = std::uint64_t;
 
 /// Packs half-edges into keys and reads them.

@@ -129,8 +129,8 @@ void ListIndex::fillInOrder(const TriangleDual& dual, uint point)
 LongLists::LongLists(const TriangleDual& dual)
     : m_points(pointsWithLongLists(dual)), m_indices(m_points.size())
 {
-    parallelForEach(static_cast<uint>(m_points.size()), LoopContext::Isolated,
-                    [&](uint i) { m_indices[i] = ListIndex(dual, m_points[i]); });
+    parallelForEachPiece(static_cast<uint>(m_points.size()), LoopContext::Isolated,
+                         [&](uint i) { m_indices[i] = ListIndex(dual, m_points[i]); });
 }
 
 }  // namespace Tessary

@@ -50,9 +50,9 @@ PointBuckets::PointBuckets(const Triangles& mesh, const HalfEdgeKeys& keyOf, uin
     : m_mesh(mesh), m_keyOf(keyOf), m_table(table), m_sort(pieceCountFor(mesh), mesh.pointCount)
 {
     const uint pieces = m_sort.pieceCount();
-    parallelForEach(pieces, LoopContext::Isolated, [this](uint piece) { count(piece); });
+    parallelForEachPiece(pieces, LoopContext::Isolated, [this](uint piece) { count(piece); });
     m_sort.exclusiveScan();
-    parallelForEach(pieces, LoopContext::Isolated, [this](uint piece) { scatter(piece); });
+    parallelForEachPiece(pieces, LoopContext::Isolated, [this](uint piece) { scatter(piece); });
 }
 
 template <class Visit>

