@@ -157,6 +157,8 @@ void splitMesh(const Polygons& mesh, const Attributes& in, uint begin, uint end,
 
 void splitMeshOnTwoThreads(const Polygons& mesh, const Attributes& in, TriangleMesh& out)
 {
+    if (mesh.faceCount() < kWorthAThread)
+        return splitMesh(mesh, in, 0, mesh.faceCount(), out);
     const uint half = mesh.faceCount() / 2;
     std::thread other([&] { splitMesh(mesh, in, half, mesh.faceCount(), out); });
     splitMesh(mesh, in, 0, half, out);
@@ -267,8 +269,9 @@ void wholeMesh(Row& row, Case& input, Memory memory)
     input.object();
     const std::uint64_t bytes = 4 * mesh.faceVertex.size() + std::size_t{24} * mesh.pointCount +
                                 16 * input.triangleCount() + input.propertyBytes();
-    row.compare({mesh.faceCount(), "polygon", bytes}, kernel,
-                {"plain loop", loop, "on two threads, into arrays of the right size"});
+    row.compare(
+        {mesh.faceCount(), "polygon", bytes}, kernel,
+        {"plain loop", loop, "on two threads from 50 000 on, into arrays of the right size"});
 }
 
 void propertiesAlone(Row& row, Case& input)

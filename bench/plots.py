@@ -140,7 +140,7 @@ def pictures_of(rows, output):
     made = []
     for family in FAMILIES:
         of_family = [row for row in rows if row.family == family]
-        if any(row.size >= FEWEST for row in good(of_family)):
+        if family != "starts" and any(row.size >= FEWEST for row in good(of_family)):
             (output / f"{family}.svg").write_text(picture(of_family))
             made.append(family)
     return made

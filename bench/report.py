@@ -15,6 +15,7 @@ import sys
 from dataclasses import asdict
 from pathlib import Path
 
+from extra_tables import EXTRA_TABLES
 from machine import describe, facts_text
 from pages import number_text, paste, size_text, table, time_text
 from plots import pictures_of
@@ -106,7 +107,11 @@ def report_text(facts, rows, remarks, pictures):
 def paste_docs(docs, facts, rows, remarks, output, pictures):
     page = docs / "benchmarks.md"
     paste(page, "machine", facts_text(facts))
-    for family in dict.fromkeys(row.family for row in own_rows(rows)):
+    for mark, table_of in EXTRA_TABLES.items():
+        text = table_of(rows)
+        if text:
+            paste(page, mark, text)
+    for family in dict.fromkeys(row.family for row in own_rows(rows) if row.family != "starts"):
         text = summary_table([row for row in rows if row.family == family])
         if family in pictures:
             shutil.copy(output / f"{family}.svg", docs / "pictures" / f"bench-{family}.svg")

@@ -5,7 +5,7 @@ import re
 from dataclasses import dataclass, field
 from pathlib import Path
 
-FAMILIES = ["topology", "triangulation", "cutmesh", "sampling", "primitives", "solver", "mesh"]
+FAMILIES = ["topology", "triangulation", "cutmesh", "sampling", "primitives", "solver", "starts", "mesh"]
 
 # What a row has at least; files of older programs have no such figures.
 NEEDED = ["median_ms", "low_ms", "high_ms", "elements"]

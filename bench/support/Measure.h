@@ -96,9 +96,12 @@ private:
 };
 
 /// The sizes of most inputs. --max-size leaves the last ones out, where it is not raised.
-constexpr std::uint32_t kSizes[] = {1,         10,        1000,      100000,    1000000,
-                                    8000000,   30000000,  100000000, 200000000, 300000000,
-                                    400000000, 600000000, 1000000000};
+constexpr std::uint32_t kSizes[] = {1,         10,        100,       1000,      10000,
+                                    100000,    1000000,   8000000,   30000000,  100000000,
+                                    200000000, 300000000, 400000000, 600000000, 1000000000};
+
+/// Elements from which on the other ways use two threads, where they do.
+constexpr std::uint32_t kWorthAThread = 50000;
 
 /// Adds a row to the program. `fill` calls Row::measure or Row::compare; inputs are best made inside
 /// it, as rows may be filtered out. Rows run in the order in which they are added.

@@ -1,5 +1,7 @@
 #include "support/TopologyReferences.h"
 
+#include "support/Measure.h"
+
 #include <algorithm>
 #include <thread>
 #include <utility>
@@ -134,9 +136,33 @@ void countingSortEdges(const Array<uint>& faceVertex, Array<uint>& triEdges)
     }
 }
 
+void smoothQuads(const Array<uint>& faceVertex, const Array<uint>& triEdges, uint firstIndex,
+                 Array<uint>& quadFaceVertex)
+{
+    quadFaceVertex.resize(4 * faceVertex.size());
+    uint* const quads = quadFaceVertex.data();
+    const auto edgeCount = static_cast<uint>(triEdges.size() / 2);
+    for (std::size_t i = 0; i < 2 * std::size_t{edgeCount}; ++i)
+        if (const uint corner = triEdges[i]; corner != kNone) {
+            const uint point = firstIndex + static_cast<uint>(i / 2);
+            quads[std::size_t{4} * corner + 1] = point;
+            quads[std::size_t{4} * after(corner) + 3] = point;
+        }
+    uint inner = firstIndex + edgeCount;
+    for (std::size_t corner = 0; corner < faceVertex.size(); corner += 3, ++inner)
+        for (std::size_t k = 0; k < 3; ++k) {
+            quads[4 * (corner + k)] = faceVertex[corner + k];
+            quads[4 * (corner + k) + 2] = inner;
+        }
+}
+
 void walkShorterLists(const Array<uint>& faceVertex, const Dual& dual, Array<uint>& adjacentTri)
 {
     const uint triangleCount = static_cast<uint>(faceVertex.size() / 3);
+    if (triangleCount < kWorthAThread) {
+        walkTriangles(faceVertex, dual, 0, triangleCount, adjacentTri.data());
+        return;
+    }
     std::thread other([&] {
         walkTriangles(faceVertex, dual, triangleCount / 2, triangleCount, adjacentTri.data());
     });

@@ -32,8 +32,12 @@ void countingSortDual(const Array<uint>& faceVertex, Dual& dual);
 /// For manifold, consistently oriented meshes.
 void countingSortEdges(const Array<uint>& faceVertex, Array<uint>& triEdges);
 
+/// The quads of a mesh without creases, serial.
+void smoothQuads(const Array<uint>& faceVertex, const Array<uint>& triEdges, uint firstIndex,
+                 Array<uint>& quadFaceVertex);
+
 /// Adjacent triangles by walking the shorter of the two points' lists, with software prefetch, on two
-/// threads. For manifold meshes without degenerate triangles.
+/// threads from kWorthAThread triangles on. For manifold meshes without degenerate triangles.
 void walkShorterLists(const Array<uint>& faceVertex, const Dual& dual, Array<uint>& adjacentTri);
 
 }  // namespace Bench

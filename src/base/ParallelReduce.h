@@ -30,7 +30,7 @@ T parallelReduce(uint count, uint grain, LoopContext context, const T& identity,
     return result;
 }
 
-/// The least that is worth a thread of its own of what follows, which vectors do in few microseconds.
+/// The least that is worth a thread of its own of what follows, which vectors do in a few microseconds.
 inline constexpr uint kReduceGrain = 65536;
 
 // The loops hold a copy of what they ask: behind a reference its captures are read again for every

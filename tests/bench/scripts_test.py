@@ -12,6 +12,7 @@ from pathlib import Path
 from xml.etree import ElementTree
 
 import compare
+import extra_tables
 import pages
 import report
 import rows
@@ -61,7 +62,7 @@ class Report(InAFolder):
                    benchmark("addDual/grid/100000/beside:LIB", 3.0, other_ms=6.0, ratio=0.5))
         pages_folder = self.folder / "docs"
         (pages_folder / "pictures").mkdir(parents=True)
-        marks = ("machine", "topology", "libraries")
+        marks = ("machine", "small", "topology", "libraries")
         page = pages_folder / "benchmarks.md"
         page.write_text("".join(f"<!-- {mark} -->\nold\n<!-- end of {mark} -->\n" for mark in marks))
         code, text = self.report("--docs", pages_folder)
@@ -78,6 +79,17 @@ class Report(InAFolder):
         # 500 ns for each of 1000, 40 for 100000, between the 10 and the 500 of the scale
         lines = [element.get("d") for element in picture.iter() if element.get("class") == "o"]
         self.assertIn("M36 34L272 109", lines)
+
+    def test_starts_and_quoted_figures_have_tables_of_their_own(self):
+        self.write("starts.json", benchmark("addDual/start 0/10", 3.0, ratio=0.5),
+                   benchmark("addDual/start 64/10", 2.0))
+        self.write("topology.json", benchmark("constructDualMesh/torus random/8000000", 100.0),
+                   benchmark("populateAdjacentTri/torus random/8000000", 226.6))
+        _, found = rows.read_folder(self.folder)
+        self.assertIn("| `addDual` | 3.00 ms (0.50) | 2.00 ms | 1.50 |",
+                      extra_tables.starts_table(found))
+        self.assertIn("random, 8 000 000 | 327 ms | 1.63 s | 0.20 |", extra_tables.quoted_table(found))
+        self.assertEqual(extra_tables.small_table(found), "")
 
     def test_a_failed_row_is_named_and_fails(self):
         wrong = {"name": "addDual/grid/1", "error_occurred": True, "error_message": "wrong hash"}
