@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+from collections.abc import Iterator
 from typing import Any, NamedTuple, Optional, TypeVar, Union
 
 import numpy as np
@@ -279,13 +280,23 @@ def quads(mesh: Mesh, *, crease_angle: Optional[float] = None, crease_property: 
     ((1536, 4), True)
     """
     angle = None if crease_angle is None else _convert.number(crease_angle, "crease_angle")
-    data, parents, warnings, *figures = _tessary.quads(
-        _mesh(mesh)._data, angle, crease_property, _convert.number(edge_weight, "edge_weight"),
-        _ratio(inner_weights), _convert.number(gap, "gap"), split_edges, _carry(mesh, properties),
-        _convert.threads(threads), progress)
+    try:
+        data, parents, warnings, *figures = _tessary.quads(
+            _mesh(mesh)._data, angle, crease_property, _convert.number(edge_weight, "edge_weight"),
+            _ratio(inner_weights), _convert.number(gap, "gap"), split_edges, _carry(mesh, properties),
+            _convert.threads(threads), progress)
+    except ArgumentError as error:
+        raise _with_declaration(error, mesh, crease_property) from None
     made = _made(QuadMesh, data, Parents(*parents), warnings)
     made.edge_count, made.creased_edges, made.split_edges = figures
     return made
+
+
+def _with_declaration(error: ArgumentError, mesh: Mesh, name: str) -> ArgumentError:
+    # A PLY file's list of each face is one of corners once the file's header says so.
+    line = _tessary.corner_declaration(mesh._data, name) if error.argument == "crease_property" else ""
+    advice = f" (the list becomes that behind the PLY header line \"{line}\")" if line else ""
+    return ArgumentError(f"{error}{advice}", error.argument)
 
 
 def _ratio(weights: Any) -> list[float]:
@@ -329,7 +340,19 @@ def sample(mesh: Mesh, *, distance: Union[float, str, None] = None, count: Optio
     made = _made(Samples, data, Parents(*parents), warnings)
     made.distance, made.area, made.rounding_share = figures
     made.seed = seed
+    made.warnings += tuple(_doubts(made, count))
     return made
+
+
+def _doubts(samples: Samples, count: Optional[int]) -> Iterator[str]:
+    if count is not None and abs(len(samples) - count) * 50 > count:
+        yield (f"{count} samples were asked for; the nearest found is {len(samples)}, at the distance "
+               f"{samples.distance:.9g}")
+    elif len(samples) == 0:
+        yield "no sample at this distance (a smaller one gives some)"
+    if samples.rounding_share > 0.01:
+        yield (f"the mesh is so far from the origin that coordinates are rounded by "
+               f"{min(100.0, 100 * samples.rounding_share):.0f} % of the distance (move it to the origin)")
 
 
 def _distance(distance: Union[float, str, None]) -> tuple[float, bool]:

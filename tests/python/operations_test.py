@@ -71,6 +71,9 @@ def test_samples_by_distance_and_by_count():
     assert 450 < by_count.point_count < 550
     assert by_count.smallest_distance() >= by_count.distance * 0.999
     assert abs(by_count.area - DEMO.info()["area"]) < 0.5
+    far = ts.Mesh(SQUARE.points + np.float32(1e6), [[0, 1, 2, 3]]).sample(distance=0.5)
+    assert "rounded by 12 % of the distance" in far.warnings[-1]
+    assert SQUARE.sample(distance=100).warnings[-1].startswith("no sample")
     for options in ({}, {"distance": 1, "count": 1}, {"distance": -1}, {"distance": "two%"}, {"distance": 1e-30},
                     {"distance": 1e39}, {"count": 0}, {"count": 1.5}, {"count": 10, "seed": -1}):
         with pytest.raises(ts.ArgumentError):
