@@ -1,6 +1,7 @@
 #include <Tessary/Sampling.h>
 
 #include "base/Assert.h"
+#include "base/ParallelLoop.h"
 
 #include <tbb/parallel_scan.h>
 #include <tbb/parallel_sort.h>
@@ -55,19 +56,22 @@ void PointBins::sortDedup()
 {
     const std::size_t n = std::min<std::size_t>(points.capacity(), points.size());
     TESSARY_ASSERT(n <= 0xFFFFFFFF, n << " points");
-    runIsolated([&] {
-        tbb::parallel_sort(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(n),
-                           precedes);
-    });
+    const auto end = points.begin() + static_cast<std::ptrdiff_t>(n);
+    const bool areFew = n <= kFewIndices;
+    if (areFew)
+        std::sort(points.begin(), end, precedes);
+    else
+        runIsolated([&] { tbb::parallel_sort(points.begin(), end, precedes); });
 
     binCells.resize(n);
     binOffsets.resize(n + 1);
     DedupBody<Cell, unsigned int, CellOfPoint, EmitCellAndOffset> body(
         {&points}, {binCells.data(), binOffsets.data()});
-    runIsolated([&] {
-        tbb::parallel_scan(tbb::blocked_range<uint>(0, static_cast<uint>(n)), body,
-                           tbb::auto_partitioner());
-    });
+    const tbb::blocked_range<uint> all(0, static_cast<uint>(n));
+    if (!areFew)
+        runIsolated([&] { tbb::parallel_scan(all, body, tbb::auto_partitioner()); });
+    else if (n > 0)
+        body(all, tbb::final_scan_tag());
 
     const std::size_t binCount = body.count();
     binCells.resize(binCount);
