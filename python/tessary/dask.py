@@ -6,6 +6,7 @@ pickled as buffers beside the message, without a copy.
 
 from __future__ import annotations
 
+import contextlib
 import functools
 import glob
 import hashlib
@@ -13,14 +14,15 @@ import json
 import os
 import time
 import types
+from importlib import import_module
 from typing import Any, Callable, Iterable, Optional, Union
 
 import numpy as np
 
 try:
-    import dask
-    import dask.base
-    import dask.diagnostics
+    _dask: Any = import_module("dask")
+    _tokenize: Any = import_module("dask.base").tokenize
+    _ProgressBar: Any = import_module("dask.diagnostics").ProgressBar
 except ImportError as error:
     raise ImportError("tessary.dask needs the package dask (Debian: python3-dask, and python3-distributed for "
                       "clusters)") from error
@@ -61,11 +63,11 @@ class Records(list[dict[str, Any]]):
     def to_dataframe(self, npartitions: int = 1) -> Any:
         """The same as a dask.dataframe; needs pandas."""
         try:
-            import dask.dataframe
-            import pandas
+            pandas: Any = import_module("pandas")
+            dataframe: Any = import_module("dask.dataframe")
         except ImportError as error:
             raise Error("a dataframe needs the package pandas, which is not installed") from error
-        return dask.dataframe.from_pandas(pandas.DataFrame(list(self)), npartitions=npartitions)
+        return dataframe.from_pandas(pandas.DataFrame(list(self)), npartitions=npartitions)
 
     def __repr__(self) -> str:
         counts = ", ".join(f"{count} {status}" for status, count in self.counts().items())
@@ -155,15 +157,13 @@ def _callable(operation: _Operation) -> Callable[[Mesh], Any]:
 
 
 def _run_here(work: _Work, files: list[str], outputs: list[str], progress: bool) -> list[dict[str, Any]]:
-    tasks = [dask.delayed(work, pure=False)(file, output) for file, output in zip(files, outputs)]
-    if not progress:
-        return list(dask.compute(*tasks, scheduler="threads"))
-    with dask.diagnostics.ProgressBar():
-        return list(dask.compute(*tasks, scheduler="threads"))
+    tasks = [_dask.delayed(work, pure=False)(file, output) for file, output in zip(files, outputs)]
+    with _ProgressBar() if progress else contextlib.nullcontext():
+        return list(_dask.compute(*tasks, scheduler="threads"))
 
 
 def _run_on(client: Any, work: _Work, files: list[str], outputs: list[str], progress: bool) -> list[dict[str, Any]]:
-    import distributed
+    distributed: Any = import_module("distributed")
     futures = client.map(work, files, outputs, pure=False)
     try:
         if progress:
@@ -335,7 +335,7 @@ def _digest(path: str) -> str:
 
 def _key(operation: _Operation) -> str:
     """Tells operations apart by name, code and arguments. What has no lasting name is new each time."""
-    return str(dask.base.tokenize(__version__, _description(operation)))
+    return str(_tokenize(__version__, _description(operation)))
 
 
 def _description(value: Any) -> Any:
