@@ -1,5 +1,7 @@
 #include "files/NumberText.h"
 
+#include "files/ShortestFloat.h"
+
 #include <fast_float/fast_float.h>
 
 #include <charconv>
@@ -49,6 +51,9 @@ const char* scanNumber(const char* first, const char* last, T& value)
 template <class T>
 char* formatNumber(char* out, T value)
 {
+    if constexpr (std::is_same_v<T, float>)
+        if (char* const end = formatShortestFloat(out, value))
+            return end;
     return std::to_chars(out, out + kNumberTextSize, value).ptr;
 }
 

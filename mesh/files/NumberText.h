@@ -1,6 +1,9 @@
 #pragma once
 
+#include "files/ShortDecimal.h"
+
 #include <string>
+#include <type_traits>
 
 namespace TessaryMesh {
 
@@ -14,6 +17,16 @@ namespace TessaryMesh {
 /// T is float, double or an integer type.
 template <class T>
 const char* scanNumber(const char* first, const char* last, T& value);
+
+/// The same, quickly for common numbers, where *last can be read and belongs to no number.
+template <class T>
+const char* scanNumberInText(const char* first, const char* last, T& value)
+{
+    if constexpr (std::is_floating_point_v<T>)
+        if (const char* const end = ShortDecimal::scan(first, value))
+            return end;
+    return scanNumber(first, last, value);
+}
 
 /// Room enough for any number that formatNumber() writes.
 inline constexpr int kNumberTextSize = 32;

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <random>
 #include <sstream>
 #include <string>
 
@@ -12,10 +16,16 @@ namespace {
 
 using TessaryMesh::scanNumber;
 
+// Both ways, which must agree.
 template <class T>
 const char* scan(const std::string& text, T& value)
 {
-    return scanNumber(text.data(), text.data() + text.size(), value);
+    const char* const last = text.c_str() + text.size();
+    T quick = value;
+    const char* const end = scanNumber(text.c_str(), last, value);
+    EXPECT_EQ(TessaryMesh::scanNumberInText(text.c_str(), last, quick), end) << text;
+    EXPECT_EQ(std::memcmp(&quick, &value, sizeof(T)), 0) << text;
+    return end;
 }
 
 // Value and length are those of strtof or strtod.
@@ -78,6 +88,54 @@ TEST(NumberText, WritesTheShortestTextThatReadsBackTheSame)
     TessaryMesh::appendNumber(text += ' ', 4000000000u);
     TessaryMesh::appendNumber(text += ' ', std::numeric_limits<double>::infinity());
     EXPECT_EQ(text, " 0.1 16777216 -0 3e+38 1e-45 0.1 -7 4000000000 inf");
+}
+
+// Digits of all numbers, and those next to the midpoint of two floats, where rounding twice would show.
+TEST(NumberText, ReadsShortNumbersAsTheLibraryDoes)
+{
+    std::mt19937 random(3);
+    const auto digits = [&random](unsigned most) {
+        std::string text;
+        for (unsigned i = random() % (most + 1); i > 0; --i)
+            text += static_cast<char>('0' + random() % 10);
+        return text;
+    };
+    for (int i = 0; i < 200000; ++i) {
+        std::string text = (random() % 2 ? "-" : "") + digits(11) + (random() % 4 ? "." : "");
+        text += digits(11);
+        if (i % 4 == 0) {
+            const float low = std::ldexp(static_cast<float>(random()), -40);
+            const double middle = (low + double(std::nextafter(low, 1e9f))) / 2;
+            char exact[64];
+            std::snprintf(exact, sizeof exact, "%.*f", static_cast<int>(random() % 19), middle);
+            text = exact;
+        }
+        float real = 7;
+        double wide = 7;
+        scan(text, real);
+        scan(text, wide);
+    }
+}
+
+TEST(NumberText, WritesFloatsAsTheLibraryDoes)
+{
+    char ours[TessaryMesh::kNumberTextSize], theirs[TessaryMesh::kNumberTextSize];
+    const auto check = [&](float value) {
+        char* const end = TessaryMesh::formatNumber(ours, value);
+        const std::string_view expected(
+            theirs, std::to_chars(theirs, theirs + sizeof theirs, value).ptr - theirs);
+        ASSERT_EQ(std::string_view(ours, end - ours), expected);
+    };
+    for (std::uint64_t bits = 0; bits < 0x100000000; bits += 9973) {
+        const auto word = static_cast<std::uint32_t>(bits);
+        float value;
+        std::memcpy(&value, &word, sizeof value);
+        check(value);
+    }
+    for (int exponent = -40; exponent < 30; ++exponent)  // powers of two, and of ten
+        for (const float value : {std::ldexp(1.0f, exponent), std::pow(10.0f, exponent * 0.5f)})
+            for (const float near : {0.0f, value, 1e9f})
+                check(std::nextafter(value, near));
 }
 
 }  // namespace
