@@ -1,5 +1,5 @@
-// Mesh files in and out on one thread. Files are warm: the system has their bytes in memory. What is
-// read goes into fresh memory, what is written comes from touched memory.
+// Mesh files in and out. Files are warm: the system has their bytes in memory. What is read goes into
+// fresh memory, what is written comes from touched memory and makes a new file.
 
 #include "support/Inputs.h"
 #include "support/Measure.h"
@@ -80,7 +80,7 @@ std::uint64_t hashOfMesh(const Object& mesh)
 Work workOn(const Object& mesh)
 {
     return {Geometry::getElementCount(mesh, Geometry::sFaceComp), "triangle",
-            std::filesystem::file_size(benchFile()), "one thread; the file is in memory"};
+            std::filesystem::file_size(benchFile()), "the file is in memory"};
 }
 
 void read(Row& row, const Object& mesh, const Format& format)

@@ -84,10 +84,10 @@ const FormatRow& rowOf(const Format& format)
     throw ArgumentError("format", "there is no format " + quoted(format.name));
 }
 
-const FormatRow& rowOfContent(std::string_view bytes)
+const FormatRow& rowOfContent(std::string_view firstBytes)
 {
     for (const FormatRow& candidate : table())
-        if (candidate.functions.recognises && candidate.functions.recognises(bytes))
+        if (candidate.functions.recognises && candidate.functions.recognises(firstBytes))
             return candidate;
     return withoutMark();
 }

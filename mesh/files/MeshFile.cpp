@@ -6,12 +6,15 @@
 #include "base/MessageText.h"
 #include "files/FileErrors.h"
 #include "files/Formats.h"
-#include "files/ReadFile.h"
+#include "files/Input.h"
 
 #include <new>
 
 namespace TessaryMesh {
 namespace {
+
+// Marks of formats stand in front.
+constexpr std::size_t kBytesThatTell = 4096;
 
 // A point cloud has none of a mesh's arrays for faces and is nothing to validate.
 bool hasFaceArrays(const Object& mesh)
@@ -49,9 +52,10 @@ std::string meshEndings()
 MeshRead readMeshUnchecked(const std::string& path)
 {
     try {
-        const Array<char> bytes = readFile(path);
-        const FormatRow& row = rowOfContent(viewOf(bytes));
-        MeshRead read = row.functions.read(viewOf(bytes), path);
+        const Input input(path.c_str());
+        InputBuffer buffer;
+        const FormatRow& row = rowOfContent(input.head(kBytesThatTell, buffer));
+        MeshRead read = row.functions.read(input, path);
         if (!read.format)
             read.format = &row.format;
         return read;

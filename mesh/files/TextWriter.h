@@ -1,12 +1,7 @@
 #pragma once
 
-#include "files/NumberText.h"
+#include "files/TextBuffer.h"
 #include <TessaryMesh/Files.h>
-
-#include <cstring>
-#include <memory>
-#include <string_view>
-#include <type_traits>
 
 namespace TessaryMesh {
 
@@ -14,56 +9,29 @@ namespace TessaryMesh {
 /// throws Cancelled.
 class TextWriter {
 public:
-    explicit TextWriter(OutputFile& output) : m_output(output), m_buffer(new char[kCapacity]) {}
+    explicit TextWriter(OutputFile& output) : m_output(output) {}
 
-    TextWriter& operator<<(char c)
+    template <class T>
+    TextWriter& operator<<(const T& value)
     {
-        *reserve(1) = c;
-        ++m_size;
-        return *this;
-    }
-
-    TextWriter& operator<<(std::string_view text)
-    {
-        if (text.size() > kCapacity) {
+        m_text << value;
+        if (m_text.view().size() > kPiece)
             flush();
-            m_output.write(text);
-            return *this;
-        }
-        std::memcpy(reserve(text.size()), text.data(), text.size());
-        m_size += text.size();
-        return *this;
-    }
-
-    /// In the form of formatNumber().
-    template <class T, class = std::enable_if_t<std::is_arithmetic_v<T>>>
-    TextWriter& operator<<(T value)
-    {
-        char* const begin = reserve(kNumberTextSize);
-        m_size += static_cast<std::size_t>(formatNumber(begin, value) - begin);
         return *this;
     }
 
     void flush()
     {
         throwIfCancelled();
-        m_output.write(m_buffer.get(), m_size);
-        m_size = 0;
+        m_output.write(m_text.view());
+        m_text.clear();
     }
 
 private:
-    static constexpr std::size_t kCapacity = std::size_t{1} << 18;
-
-    char* reserve(std::size_t count)
-    {
-        if (kCapacity - m_size < count)
-            flush();
-        return m_buffer.get() + m_size;
-    }
+    static constexpr std::size_t kPiece = std::size_t{1} << 18;
 
     OutputFile& m_output;
-    std::unique_ptr<char[]> m_buffer;
-    std::size_t m_size = 0;
+    TextBuffer m_text;
 };
 
 }  // namespace TessaryMesh

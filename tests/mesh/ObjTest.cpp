@@ -5,6 +5,7 @@
 #include <support/MeshBuilding.h>
 
 #include <TessaryMesh/Check.h>
+#include <tbb/global_control.h>
 
 #include <cmath>
 #include <random>
@@ -182,6 +183,44 @@ TEST(ObjReader, NamesTheLineOfAnErrorAndItsKind)
         EXPECT_EQ(error.code(), one.code) << one.expected;
         EXPECT_EQ(error.place().line.value_or(0), std::strtoull(one.expected.c_str(), nullptr, 10));
         EXPECT_EQ(error.place().byte.value_or(0), one.expected.find(" byte 5") == 0 ? 5u : 0u);
+    }
+}
+
+// What reading gives: the mesh written again, with warnings, or the error.
+std::string outcomeOf(const std::string& text, std::size_t blockSize)
+{
+    try {
+        const MeshRead read = TessaryMesh::readObj(text, "a.obj", blockSize);
+        std::string all = written(*read.mesh);
+        for (const Pelon::String& name : read.mesh->propertyNames())
+            all += name.c_str() + std::string(" ");
+        for (const std::string& warning : read.warnings)
+            all += warning + "\n";
+        return all;
+    } catch (const FileError& error) {
+        return error.what();
+    }
+}
+
+TEST(ObjReader, ReadsTheSameInBlocksOfAnySizeOnAnyNumberOfThreads)
+{
+    const std::string rich =
+        "# a \\\nmtllib a b\nv 0 0 0 1 0 0\r\nv 1 0 0 0 1 0\rv 1 1 0 \\\n 0 0 1\nv 0 \\\r\n1 0 1 "
+        "1 1\nvt 0 0\nvt 1 3.1+e2 0.5\nvt 1\nf 6 1/1 2//1\ng a\no\nusemtl b # c\nl 1 2\nvn 0 0 1\n"
+        "f -1/-1/-1 -2//-1 -3/2 \\\n -4\ns 3\ng b \\\n c\ng d\nhello\nmtllib c\nv 1 2 3 4 5 6 7\n"
+        "v 5 5 5 5 5 5\nusemtl\nmtllib a b\nf -1 -2 -3\ns off\nf 3/3 2 1";
+    for (const std::string& text :
+         {rich, rich + "\nv 0 0 0 0.5\nv 0 0 0 1\n", "\xEF\xBB\xBF" + rich + "\\",
+          rich + "\nf -7 1 2\nf 9 9 1\nf 8 1/4 1\n", rich + "\nf 1 2 9\nf 1/9 8 7//9\n",
+          rich + "\nv 1 2\nf x\n" + std::string(1, '\0'), "f -1 2 3\n" + rich + "\nv x\n",
+          rich + "\nf 1 \\\n\\\n2/x", rich + "\nv 1 2 \\\n", std::string("a\nb\n\nb"),
+          kSquare + "f 1 2 3\nvn 0 0 1\nf 1 2 3\nf 1//1 2 3\n"}) {
+        const std::string expected = outcomeOf(text, text.size());
+        for (const int threads : {1, 2, 7}) {
+            const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+            for (std::size_t size = 1; size < text.size(); size += threads == 7 ? 1 : 5)
+                ASSERT_EQ(outcomeOf(text, size), expected) << text << size;
+        }
     }
 }
 

@@ -1,7 +1,7 @@
 #include <TessaryMesh/Files.h>
 
 #include <gtest/gtest.h>
-#include <mesh/files/ReadFile.h>
+#include <mesh/files/Input.h>
 
 #include <unistd.h>
 
@@ -58,14 +58,14 @@ TEST(OutputFile, KeepsAFileThatAppearsWhileItIsWritten)
     EXPECT_EQ(folder.names(), Names{"a.obj"});
 }
 
-TEST(OutputFile, AndReadFileSayWhatIsWrongWithAName)
+TEST(OutputFile, AndInputSayWhatIsWrongWithAName)
 {
     using Code = FileError::Code;
     const Folder folder;
     const auto expectRefusal = [](const std::string& path, bool isInput, const char* message,
                                   Code code) {
         const FileError error = MeshFiles::fileErrorOf([&] {
-            isInput ? void(TessaryMesh::readFile(path)) : OutputFile(path, false).write("x");
+            isInput ? void(TessaryMesh::Input(path.c_str())) : OutputFile(path, false).write("x");
         });
         EXPECT_EQ(error.what(), path + message);
         EXPECT_EQ(error.file(), path);
@@ -83,7 +83,13 @@ TEST(OutputFile, AndReadFileSayWhatIsWrongWithAName)
     expectRefusal(folder / "none", true, ": there is no such file; check the name", Code::NotFound);
     expectRefusal(folder / "", true, ": is a folder; name a mesh file", Code::IsFolder);
     const std::string closed = folder.file("closed", std::string(3000000, 'x'));
-    EXPECT_EQ(TessaryMesh::readFile(closed).size(), 3000000u);
+    EXPECT_EQ(TessaryMesh::Input(closed.c_str()).size(), 3000000u);
+    const TessaryMesh::Input input(closed.c_str());
+    std::filesystem::resize_file(closed, 2000000);
+    TessaryMesh::InputBuffer buffer;
+    EXPECT_EQ(input.part(1999999, 2000000, buffer), "x");
+    EXPECT_EQ(MeshFiles::fileErrorOf([&] { input.part(1999999, 2000001, buffer); }).what(),
+              closed + ": became shorter while it was read; read it again");
     std::filesystem::permissions(closed, std::filesystem::perms(0));
     if (::geteuid() != 0)  // root may read anything
         expectRefusal(closed, true, ": cannot be opened: Permission denied", Code::Unreadable);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <tbb/global_control.h>
 #include <tests/mesh/PlyFiles.h>
 #include <tests/support/Cancellation.h>
 #include <tests/support/MeshBuilding.h>
@@ -234,6 +235,43 @@ TEST(Ply, BadRowsAreRefusedWithTheLine)
         {kFaceHeader + "end_header\n1 2 3\n3 0 0 4\n", "no error",
          Code::Exists},  // left to the validation
     });
+}
+
+// What reading text gives: the mesh in binary, with warnings, or the error.
+std::string outcomeOf(const std::string& text, std::size_t blockSize)
+{
+    try {
+        const TessaryMesh::MeshRead read = TessaryMesh::readPly(text, "f.ply", blockSize);
+        std::string all = written(*read.mesh, "ply");
+        for (const std::string& warning : read.warnings)
+            all += warning + "\n";
+        return all;
+    } catch (const TessaryMesh::FileError& error) {
+        return error.what();
+    }
+}
+
+TEST(Ply, TextIsTheSameInBlocksOfAnySizeOnAnyNumberOfThreads)
+{
+    const std::string header =
+        "ply\nformat ascii 1.0\nelement none 0\nproperty int a\nelement vertex 4\nproperty float "
+        "x\n"
+        "property double y\nproperty float z\nelement empty 3\nelement face 2\nproperty list uchar "
+        "int "
+        "vertex_indices\nproperty char c\nelement edge 1\nproperty list int short s\nend_header\n";
+    const std::string rows =
+        "0 0 0\n\n 1 0 1e3 \r\n1 1.5 0\n\t0 1 -0\n\n \n3 0 1 2 -7\n4 0 1 2 3 8\n\n2 5 6";
+    for (const std::string& body :
+         {rows, rows + "\n \n\nmore\n\nx", rows + "\n\n", rows.substr(0, rows.size() - 6),
+          rows.substr(0, 30), std::string(), std::string("0 0 0\n1 x 1\n1 1 1 1\n0 0\n") + rows,
+          "\n\n" + rows + " 9\n", rows + "x"}) {
+        const std::string text = header + body, expected = outcomeOf(text, text.size());
+        for (const int threads : {1, 2, 7}) {
+            const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+            for (std::size_t size = 1; size <= body.size(); ++size)
+                ASSERT_EQ(outcomeOf(text, size), expected) << body << size;
+        }
+    }
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "base/Host.h"
+#include "files/Input.h"
 #include <TessaryMesh/Files.h>
 
+#include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace TessaryMesh {
@@ -30,9 +31,11 @@ namespace TessaryMesh {
 /// lines, curves and other statements are counted in a warning each, lines that are no statement in
 /// one for all of them. Names must be UTF-8; comments need not be.
 ///
-/// `path` stands for the file in messages. Throws FileError with the line; Cancelled. Memory is
-/// proportional to the text.
-MeshRead readObj(std::string_view text, const std::string& path);
+/// `path` stands for the file in messages. Throws FileError with the first line of the file that is
+/// wrong; Cancelled. Memory is that of the mesh and 32 MiB a thread. Runs on all threads: the text is
+/// read in blocks of whole statements, whose size changes nothing else.
+MeshRead readObj(const Input& text, const std::string& path);
+MeshRead readObj(const Input& text, const std::string& path, std::size_t blockSize);
 
 /// Writes the properties above, found by these names and types, plain or indexed, on corners or on
 /// points; numbers in the shortest form that reads back to the same bits. A mesh that was read from

@@ -2,317 +2,215 @@
 
 #include "base/Host.h"
 #include "base/MessageText.h"
+#include "base/ParallelBlocks.h"
 #include "files/FileErrors.h"
-#include "files/obj/ObjContent.h"
-#include "files/obj/ObjReference.h"
-#include "files/obj/ObjScanner.h"
+#include "files/TextBlocks.h"
+#include "files/obj/ObjMesh.h"
 
 #include <algorithm>
-#include <utility>
+#include <optional>
 
 namespace TessaryMesh {
 namespace {
 
 using Code = FileError::Code;
 
-/// Statements that a mesh has no place for.
-constexpr const char* kStatementsNotHeld[] = {
-    "p",     "l",     "vp",     "cstype", "deg",      "bmat",     "step",       "curv",
-    "curv2", "surf",  "parm",   "trim",   "hole",     "scrv",     "sp",         "end",
-    "con",   "mg",    "lod",    "bevel",  "c_interp", "d_interp", "shadow_obj", "trace_obj",
-    "ctech", "stech", "usemap", "maplib", "call",     "csh",      "res",        "bsp",
-    "bzp",   "cdc",   "cdp",    "fo"};
-constexpr std::size_t kStatementNotHeldCount = std::size(kStatementsNotHeld);
-
-/// How often something was met, and where first.
-struct Tally {
-    std::uint64_t count = 0;
-    std::uint64_t firstLine = 0;
-
-    void add(std::uint64_t line)
-    {
-        if (count++ == 0)
-            firstLine = line;
-    }
-};
-
-std::string countOf(std::uint64_t count, const char* one, const char* many)
+bool isLineEnd(char c)
 {
-    return std::to_string(count) + " " + (count == 1 ? one : many);
+    return c == '\n' || c == '\r';
 }
 
-class ObjParser {
+// Behind LF, CR LF or CR. A backslash before it may or may not continue the statement, depending on
+// where the line has a "#".
+bool canCut(std::string_view text, std::size_t at)
+{
+    if (at == 0 || !isLineEnd(text[at - 1]))
+        return false;
+    const bool isInside = text[at - 1] == '\r' && at < text.size() && text[at] == '\n';
+    const bool isPair = at >= 2 && text[at - 1] == '\n' && text[at - 2] == '\r';
+    const std::size_t lineEnd = at - (isPair ? 2 : 1);
+    return !isInside && (lineEnd == 0 || text[lineEnd - 1] != '\\');
+}
+
+/// Reads blocks on all threads without knowing what comes before them. Where something in one of them
+/// is wrong, the block is read once more, with all that comes before it: then its errors name the
+/// right lines, and the first line of the file that is wrong is named.
+class ObjReader {
 public:
-    ObjParser(std::string_view text, const std::string& path) : m_scanner(text, path) {}
+    ObjReader(const Input& input, const std::string& path, std::size_t blockSize)
+        : m_input(input),
+          m_path(path),
+          m_ends(cutIntoBlocks(input, sizeOfByteOrderMark(), blockSize, canCut)),
+          m_isWrong(m_ends.size() - 1),
+          m_zero(m_ends.size() - 1)
+    {
+        m_file.blocks.resize(m_ends.size() - 1);
+        m_file.starts.resize(1);
+    }
 
     MeshRead read()
     {
-        while (!m_scanner.atEnd()) {
-            if (!m_scanner.atLineEnd())
-                readStatement();
-            m_scanner.nextLine();
-        }
+        forEachBlock(m_file.blocks.size(), [this](std::size_t block) { readBlock(block); });
+        for (const std::optional<std::size_t>& zero : m_zero)
+            if (zero)
+                failToRead(Code::Unsupported, m_path,
+                           "byte " + std::to_string(*zero) +
+                               " is 0: this is binary data or UTF-16, and neither OBJ text nor PLY",
+                           atByte(*zero));
+        for (std::size_t block = 0; block < m_file.blocks.size(); ++block)
+            place(block);
         checkReferences();
-        if (m_known == 0 && m_unknown.count > 0)
-            m_scanner.fail(
-                quoted(m_firstUnknown) + " begins no OBJ statement; is this a mesh file?",
-                m_unknown.firstLine, Code::Unsupported);
+        if (m_tallies.known == 0 && m_tallies.unknown.count > 0)
+            failAtLine(
+                m_tallies.unknown.firstLine,
+                quoted(m_tallies.firstUnknown) + " begins no OBJ statement; is this a mesh file?",
+                Code::Unsupported);
         MeshRead result{nullptr, nullptr, warnings()};
-        result.mesh = moveToMesh(m_content);
+        result.mesh = moveToMesh(m_file);
         return result;
     }
 
 private:
-    void readStatement()
+    [[noreturn]] void failAtLine(std::uint64_t line, const std::string& what,
+                                 Code code = Code::Malformed) const
     {
-        const std::string_view keyword = m_scanner.word();
-        ++m_known;
-        if (keyword == "v")
-            readPoint();
-        else if (keyword == "f")
-            readFace();
-        else if (keyword == "vt")
-            readTexcoord();
-        else if (keyword == "vn")
-            readNormal();
-        else if (!readState(keyword))
-            countOther(keyword);
+        ObjScanner({}, line, m_path).fail(what, code);
     }
 
-    // Reads the numbers of a statement, as many as there are, and returns how many of them fit.
-    template <std::size_t N>
-    std::size_t readNumbers(float (&numbers)[N])
+    std::size_t sizeOfByteOrderMark() const
     {
-        std::size_t count = 0;
-        for (; !m_scanner.atLineEnd(); ++count) {
-            const float number = m_scanner.number();
-            if (count < N)
-                numbers[count] = number;
+        InputBuffer buffer;
+        const std::string_view mark = m_input.head(3, buffer);
+        if (mark.substr(0, 2) == "\xFE\xFF" || mark.substr(0, 2) == "\xFF\xFE")
+            failToRead(Code::Unsupported, m_path, "is UTF-16 text; save it as UTF-8");
+        return mark == "\xEF\xBB\xBF" ? 3 : 0;
+    }
+
+    // The last line of a file may lack its end, and may end with a backslash for all that.
+    ObjBlock parse(std::string_view text, const ObjStart& start) const
+    {
+        return canCut(text, text.size()) ? parseObjBlock(text, m_path, start)
+                                         : parseObjBlock(std::string(text) + "\n\n", m_path, start);
+    }
+
+    void readBlock(std::size_t block)
+    {
+        InputBuffer buffer;
+        const std::string_view text = m_input.part(m_ends[block], m_ends[block + 1], buffer);
+        const std::size_t zero = text.find('\0');
+        if (zero != std::string_view::npos) {
+            m_zero[block] = m_ends[block] + zero;
+            return;
         }
-        if (count > N)
-            m_extraNumbers.add(m_scanner.line());
-        return std::min(count, N);
-    }
-
-    void needNumbers(std::size_t found, std::size_t needed, const char* what)
-    {
-        if (found < needed)
-            m_scanner.fail(std::string(what) + " with " + countOf(found, "number", "numbers") +
-                           "; it needs " + std::to_string(needed));
-    }
-
-    void addTo(ObjReference& reference)
-    {
-        if (++reference.count >= kNone)
-            m_scanner.fail("the file has more values than 32-bit indices can name; split the mesh",
-                           Code::TooLarge);
-    }
-
-    void readPoint()
-    {
-        float v[6];
-        const std::size_t count = readNumbers(v);
-        needNumbers(count, 3, "point");
-        addTo(m_pointReference);
-        m_content.points.push_back({v[0], v[1], v[2]});
-        if (count == 6)
-            m_content.addColour({v[3], v[4], v[5]});
-        else if (count == 4)
-            m_content.addWeight(v[3]);
-        else if (count == 5)
-            m_extraNumbers.add(m_scanner.line());
-    }
-
-    void readTexcoord()
-    {
-        float v[3] = {};
-        const std::size_t count = readNumbers(v);
-        needNumbers(count, 1, "texture coordinate");
-        addTo(m_texcoordReference);
-        m_content.addTexcoord({v[0], v[1], v[2]}, count == 3);
-    }
-
-    void readNormal()
-    {
-        float v[3];
-        needNumbers(readNumbers(v), 3, "normal");
-        addTo(m_normalReference);
-        m_content.normals.push_back({v[0], v[1], v[2]});
-    }
-
-    void readFace()
-    {
-        const std::size_t first = m_content.corners.size();
-        while (!m_scanner.atLineEnd())
-            readCorner();
-        if (m_content.corners.size() == first)
-            m_scanner.fail("face without corners; it needs three or more");
-        if (m_content.corners.size() >= kNone)
-            m_scanner.fail("the file has more corners than 32-bit indices can name; split the mesh",
-                           Code::TooLarge);
-        m_content.faceOffset.push_back(static_cast<uint>(m_content.corners.size()));
-    }
-
-    // Some programs write the slashes also where nothing follows: "1/" and "1//" are points.
-    void readCorner()
-    {
-        const char* const begin = m_scanner.position();
-        const std::size_t corner = m_content.corners.size();
-        m_content.corners.push_back(m_pointReference.resolve(m_scanner.index(), m_scanner));
-        if (m_scanner.slash()) {
-            if (!m_scanner.atSlash() && !m_scanner.atSeparator())
-                m_content.texcoordIndices.set(
-                    corner, m_texcoordReference.resolve(m_scanner.index(), m_scanner));
-            if (m_scanner.slash() && !m_scanner.atSeparator())
-                m_content.normalIndices.set(
-                    corner, m_normalReference.resolve(m_scanner.index(), m_scanner));
+        try {
+            m_file.blocks[block] = parse(text, {});
+        } catch (const FileError&) {
+            m_isWrong[block] = true;
         }
-        if (!m_scanner.atSeparator())
-            m_scanner.failAtIndex(begin);
     }
 
-    bool readState(std::string_view keyword)
+    // Finds what comes before the next block.
+    void place(std::size_t i)
     {
-        if (keyword == "usemtl")
-            m_content.material.set(m_content.faceCount(), readName("material"));
-        else if (keyword == "g")
-            m_content.group.set(m_content.faceCount(), readName("group"));
-        else if (keyword == "o")
-            m_content.object.set(m_content.faceCount(), readName("object"));
-        else if (keyword == "s")
-            m_content.smoothing.set(m_content.faceCount(), readSmoothing());
-        else if (keyword == "mtllib")
-            m_content.addLibrary(readName("material library"));
-        else
-            return false;
-        return true;
+        const ObjBlock& block = m_file.blocks[i];
+        const ObjCounts start = m_file.starts.back();
+        ObjCounts end = start;
+        end.add(block);
+        bool isWrong = m_isWrong[i] || end.corners >= kNone;
+        for (std::size_t kind = 0; kind < kObjKinds; ++kind)
+            isWrong = isWrong || end.values[kind] >= kNone ||
+                      !block.references[kind].fits(start.values[kind]);
+        if (isWrong) {
+            readAgain(i, nullptr);
+            failToRead(Code::Unreadable, m_path, "changed while it was read; read it again");
+        }
+        m_tallies.add(block.tallies, start.lines);
+        m_file.starts.push_back(end);
     }
 
-    String readName(const char* what)
+    // With all that comes before it; `total` is what the indices are held to.
+    ObjBlock readAgain(std::size_t block, const ObjCounts* total) const
     {
-        const std::uint64_t line = m_scanner.line();
-        std::string name = m_scanner.restOfLine();
-        if (!isUtf8(name))
-            m_scanner.fail(std::string(what) + " name " + quoted(name) +
-                               " is not valid UTF-8; convert the file",
-                           line);
-        return name;
+        const ObjCounts& counts = m_file.starts[block];
+        ObjStart start{counts.lines, counts.corners, {}};
+        for (std::size_t kind = 0; kind < kObjKinds; ++kind)
+            start.references[kind] =
+                ObjReference(counts.values[kind], total ? total->values[kind] : kNone);
+        InputBuffer buffer;
+        return parse(m_input.part(m_ends[block], m_ends[block + 1], buffer), start);
     }
 
-    uint readSmoothing()
+    // Positive indices may run ahead of the values, but not beyond the last one.
+    void checkReferences() const
     {
-        const std::string text = m_scanner.restOfLine();
-        const std::string_view word = std::string_view(text).substr(0, text.find_first_of(" \t#"));
-        uint group = 0;
-        if (word == "off")
-            return 0;
-        if (word == "on")
-            return 1;
-        if (scanNumber(word.data(), word.data() + word.size(), group) != word.data() + word.size())
-            m_scanner.fail(quoted(text) + " is no smoothing group; write a number or \"off\"");
-        return group;
-    }
-
-    void countOther(std::string_view keyword)
-    {
-        for (std::size_t i = 0; i < kStatementNotHeldCount; ++i)
-            if (keyword == kStatementsNotHeld[i]) {
-                m_notHeld[i].add(m_scanner.line());
-                skipStatement();
-                return;
-            }
-        --m_known;
-        if (m_unknown.count == 0)
-            m_firstUnknown = keyword;
-        m_unknown.add(m_scanner.line());
-    }
-
-    // Curves and surfaces are often continued over several lines.
-    void skipStatement()
-    {
-        while (!m_scanner.atLineEnd())
-            m_scanner.word();
+        const ObjCounts& total = m_file.total();
+        for (std::size_t block = 0; block < m_file.blocks.size(); ++block)
+            for (std::size_t kind = 0; kind < kObjKinds; ++kind)
+                if (m_file.blocks[block].references[kind].furthest() > total.values[kind])
+                    failDangling(readAgain(block, &total).references);
     }
 
     // Several kinds may dangle: the first line of the file is named.
-    void checkReferences() const
+    [[noreturn]] void failDangling(const ObjReferences& references) const
     {
-        const ObjReference* first = nullptr;
-        for (const ObjReference* reference :
-             {&m_pointReference, &m_texcoordReference, &m_normalReference}) {
-            const std::uint64_t line = reference->firstDangling();
-            if (line != 0 && (!first || line < first->firstDangling()))
-                first = reference;
-        }
-        if (first)
-            first->failDangling(m_scanner);
+        std::size_t first = kObjKinds;
+        for (std::size_t kind = 0; kind < kObjKinds; ++kind)
+            if (const std::uint64_t line = references[kind].danglingLine())
+                if (first == kObjKinds || line < references[first].danglingLine())
+                    first = kind;
+        const ObjReference& reference = references[first % kObjKinds];
+        failAtLine(reference.danglingLine(),
+                   std::string("face names ") + kObjKindNames[first % kObjKinds] + " " +
+                       std::to_string(reference.dangling()) + ", but the file has " +
+                       std::to_string(m_file.total().values[first % kObjKinds]) +
+                       "; correct the face or add what is missing");
     }
 
     std::vector<std::string> warnings() const
     {
         std::vector<std::string> lines;
-        const auto add = [&](std::uint64_t count, const std::string& text, std::uint64_t line) {
-            if (count > 0)
-                lines.push_back(text + ", first at line " + std::to_string(line));
+        const auto add = [&lines](const Tally& tally, const char* one, const char* many,
+                                  const std::string& text) {
+            if (tally.count > 0)
+                lines.push_back(std::to_string(tally.count) + " " +
+                                (tally.count == 1 ? one : many) + text + ", first at line " +
+                                std::to_string(tally.firstLine));
         };
-        for (std::size_t i = 0; i < kStatementNotHeldCount; ++i)
-            add(m_notHeld[i].count,
-                countOf(m_notHeld[i].count, "statement", "statements") + " \"" +
-                    kStatementsNotHeld[i] + "\" left out",
-                m_notHeld[i].firstLine);
-        add(m_unknown.count,
-            countOf(m_unknown.count, "line that is", "lines that are") +
-                " no OBJ statement left out, such as " + quoted(m_firstUnknown),
-            m_unknown.firstLine);
-        add(m_extraNumbers.count,
-            countOf(m_extraNumbers.count, "line", "lines") +
-                " with more numbers than the statement has; these are left out",
-            m_extraNumbers.firstLine);
-        add(m_scanner.misplacedSigns(),
-            countOf(m_scanner.misplacedSigns(), "number", "numbers") +
-                " with the sign before the \"e\", read as if it stood behind",
-            m_scanner.firstMisplacedSign());
-        if (m_content.colourCount > 0 && !m_content.hasColours())
-            lines.push_back("colours left out: only " + std::to_string(m_content.colourCount) +
-                            " of " + std::to_string(m_content.points.size()) + " points have one");
+        for (std::size_t i = 0; i < std::size(kObjStatementsNotHeld); ++i)
+            add(m_tallies.notHeld[i], "statement", "statements",
+                std::string(" \"") + kObjStatementsNotHeld[i] + "\" left out");
+        add(m_tallies.unknown, "line that is", "lines that are",
+            " no OBJ statement left out, such as " + quoted(m_tallies.firstUnknown));
+        add(m_tallies.extraNumbers, "line", "lines",
+            " with more numbers than the statement has; these are left out");
+        add(m_tallies.misplacedSigns, "number", "numbers",
+            " with the sign before the \"e\", read as if it stood behind");
+        if (m_file.colourCount() > 0 && !m_file.hasColours())
+            lines.push_back("colours left out: only " + std::to_string(m_file.colourCount()) +
+                            " of " + std::to_string(m_file.total().values[kObjPoint]) +
+                            " points have one");
         return lines;
     }
 
-    ObjScanner m_scanner;
-    ObjContent m_content;
-    ObjReference m_pointReference{"point"}, m_texcoordReference{"texture coordinate"},
-        m_normalReference{"normal"};
-
-    std::uint64_t m_known = 0;  // statements that OBJ defines
-    Tally m_notHeld[kStatementNotHeldCount];
-    Tally m_unknown, m_extraNumbers;
-    std::string_view m_firstUnknown;
+    const Input& m_input;
+    const std::string& m_path;
+    std::vector<std::size_t> m_ends;
+    ObjFile m_file;
+    std::vector<char> m_isWrong;                     // a byte each, for threads to write
+    std::vector<std::optional<std::size_t>> m_zero;  // the first byte of a block that is 0
+    ObjTallies m_tallies;
 };
-
-std::string_view withoutByteOrderMark(std::string_view text)
-{
-    return text.substr(0, 3) == "\xEF\xBB\xBF" ? text.substr(3) : text;
-}
-
-void rejectBinary(std::string_view text, const std::string& path)
-{
-    const std::string_view mark = text.substr(0, 2);
-    if (mark == "\xFE\xFF" || mark == "\xFF\xFE")
-        failToRead(Code::Unsupported, path, "is UTF-16 text; save it as UTF-8");
-    const std::size_t zero = text.find('\0');
-    if (zero != std::string_view::npos)
-        failToRead(Code::Unsupported, path,
-                   "byte " + std::to_string(zero) +
-                       " is 0: this is binary data or UTF-16, and neither OBJ text nor PLY",
-                   atByte(zero));
-}
 
 }  // namespace
 
-MeshRead readObj(std::string_view text, const std::string& path)
+MeshRead readObj(const Input& input, const std::string& path)
 {
-    rejectBinary(text, path);
-    return ObjParser(withoutByteOrderMark(text), path).read();
+    return readObj(input, path, usualBlockSize(input.size()));
+}
+
+MeshRead readObj(const Input& input, const std::string& path, std::size_t blockSize)
+{
+    return ObjReader(input, path, blockSize).read();
 }
 
 }  // namespace TessaryMesh

@@ -15,18 +15,17 @@ std::string ObjScanner::restOfLine()
 {
     std::string text;
     do {
-        while (m_at < m_end && isBlank(*m_at))
+        while (isBlank(*m_at))
             ++m_at;
         const char* const begin = m_at;
-        while (m_at < m_end && *m_at != '\n' && *m_at != '\r' &&
-               !(*m_at == '\\' && isContinuation()))
+        while (*m_at != '\n' && *m_at != '\r' && !(*m_at == '\\' && isContinuation()))
             ++m_at;
         const char* end = m_at;
         while (end > begin && isBlank(end[-1]))
             --end;
         text += text.empty() || begin == end ? "" : " ";
         text.append(begin, end);
-    } while (m_at < m_end && *m_at == '\\' && skipContinuation());
+    } while (*m_at == '\\' && skipContinuation());
     return text;
 }
 
@@ -41,8 +40,7 @@ float ObjScanner::unusualNumber()
         std::swap(usual[e - 1], usual[e]);
         const char* const last = usual.data() + usual.size();
         if (scanNumber(usual.data(), last, value) == last) {
-            if (m_misplacedSigns++ == 0)
-                m_firstMisplacedSign = m_line;
+            m_misplacedSigns.add(m_line);
             return value;
         }
     }

@@ -9,14 +9,38 @@
 
 namespace TessaryMesh {
 
+/// How often something was met, and where first.
+struct Tally {
+    std::uint64_t count = 0;
+    std::uint64_t firstLine = 0;
+
+    void add(std::uint64_t line)
+    {
+        if (count++ == 0)
+            firstLine = line;
+    }
+
+    /// What was met further on, in text that begins `linesBefore` it.
+    void add(const Tally& later, std::uint64_t linesBefore)
+    {
+        if (count == 0)
+            firstLine = later.firstLine + linesBefore;
+        count += later.count;
+    }
+};
+
 /// Walks through the words of OBJ text, statement by statement.
 ///
 /// A line ends with LF, CR LF or CR; a backslash before it continues the statement on the next
 /// line. Blanks are spaces and tabs. A "#" starts a comment, save in names.
+///
+/// The text is empty or ends with a line end that continues no statement, so that nothing inside of
+/// one has to look for the end of the text.
 class ObjScanner {
 public:
-    ObjScanner(std::string_view text, const std::string& path)
-        : m_at(text.data()), m_end(text.data() + text.size()), m_path(path)
+    /// The text begins on line `line` of the file.
+    ObjScanner(std::string_view text, std::uint64_t line, const std::string& path)
+        : m_at(text.data()), m_end(text.data() + text.size()), m_path(path), m_line(line)
     {}
 
     std::uint64_t line() const { return m_line; }
@@ -34,18 +58,18 @@ public:
     /// Skips blanks; whether the statement's last word lies behind.
     bool atLineEnd()
     {
-        while (m_at < m_end && (isBlank(*m_at) || *m_at == '\\'))
+        while (isBlank(*m_at) || *m_at == '\\')
             if (isBlank(*m_at))
                 ++m_at;
             else if (!skipContinuation())
                 return false;
-        return m_at == m_end || *m_at == '\n' || *m_at == '\r' || *m_at == '#';
+        return *m_at == '\n' || *m_at == '\r' || *m_at == '#';
     }
 
-    /// Goes to the beginning of the next line. Polls for cancellation now and then.
+    /// Goes to the beginning of the next line.
     void nextLine()
     {
-        while (m_at < m_end && *m_at != '\n' && *m_at != '\r')
+        while (*m_at != '\n' && *m_at != '\r')
             ++m_at;
         skipLineEnd();
     }
@@ -66,7 +90,7 @@ public:
     float number()
     {
         float value;
-        const char* const end = scanNumber(m_at, m_end, value);
+        const char* const end = scanNumberInText(m_at, m_end - 1, value);
         const char* const begin = m_at;
         if (end) {
             m_at = end;
@@ -82,21 +106,21 @@ public:
     std::int64_t index()
     {
         const char* const begin = m_at;
-        const bool negative = m_at < m_end && *m_at == '-';
-        m_at += negative || (m_at < m_end && *m_at == '+');
+        const bool negative = *m_at == '-';
+        m_at += negative || *m_at == '+';
         const char* const digits = m_at;
         std::uint64_t value = 0;
-        for (; m_at < m_end && static_cast<unsigned char>(*m_at - '0') < 10; ++m_at)
-            value = 10 * value + static_cast<unsigned char>(*m_at - '0');
+        m_at = ShortDecimal::scanDigits(digits, value);
         if (m_at == digits || m_at - digits > 18)
             failAtIndex(begin);
-        return negative ? -static_cast<std::int64_t>(value) : static_cast<std::int64_t>(value);
+        const auto index = static_cast<std::int64_t>(value);
+        return negative ? -index : index;
     }
 
     /// Steps over a slash, if one is here.
     bool slash()
     {
-        const bool found = m_at < m_end && *m_at == '/';
+        const bool found = *m_at == '/';
         m_at += found;
         return found;
     }
@@ -104,11 +128,11 @@ public:
     /// Whether a word ends here.
     bool atSeparator() const
     {
-        return m_at == m_end || isBlank(*m_at) || *m_at == '\n' || *m_at == '\r' || *m_at == '#' ||
+        return isBlank(*m_at) || *m_at == '\n' || *m_at == '\r' || *m_at == '#' ||
                (*m_at == '\\' && isContinuation());
     }
 
-    bool atSlash() const { return m_at < m_end && *m_at == '/'; }
+    bool atSlash() const { return *m_at == '/'; }
 
     const char* position() const { return m_at; }
 
@@ -116,15 +140,14 @@ public:
     [[noreturn]] void failAtIndex(const char* begin);
 
     /// Numbers with the sign before the "e", read as if it stood behind; they ought to be mentioned.
-    std::uint64_t misplacedSigns() const { return m_misplacedSigns; }
-    std::uint64_t firstMisplacedSign() const { return m_firstMisplacedSign; }
+    const Tally& misplacedSigns() const { return m_misplacedSigns; }
 
 private:
     static constexpr FileError::Code kMalformed = FileError::Code::Malformed;
 
     static bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
-    bool isContinuation() const { return m_at + 1 == m_end || m_at[1] == '\n' || m_at[1] == '\r'; }
+    bool isContinuation() const { return m_at[1] == '\n' || m_at[1] == '\r'; }
 
     bool skipContinuation()
     {
@@ -137,12 +160,9 @@ private:
 
     void skipLineEnd()
     {
-        if (m_at == m_end)
-            return;
         const bool carriageReturn = *m_at++ == '\r';
         m_at += carriageReturn && m_at < m_end && *m_at == '\n';
-        if ((++m_line & 0xFFF) == 0)
-            throwIfCancelled();
+        ++m_line;
     }
 
     float unusualNumber();
@@ -150,9 +170,8 @@ private:
     const char* m_at;
     const char* const m_end;
     const std::string& m_path;
-    std::uint64_t m_line = 1;
-    std::uint64_t m_misplacedSigns = 0;
-    std::uint64_t m_firstMisplacedSign = 0;
+    std::uint64_t m_line;
+    Tally m_misplacedSigns;
 };
 
 }  // namespace TessaryMesh

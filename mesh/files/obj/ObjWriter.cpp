@@ -1,7 +1,7 @@
 #include "files/obj/Obj.h"
 
 #include "base/Host.h"
-#include "files/TextWriter.h"
+#include "files/RowSections.h"
 #include "files/obj/ObjProperties.h"
 
 #include <cstdint>
@@ -9,50 +9,56 @@
 namespace TessaryMesh {
 namespace {
 
-void writePoints(const ObjProperties& mesh, TextWriter& out)
+void putPoint(const ObjProperties& mesh, std::size_t i, TextBuffer& out)
 {
-    for (std::size_t i = 0; i < mesh.points->size(); ++i) {
-        const float3& p = (*mesh.points)[i];
-        out << "v " << p.x << ' ' << p.y << ' ' << p.z;
-        if (mesh.colour) {
-            const float3 c = mesh.colour->valueOf(i);
-            out << ' ' << c.x << ' ' << c.y << ' ' << c.z;
-        } else if (mesh.weight) {
-            out << ' ' << mesh.weight->valueOf(i);
-        }
-        out << '\n';
+    const float3& p = (*mesh.points)[i];
+    out << "v " << p.x << ' ' << p.y << ' ' << p.z;
+    if (mesh.colour) {
+        const float3 c = mesh.colour->valueOf(i);
+        out << ' ' << c.x << ' ' << c.y << ' ' << c.z;
+    } else if (mesh.weight) {
+        out << ' ' << mesh.weight->valueOf(i);
     }
+    out << '\n';
 }
 
-void writeValue(const float2& v, TextWriter& out)
+void putValue(const float2& v, TextBuffer& out)
 {
     out << ' ' << v.x << ' ' << v.y;
 }
 
-void writeValue(const float3& v, TextWriter& out)
+void putValue(const float3& v, TextBuffer& out)
 {
     out << ' ' << v.x << ' ' << v.y << ' ' << v.z;
 }
 
-template <class T>
-void writeValues(const std::optional<CornerValues<T>>& property, std::string_view keyword,
-                 TextWriter& out)
+/// A section of a statement for each of `count` elements.
+template <class Put>
+RowSection sectionOf(std::size_t count, const Put& put)
 {
-    if (!property)
-        return;
-    for (const T& value : *property->values) {
-        out << keyword;
-        writeValue(value, out);
-        out << '\n';
-    }
+    return {count, [put](std::size_t begin, std::size_t end, TextBuffer& out) {
+                for (std::size_t i = begin; i < end; ++i)
+                    put(i, out);
+            }};
 }
 
-void writeStatement(const char* keyword, const String& name, TextWriter& out)
+template <class T>
+RowSection valueSection(const std::optional<CornerValues<T>>& property, std::string_view keyword)
+{
+    return sectionOf(property ? property->values->size() : 0,
+                     [&property, keyword](std::size_t i, TextBuffer& out) {
+                         out << keyword;
+                         putValue((*property->values)[i], out);
+                         out << '\n';
+                     });
+}
+
+void putStatement(const char* keyword, const String& name, TextBuffer& out)
 {
     out << keyword << (name.empty() ? "" : " ") << name.view() << '\n';
 }
 
-void writeStatement(const char* keyword, uint smoothing, TextWriter& out)
+void putStatement(const char* keyword, uint smoothing, TextBuffer& out)
 {
     out << keyword << ' ';
     if (smoothing == 0)
@@ -61,26 +67,34 @@ void writeStatement(const char* keyword, uint smoothing, TextWriter& out)
         out << smoothing << '\n';
 }
 
-/// Writes a statement wherever the value of a face differs from that of the face before it.
+/// The statements of a property: one wherever the value of a face differs from that of the face before it.
 template <class T>
-class StateWriter {
+class FaceStatements {
 public:
-    StateWriter(const char* keyword, const std::optional<ElementValues<T>>& property,
-                std::size_t faceCount, TextWriter& out)
-        : m_keyword(keyword), m_property(property ? &*property : nullptr), m_out(out)
+    FaceStatements(const char* keyword, const std::optional<ElementValues<T>>& property)
+        : m_keyword(keyword), m_property(property ? &*property : nullptr)
+    {}
+
+    // Readers give the default to the faces before the first statement. Without any other value, a
+    // statement still tells that the property is there.
+    void putIfAllAreDefault(std::size_t faceCount, TextBuffer& out) const
     {
         if (!m_property)
             return;
         std::size_t face = 0;
         while (face < faceCount && valueIndex(face) == kNone)
             ++face;
-        // Readers give the default to the faces before the first statement. Without any other
-        // value, a statement still tells that the property is there.
         if (face == faceCount)
-            writeStatement(m_keyword, T(), m_out);
+            putStatement(m_keyword, T(), out);
     }
 
-    void beginFace(std::size_t face)
+    /// Begins a row of faces in front of `face`.
+    void start(std::size_t face)
+    {
+        m_index = m_property && face > 0 ? valueIndex(face - 1) : kNone;
+    }
+
+    void putBefore(std::size_t face, TextBuffer& out)
     {
         if (!m_property)
             return;
@@ -90,7 +104,7 @@ public:
         const bool differs = !(value(index) == value(m_index));
         m_index = index;
         if (differs)
-            writeStatement(m_keyword, value(index), m_out);
+            putStatement(m_keyword, value(index), out);
     }
 
 private:
@@ -108,76 +122,109 @@ private:
 
     const char* m_keyword;
     const ElementValues<T>* m_property;
-    TextWriter& m_out;
     const T m_default = T();
     uint m_index = kNone;
 };
 
-class FaceWriter {
+class FaceText {
 public:
-    FaceWriter(const ObjProperties& mesh, TextWriter& out) : m_mesh(mesh), m_out(out) {}
+    explicit FaceText(const ObjProperties& mesh)
+        : m_mesh(mesh),
+          m_object("o", mesh.object),
+          m_group("g", mesh.group),
+          m_material("usemtl", mesh.material),
+          m_smoothing("s", mesh.smoothing)
+    {}
 
-    void write()
+    void putDefaults(TextBuffer& out) const
     {
-        const std::size_t faces = m_mesh.faceCount();
-        StateWriter<String> object("o", m_mesh.object, faces, m_out);
-        StateWriter<String> group("g", m_mesh.group, faces, m_out);
-        StateWriter<String> material("usemtl", m_mesh.material, faces, m_out);
-        StateWriter<uint> smoothing("s", m_mesh.smoothing, faces, m_out);
-        for (std::size_t face = 0; face < faces; ++face) {
-            object.beginFace(face);
-            group.beginFace(face);
-            material.beginFace(face);
-            smoothing.beginFace(face);
-            m_out << 'f';
-            for (uint corner = (*m_mesh.faceOffset)[face]; corner < (*m_mesh.faceOffset)[face + 1];
-                 ++corner)
-                writeCorner(corner);
-            m_out << '\n';
-        }
+        m_object.putIfAllAreDefault(m_mesh.faceCount(), out);
+        m_group.putIfAllAreDefault(m_mesh.faceCount(), out);
+        m_material.putIfAllAreDefault(m_mesh.faceCount(), out);
+        m_smoothing.putIfAllAreDefault(m_mesh.faceCount(), out);
+    }
+
+    void put(std::size_t begin, std::size_t end, TextBuffer& out)
+    {
+        m_object.start(begin);
+        m_group.start(begin);
+        m_material.start(begin);
+        m_smoothing.start(begin);
+        for (std::size_t face = begin; face < end; ++face)
+            putFace(face, out);
     }
 
 private:
-    void writeCorner(uint corner)
+    void putFace(std::size_t face, TextBuffer& out)
+    {
+        m_object.putBefore(face, out);
+        m_group.putBefore(face, out);
+        m_material.putBefore(face, out);
+        m_smoothing.putBefore(face, out);
+        out << 'f';
+        const Array<uint>& offset = *m_mesh.faceOffset;
+        for (uint corner = offset[face]; corner < offset[face + 1]; ++corner)
+            putCorner(corner, out);
+        out << '\n';
+    }
+
+    void putCorner(uint corner, TextBuffer& out) const
     {
         const uint point = (*m_mesh.faceVertex)[corner];
         const uint texcoord = m_mesh.texcoord       ? m_mesh.texcoord->indexAt(corner, point)
                               : m_mesh.wideTexcoord ? m_mesh.wideTexcoord->indexAt(corner, point)
                                                     : kNone;
         const uint normal = m_mesh.normal ? m_mesh.normal->indexAt(corner, point) : kNone;
-        m_out << ' ';
-        writeIndex(point);
+        out << ' ';
+        putIndex(point, out);
         if (texcoord != kNone || normal != kNone)
-            m_out << '/';
+            out << '/';
         if (texcoord != kNone)
-            writeIndex(texcoord);
+            putIndex(texcoord, out);
         if (normal != kNone) {
-            m_out << '/';
-            writeIndex(normal);
+            out << '/';
+            putIndex(normal, out);
         }
     }
 
-    void writeIndex(uint index) { m_out << std::uint64_t{index} + 1; }
+    static void putIndex(uint index, TextBuffer& out) { out << std::uint64_t{index} + 1; }
 
     const ObjProperties& m_mesh;
-    TextWriter& m_out;
+    FaceStatements<String> m_object, m_group, m_material;
+    FaceStatements<uint> m_smoothing;
 };
+
+void putHeader(const ObjProperties& mesh, TextBuffer& out)
+{
+    out << "# " << mesh.points->size() << " points, " << mesh.faceCount() << " faces\n";
+    if (mesh.materialLibrary)
+        putStatement("mtllib", *mesh.materialLibrary, out);
+}
 
 }  // namespace
 
 std::vector<std::string> writeObj(const Object& mesh, OutputFile& output)
 {
     ObjProperties properties = findObjProperties(mesh);
-    TextWriter out(output);
-    out << "# " << properties.points->size() << " points, " << properties.faceCount() << " faces\n";
-    if (properties.materialLibrary)
-        writeStatement("mtllib", *properties.materialLibrary, out);
-    writePoints(properties, out);
-    writeValues(properties.texcoord, "vt", out);
-    writeValues(properties.wideTexcoord, "vt", out);
-    writeValues(properties.normal, "vn", out);
-    FaceWriter(properties, out).write();
-    out.flush();
+    const auto put = [&properties](auto function) {
+        return [&properties, function](std::size_t, TextBuffer& out) { function(properties, out); };
+    };
+    const auto putDefaults = [](const ObjProperties& all, TextBuffer& out) {
+        FaceText(all).putDefaults(out);
+    };
+    writeSections(
+        {sectionOf(1, put(putHeader)),
+         sectionOf(properties.points->size(),
+                   [&properties](std::size_t i, TextBuffer& out) { putPoint(properties, i, out); }),
+         valueSection(properties.texcoord, "vt"),
+         valueSection(properties.wideTexcoord, "vt"),
+         valueSection(properties.normal, "vn"),
+         sectionOf(1, put(putDefaults)),
+         {properties.faceCount(),
+          [&properties](std::size_t begin, std::size_t end, TextBuffer& out) {
+              FaceText(properties).put(begin, end, out);
+          }}},
+        output);
     return std::move(properties.warnings);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Host.h"
+#include "files/Input.h"
 #include "files/ply/PlyFormat.h"
 #include <TessaryMesh/Files.h>
 
@@ -48,8 +49,10 @@ namespace TessaryMesh {
 ///
 /// `path` stands for the file in messages. Throws FileError with the line or byte; of the corners'
 /// indices only negative ones are refused here. Memory is bounded by the size of `bytes`, whatever
-/// the header promises. Throws Cancelled.
-MeshRead readPly(std::string_view bytes, const std::string& path);
+/// the header promises. Throws Cancelled. Runs on all threads; text is read in blocks of lines, whose
+/// size changes nothing.
+MeshRead readPly(const Input& input, const std::string& path);
+MeshRead readPly(const Input& input, const std::string& path, std::size_t blockSize);
 
 /// Whether the first line is "ply".
 bool isPly(std::string_view bytes);

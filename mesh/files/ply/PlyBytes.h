@@ -1,7 +1,6 @@
 #pragma once
 
 #include "files/ply/PlyFormat.h"
-#include <TessaryMesh/Errors.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -58,16 +57,12 @@ void withScalarSize(std::size_t size, const F& f)
 /// Rows are moved property by property in blocks that stay in the nearest cache.
 inline constexpr std::size_t kRowsPerBlock = 1024;
 
-/// Calls `visit(row, count)` for each block of rows. Throws Cancelled.
+/// Calls `visit(row, count)` for each block of the rows from `begin` to `end`.
 template <class Visit>
-void forEachBlock(std::size_t rowCount, const Visit& visit)
+void forEachFewRows(std::size_t begin, std::size_t end, const Visit& visit)
 {
-    constexpr std::size_t kBlocksPerPoll = 1024;
-    for (std::size_t row = 0; row < rowCount; row += kRowsPerBlock) {
-        if (row / kRowsPerBlock % kBlocksPerPoll == 0)
-            throwIfCancelled();
-        visit(row, std::min(kRowsPerBlock, rowCount - row));
-    }
+    for (std::size_t row = begin; row < end; row += kRowsPerBlock)
+        visit(row, std::min(kRowsPerBlock, end - row));
 }
 
 }  // namespace TessaryMesh::Ply

@@ -2,11 +2,13 @@
 
 #include "base/Host.h"
 #include "base/MessageText.h"
+#include "base/ParallelBlocks.h"
 #include "base/PropertyKinds.h"
 #include "files/ply/PlyNames.h"
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 
 namespace TessaryMesh::Ply {
 namespace {
@@ -32,12 +34,20 @@ template <class T>
 Array<T> expanded(const Array<T>& values, const Array<uint>& indices, const T& otherwise,
                   std::size_t& missing)
 {
+    constexpr std::size_t kBlock = std::size_t{1} << 16;
     Array<T> out(indices.size());
-    for (std::size_t i = 0; i < indices.size(); ++i) {
-        const bool has = indices[i] < values.size();
-        out[i] = has ? values[indices[i]] : otherwise;
-        missing += !has;
-    }
+    std::vector<std::size_t> found((indices.size() + kBlock - 1) / kBlock);
+    forEachBlock(found.size(), [&](std::size_t block) {
+        std::size_t count = 0;
+        for (std::size_t i = block * kBlock; i < std::min((block + 1) * kBlock, indices.size());
+             ++i) {
+            const bool has = indices[i] < values.size();
+            out[i] = has ? values[indices[i]] : otherwise;
+            count += !has;
+        }
+        found[block] = count;
+    });
+    missing = std::accumulate(found.begin(), found.end(), std::size_t{0});
     return out;
 }
 

@@ -2,8 +2,10 @@
 
 #include "base/Host.h"
 #include "base/MessageText.h"
+#include "files/TextBlocks.h"
 #include "files/ply/PlyBytes.h"
 #include "files/ply/PlyErrors.h"
+#include "files/ply/PlyInput.h"
 #include "files/ply/PlyPlan.h"
 
 #include <algorithm>
@@ -361,19 +363,24 @@ bool isPly(std::string_view bytes)
            (bytes.size() == 3 || bytes[3] == '\n' || bytes[3] == '\r');
 }
 
-MeshRead readPly(std::string_view bytes, const std::string& path)
+MeshRead readPly(const Input& input, const std::string& path)
 {
-    const Header header = parseHeader(bytes, path);
+    return readPly(input, path, usualBlockSize(input.size()));
+}
+
+MeshRead readPly(const Input& input, const std::string& path, std::size_t blockSize)
+{
+    InputBuffer headBuffer;
+    const Header header = parseHeader(headOf(input, headBuffer), path);
     MeshRead read{nullptr, formatOf(header.encoding), {}};
     Plan plan = planProperties(header, path, read.warnings);
 
-    std::string_view body = bytes.substr(header.size);
-    Array<unsigned char> binary;
+    const bool isText = header.encoding == Encoding::Ascii;
     std::size_t bytesLeft = 0;
-    if (header.encoding == Encoding::Ascii) {
-        binary = binaryOfText(header, body, path, bytesLeft);
-        body = {reinterpret_cast<const char*>(binary.data()), binary.size()};
-    }
+    const Array<unsigned char> binary =
+        isText ? binaryOfText(header, input, path, blockSize, bytesLeft)
+               : bytesFrom(input, header.size);
+    const std::string_view body(reinterpret_cast<const char*>(binary.data()), binary.size());
     Elements elements = findRows(header, plan, body, path, read.warnings);
     bytesLeft += elements.bytesLeft;
     if (bytesLeft > 0)

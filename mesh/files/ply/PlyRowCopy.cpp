@@ -1,6 +1,7 @@
 #include "files/ply/PlyRows.h"
 
 #include "base/Host.h"
+#include "base/ParallelBlocks.h"
 #include "files/ply/PlyBytes.h"
 
 #include <algorithm>
@@ -78,13 +79,15 @@ void copyRun(const Run& run, std::size_t row, std::size_t count, const From& fro
     });
 }
 
-void copyFixedRows(const Rows& rows, const std::vector<Run>& runs)
+// `first` is where row `begin` lies.
+void copyFixedRows(const std::vector<Run>& runs, const unsigned char* first, std::size_t begin,
+                   std::size_t end)
 {
     std::size_t rowSize = 0;
     for (const Run& run : runs)
         rowSize += run.bytes;
-    forEachBlock(rows.count(), [&, rowSize](std::size_t row, std::size_t count) {
-        const unsigned char* from = rows.first + row * rowSize;
+    forEachFewRows(begin, end, [&, rowSize](std::size_t row, std::size_t count) {
+        const unsigned char* from = first + (row - begin) * rowSize;
         for (const Run& run : runs) {
             if (run.sink.first && run.bytes == rowSize && run.sink.stride == rowSize)
                 std::memcpy(run.sink.first + row * rowSize, from, count * rowSize);
@@ -99,7 +102,9 @@ void copyFixedRows(const Rows& rows, const std::vector<Run>& runs)
 /// property moves all places on by what it took.
 class BlockCopy {
 public:
-    BlockCopy(const Rows& rows, const std::vector<Run>& runs) : m_runs(runs), m_next(rows.first) {}
+    BlockCopy(const std::vector<Run>& runs, const unsigned char* first)
+        : m_runs(runs), m_next(first)
+    {}
 
     void copy(std::size_t row, std::size_t count)
     {
@@ -155,11 +160,12 @@ private:
     const unsigned char* m_places[kRowsPerBlock];
 };
 
-void copyVaryingRows(const Rows& rows, const std::vector<Run>& runs)
+void copyVaryingRows(const std::vector<Run>& runs, const unsigned char* first, std::size_t begin,
+                     std::size_t end)
 {
-    BlockCopy blocks(rows, runs);
-    forEachBlock(rows.count(),
-                 [&blocks](std::size_t row, std::size_t count) { blocks.copy(row, count); });
+    BlockCopy blocks(runs, first);
+    forEachFewRows(begin, end,
+                   [&blocks](std::size_t row, std::size_t count) { blocks.copy(row, count); });
 }
 
 }  // namespace
@@ -169,10 +175,11 @@ void copyRows(const Rows& rows, const std::vector<Sink>& sinks)
     const std::vector<Run> runs = runsOf(rows, sinks);
     const bool hasLists = std::any_of(runs.begin(), runs.end(),
                                       [](const Run& run) { return run.offsets != nullptr; });
-    if (hasLists)
-        copyVaryingRows(rows, runs);
-    else
-        copyFixedRows(rows, runs);
+    const auto copy = hasLists ? copyVaryingRows : copyFixedRows;
+    forEachBlock(rows.pieces.size(), [&](std::size_t piece) {
+        const std::size_t begin = piece * kRowsPerPiece;
+        copy(runs, rows.pieces[piece], begin, std::min(begin + kRowsPerPiece, rows.count()));
+    });
 }
 
 }  // namespace TessaryMesh::Ply

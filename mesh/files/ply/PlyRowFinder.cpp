@@ -10,7 +10,6 @@
 namespace TessaryMesh::Ply {
 namespace {
 
-constexpr std::uint64_t kRowsPerPoll = std::uint64_t(1) << 20;
 constexpr std::uint64_t kMostEntries = 0xFFFFFFFE;  // what 32-bit offsets can name
 
 // The smallest size of a row: every list is empty.
@@ -115,11 +114,13 @@ bool RowFinder::skipList(const List& list, std::uint64_t row)
 }
 
 void RowFinder::walkLists(const Element& element, const std::vector<List>& lists,
-                          std::size_t scalarsAfter)
+                          std::size_t scalarsAfter, std::vector<const unsigned char*>& pieces)
 {
     for (std::uint64_t row = 0; row < element.count; ++row) {
-        if (row % kRowsPerPoll == 0)
+        if (row % kRowsPerPiece == 0) {
             throwIfCancelled();
+            pieces.push_back(m_position);
+        }
         for (const List& list : lists)
             if (!skip(list.scalarsBefore) || !skipList(list, row))
                 failList(element, row, list);
@@ -130,7 +131,7 @@ void RowFinder::walkLists(const Element& element, const std::vector<List>& lists
 
 Rows RowFinder::take(const Element& element)
 {
-    Rows rows{&element, m_position, {}};
+    Rows rows{&element, {}, {}};
     rows.offsets.resize(element.properties.size());
     const std::size_t rowSize = smallestRow(element);
     requireBytes(element, rowSize);
@@ -147,10 +148,13 @@ Rows RowFinder::take(const Element& element)
         lists.push_back({&property, std::exchange(scalars, 0), sizeOf(*property.countType),
                          sizeOf(property.type), rows.offsets[i].data()});
     }
-    if (lists.empty())
-        m_position += element.count * rowSize;
-    else
-        walkLists(element, lists, scalars);
+    if (!lists.empty()) {
+        walkLists(element, lists, scalars, rows.pieces);
+        return rows;
+    }
+    for (std::uint64_t row = 0; rowSize > 0 && row < element.count; row += kRowsPerPiece)
+        rows.pieces.push_back(m_position + row * rowSize);
+    m_position += element.count * rowSize;
     return rows;
 }
 

@@ -1,6 +1,5 @@
 #include "files/ply/PlyRowWriter.h"
 
-#include "files/TextWriter.h"
 #include "files/ply/PlyBytes.h"
 
 #include <algorithm>
@@ -19,17 +18,17 @@ class BinaryBlocks {
 public:
     explicit BinaryBlocks(const ElementFields& element) : m_element(element) {}
 
-    /// Puts the rows together and returns their bytes, which live until the next call.
-    std::string_view make(std::size_t row, std::size_t count)
+    /// Appends at most kRowsPerBlock rows.
+    void append(std::size_t row, std::size_t count, TextBuffer& out)
     {
-        findPlaces(row, count);
+        m_bytes = reinterpret_cast<unsigned char*>(out.extend(findPlaces(row, count)));
         for (const Field& field : m_element.fields)
             withScalarSize(sizeOf(field.type), [&](auto size) { put<size>(field, row, count); });
-        return {reinterpret_cast<const char*>(m_bytes.data()), m_size};
     }
 
 private:
-    void findPlaces(std::size_t row, std::size_t count)
+    // Returns the bytes of all rows.
+    std::size_t findPlaces(std::size_t row, std::size_t count)
     {
         std::size_t fixed = 0;
         for (const Field& field : m_element.fields)
@@ -38,11 +37,10 @@ private:
         for (const Field& field : m_element.fields)
             for (std::size_t i = 0; field.isList() && i < count; ++i)
                 m_places[i] += listLength(field, row + i) * sizeOf(field.type);
-        m_size = 0;
+        std::size_t size = 0;
         for (std::size_t i = 0; i < count; ++i)
-            m_size += std::exchange(m_places[i], m_size);
-        if (m_bytes.size() < m_size)
-            m_bytes.resize(m_size);
+            size += std::exchange(m_places[i], size);
+        return size;
     }
 
     template <std::size_t Size>
@@ -74,7 +72,7 @@ private:
     {
         for (std::size_t i = 0; i < count; ++i) {
             const std::size_t length = listLength(field, row + i);
-            unsigned char* const to = m_bytes.data() + m_places[i];
+            unsigned char* const to = m_bytes + m_places[i];
             if (field.countType == Scalar::UInt8) {
                 *to = static_cast<unsigned char>(length);
                 m_places[i] += 1;
@@ -98,18 +96,17 @@ private:
     template <std::size_t Size>
     void putScalars(std::size_t i, const unsigned char* from, std::size_t scalars)
     {
-        unsigned char* const to = m_bytes.data() + m_places[i];
+        unsigned char* const to = m_bytes + m_places[i];
         copyScalars<Size, Swap>(to, from, scalars);
         m_places[i] += scalars * Size;
     }
 
     const ElementFields& m_element;
-    std::vector<unsigned char> m_bytes;
-    std::size_t m_size = 0;
+    unsigned char* m_bytes = nullptr;
     std::size_t m_places[kRowsPerBlock];  // where the next field of each row begins
 };
 
-void writeScalars(Scalar type, const unsigned char* from, std::size_t count, TextWriter& out)
+void putScalars(Scalar type, const unsigned char* from, std::size_t count, TextBuffer& out)
 {
     withScalar(type, [&](auto value) {
         for (std::size_t k = 0; k < count; ++k) {
@@ -119,7 +116,7 @@ void writeScalars(Scalar type, const unsigned char* from, std::size_t count, Tex
     });
 }
 
-void writeTextRow(const ElementFields& element, std::size_t row, TextWriter& out)
+void putTextRow(const ElementFields& element, std::size_t row, TextBuffer& out)
 {
     const char* before = "";
     for (const Field& field : element.fields) {
@@ -128,38 +125,36 @@ void writeTextRow(const ElementFields& element, std::size_t row, TextWriter& out
         const std::size_t count = field.isList() ? listLength(field, row) : field.scalars;
         if (field.isList())
             out << count << (count > 0 ? " " : "");
-        writeScalars(field.type, field.values + first * field.rowBytes(), count, out);
+        putScalars(field.type, field.values + first * field.rowBytes(), count, out);
     }
     out << '\n';
 }
 
 template <bool Swap>
-void writeBinary(const ElementFields& element, OutputFile& output)
+void putBinaryRows(const ElementFields& element, std::size_t begin, std::size_t end,
+                   TextBuffer& out)
 {
     BinaryBlocks<Swap> blocks(element);
-    forEachBlock(element.count, [&](std::size_t row, std::size_t count) {
-        output.write(blocks.make(row, count));
-    });
+    forEachFewRows(begin, end,
+                   [&](std::size_t row, std::size_t count) { blocks.append(row, count, out); });
 }
 
-void writeText(const ElementFields& element, OutputFile& output)
+void putTextRows(const ElementFields& element, std::size_t begin, std::size_t end, TextBuffer& out)
 {
-    TextWriter out(output);
-    for (std::size_t row = 0; row < element.count; ++row)
-        writeTextRow(element, row, out);
-    out.flush();
+    for (std::size_t row = begin; row < end; ++row)
+        putTextRow(element, row, out);
 }
 
 }  // namespace
 
-void writeRows(const ElementFields& element, Encoding encoding, OutputFile& output)
+RowSection rowsOf(const ElementFields& element, Encoding encoding)
 {
-    if (encoding == Encoding::Ascii)
-        writeText(element, output);
-    else if (needsSwap(encoding))
-        writeBinary<true>(element, output);
-    else
-        writeBinary<false>(element, output);
+    const auto put = encoding == Encoding::Ascii ? putTextRows
+                     : needsSwap(encoding)       ? putBinaryRows<true>
+                                                 : putBinaryRows<false>;
+    return {element.count, [&element, put](std::size_t begin, std::size_t end, TextBuffer& out) {
+                put(element, begin, end, out);
+            }};
 }
 
 }  // namespace TessaryMesh::Ply

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "files/RowSections.h"
 #include "files/ply/PlyFields.h"
-#include <TessaryMesh/Files.h>
 
 namespace TessaryMesh::Ply {
 
-/// Writes the rows of an element in the given encoding.
-void writeRows(const ElementFields& element, Encoding encoding, OutputFile& output);
+/// The rows of an element in the given encoding; the element must live on.
+RowSection rowsOf(const ElementFields& element, Encoding encoding);
 
 }  // namespace TessaryMesh::Ply

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Host.h"
+#include "files/Input.h"
 #include "files/ply/PlyFormat.h"
 #include <TessaryMesh/Errors.h>
 
@@ -10,10 +11,14 @@
 
 namespace TessaryMesh::Ply {
 
+/// Pieces of rows are copied on different threads.
+inline constexpr std::size_t kRowsPerPiece = std::size_t(1) << 14;
+
 /// The rows of one element, found in the body and known to lie inside it.
 struct Rows {
     const Element* element;
-    const unsigned char* first;
+    /// Where every kRowsPerPiece-th row begins, the first one included.
+    std::vector<const unsigned char*> pieces;
     /// Per property: where the list of each row begins among the entries of all rows, and the end;
     /// nothing for scalars.
     std::vector<Array<uint>> offsets;
@@ -41,8 +46,8 @@ private:
                            FileError::Code code = FileError::Code::Malformed) const;
     [[noreturn]] void failList(const Element& element, std::uint64_t row, const List& list) const;
     void requireBytes(const Element& element, std::size_t rowSize);
-    void walkLists(const Element& element, const std::vector<List>& lists,
-                   std::size_t scalarsAfter);
+    void walkLists(const Element& element, const std::vector<List>& lists, std::size_t scalarsAfter,
+                   std::vector<const unsigned char*>& pieces);
     bool skip(std::size_t bytes);
     bool skipList(const List& list, std::uint64_t row);
 
@@ -61,12 +66,13 @@ struct Sink {
     std::size_t stride = 0;
 };
 
-/// Copies the values of the rows, `sinks` having an entry per property.
+/// Copies the values of the rows, `sinks` having an entry per property, on all threads.
 void copyRows(const Rows& rows, const std::vector<Sink>& sinks);
 
-/// An ASCII body in the binary form of this machine; `bytesLeft` becomes what follows the rows.
-/// Throws FileError with the line.
-Array<unsigned char> binaryOfText(const Header& header, std::string_view body,
-                                  const std::string& path, std::size_t& bytesLeft);
+/// The body of an ASCII file in the binary form of this machine; `bytesLeft` becomes what follows the
+/// rows. Reads blocks of lines on all threads, whose size changes nothing. Throws FileError with the
+/// first line that is wrong.
+Array<unsigned char> binaryOfText(const Header& header, const Input& input, const std::string& path,
+                                  std::size_t blockSize, std::size_t& bytesLeft);
 
 }  // namespace TessaryMesh::Ply

@@ -49,8 +49,7 @@ std::vector<std::string> writePly(const Object& mesh, Encoding encoding, OutputF
 {
     MeshFields fields = fieldsOfMesh(mesh);
     output.write(headerText(fields, encoding));
-    writeRows(fields.points, encoding, output);
-    writeRows(fields.faces, encoding, output);
+    writeSections({rowsOf(fields.points, encoding), rowsOf(fields.faces, encoding)}, output);
     return std::move(fields.warnings);
 }
 
