@@ -8,13 +8,13 @@
 #include <cmath>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 namespace TessaryMesh {
 namespace {
 
 using Element = Problem::Element;
 
-constexpr std::size_t kBlock = 1024;
 constexpr uint kPairwiseFaceSize = 8;  // up to here comparing each with each is the quickest
 
 struct Topology {
@@ -73,12 +73,14 @@ void checkOffsets(const Topology& mesh, ValidationReport& report)
     else if (offset[0] != 0)
         wrong.add(Element::Face, 0,
                   [&] { return "face 0, which starts at corner " + str(offset[0]) + ", not 0"; });
-    for (std::size_t face = 0; face < mesh.faceCount(); ++face)
-        if (offset[face + 1] < offset[face])
-            wrong.add(Element::Face, face, [&] {
-                return "face " + str(face) + ", which starts at corner " + str(offset[face]) +
-                       " and ends at " + str(offset[face + 1]);
-            });
+    findInBlocks(mesh.faceCount(), wrong, [&](std::size_t begin, std::size_t end, Finding& found) {
+        for (std::size_t face = begin; face < end; ++face)
+            if (offset[face + 1] < offset[face])
+                found.add(Element::Face, face, [&] {
+                    return "face " + str(face) + ", which starts at corner " + str(offset[face]) +
+                           " and ends at " + str(offset[face + 1]);
+                });
+    });
     if (!offset.empty() && offset[offset.size() - 1] != mesh.faceVertex->size())
         wrong.add([&] {
             return "the end of the last face, which is " + str(offset[offset.size() - 1]) +
@@ -92,11 +94,14 @@ void checkFaceSizes(const Topology& mesh, ValidationReport& report)
     Finding small = error("small-face", "faces of fewer than three corners",
                           "remove them or give them three corners");
     const Array<uint>& offset = *mesh.faceOffset;
-    for (std::size_t face = 0; face < mesh.faceCount(); ++face)
-        if (offset[face + 1] >= offset[face] && offset[face + 1] - offset[face] < 3)
-            small.add(Element::Face, face, [&] {
-                return "face " + str(face) + ", which has " + str(offset[face + 1] - offset[face]);
-            });
+    findInBlocks(mesh.faceCount(), small, [&](std::size_t begin, std::size_t end, Finding& found) {
+        for (std::size_t face = begin; face < end; ++face)
+            if (offset[face + 1] >= offset[face] && offset[face + 1] - offset[face] < 3)
+                found.add(Element::Face, face, [&] {
+                    return "face " + str(face) + ", which has " +
+                           str(offset[face + 1] - offset[face]);
+                });
+    });
     small.addTo(report);
 }
 
@@ -152,29 +157,28 @@ void checkPoints(const Array<float3>& points, ValidationReport& report)
 {
     Finding wrong = error("point-not-finite", "points that are not finite",
                           "give every point three finite coordinates");
-    for (std::size_t block = 0; block < points.size(); block += kBlock) {
-        const std::size_t end = std::min(block + kBlock, points.size());
-        if (areFinite(points.data() + block, end - block))
-            continue;
-        for (std::size_t point = block; point < end; ++point)
+    findInBlocks(points.size(), wrong, [&](std::size_t begin, std::size_t end, Finding& found) {
+        if (areFinite(points.data() + begin, end - begin))
+            return;
+        for (std::size_t point = begin; point < end; ++point)
             if (const float3& p = points[point]; !isFinite(p))
-                wrong.add(Element::Point, point, [&] {
+                found.add(Element::Point, point, [&] {
                     return "point " + str(point) + " (" + std::to_string(p.x) + " " +
                            std::to_string(p.y) + " " + std::to_string(p.z) + ")";
                 });
-    }
+    });
     wrong.addTo(report);
 }
 
-/// Finds the corners that repeat a point of their face: small faces by comparing, large ones by
-/// marking their points.
+/// Finds the corners that repeat a point of their face: small faces by comparing, large ones by sorting
+/// their points.
 class RepeatedCorners {
 public:
-    explicit RepeatedCorners(const Topology& mesh) : m_mesh(mesh) {}
+    RepeatedCorners(const Topology& mesh, Finding& found) : m_mesh(mesh), m_found(found) {}
 
-    void check(ValidationReport& report)
+    void check(std::size_t begin, std::size_t end)
     {
-        for (std::size_t face = 0; face < m_mesh.faceCount(); ++face) {
+        for (std::size_t face = begin; face < end; ++face) {
             if (!m_mesh.hasFace(face))
                 continue;
             const uint first = (*m_mesh.faceOffset)[face];
@@ -182,9 +186,8 @@ public:
             if (last - first <= kPairwiseFaceSize)
                 compare(face, first, last);
             else
-                mark(face, first, last);
+                sort(face, first, last);
         }
-        m_repeated.addTo(report);
     }
 
 private:
@@ -211,34 +214,47 @@ private:
                 }
     }
 
-    void mark(std::size_t face, uint first, uint last)
+    void sort(std::size_t face, uint first, uint last)
     {
-        if (m_faceOfPoint.empty())
-            m_faceOfPoint.resize(m_mesh.points->size());
-        for (uint corner = first; corner < last; ++corner) {
-            const uint point = (*m_mesh.faceVertex)[corner];
-            if (point >= m_faceOfPoint.size())
-                continue;
-            if (m_faceOfPoint[point] == face + 1)
-                add(face, corner);
-            m_faceOfPoint[point] = static_cast<uint>(face + 1);
-        }
+        m_sorted.clear();
+        for (uint corner = first; corner < last; ++corner)
+            if (const uint point = (*m_mesh.faceVertex)[corner]; point < m_mesh.points->size())
+                m_sorted.emplace_back(point, corner);
+        std::sort(m_sorted.begin(), m_sorted.end());
+        m_repeated.clear();
+        for (std::size_t i = 1; i < m_sorted.size(); ++i)
+            if (m_sorted[i].first == m_sorted[i - 1].first)
+                m_repeated.push_back(m_sorted[i].second);
+        std::sort(m_repeated.begin(), m_repeated.end());
+        for (const uint corner : m_repeated)
+            add(face, corner);
     }
 
     void add(std::size_t face, uint corner)
     {
-        m_repeated.add(Problem::Element::Corner, corner, [&] {
+        m_found.add(Problem::Element::Corner, corner, [&] {
             return "corner " + str(corner) + " of face " + str(face) + ", which names point " +
                    str((*m_mesh.faceVertex)[corner]) + " again";
         });
     }
 
     const Topology& m_mesh;
-    Array<uint> m_faceOfPoint;  // the last large face that used a point, plus 1
-    Finding m_repeated{Problem::Severity::Warning, "repeated-corner",
-                       "corners that repeat a point of their face",
-                       "nothing, if flat or pinched triangles are welcome"};
+    Finding& m_found;
+    std::vector<std::pair<uint, uint>> m_sorted;  // point, corner
+    std::vector<uint> m_repeated;
 };
+
+void checkRepeatedCorners(const Topology& mesh, ValidationReport& report)
+{
+    Finding repeated(Problem::Severity::Warning, "repeated-corner",
+                     "corners that repeat a point of their face",
+                     "nothing, if flat or pinched triangles are welcome");
+    findInBlocks(mesh.faceCount(), repeated,
+                 [&mesh](std::size_t begin, std::size_t end, Finding& found) {
+                     RepeatedCorners(mesh, found).check(begin, end);
+                 });
+    repeated.addTo(report);
+}
 
 // The triangulation names its corners with 32 bits, and 0xFFFFFFFF stands for none.
 bool isTooLarge(const Topology& mesh, ValidationReport& report)
@@ -273,7 +289,7 @@ ValidationReport validateMesh(const Object& mesh)
         checkCorners(topology, report);
         checkPoints(*topology.points, report);
         checkProperties(mesh, report);
-        RepeatedCorners(topology).check(report);
+        checkRepeatedCorners(topology, report);
         return report;
     });
 }

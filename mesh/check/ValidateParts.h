@@ -1,11 +1,15 @@
 #pragma once
 
 #include "base/Host.h"
+#include "base/ParallelBlocks.h"
 #include <TessaryMesh/Check.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace TessaryMesh {
 
@@ -36,6 +40,24 @@ public:
         add(Problem::Element::None, 0, describe);
     }
 
+    /// The same kind without any found.
+    Finding none() const
+    {
+        Finding copy = *this;
+        copy.m_problem.count = 0;
+        copy.m_problem.places.clear();
+        return copy;
+    }
+
+    /// What was found further on.
+    void append(const Finding& later)
+    {
+        m_problem.count += later.m_problem.count;
+        for (const Problem::Place& place : later.m_problem.places)
+            if (m_problem.places.size() < kMostPlaces)
+                m_problem.places.push_back(place);
+    }
+
     const Problem& problem() const { return m_problem; }
 
     void addTo(ValidationReport& report)
@@ -53,6 +75,20 @@ private:
 inline Finding error(const char* code, const char* message, const char* advice)
 {
     return {Problem::Severity::Error, code, message, advice};
+}
+
+/// Adds what `scan(begin, end, part)` finds in the elements below `count`, in their order; blocks of them
+/// are looked through on all threads.
+template <class Scan>
+void findInBlocks(std::size_t count, Finding& finding, const Scan& scan)
+{
+    constexpr std::size_t kBlock = std::size_t{1} << 16;
+    std::vector<Finding> parts((count + kBlock - 1) / kBlock, finding.none());
+    forEachBlock(parts.size(), [&](std::size_t block) {
+        scan(block * kBlock, std::min((block + 1) * kBlock, count), parts[block]);
+    });
+    for (const Finding& part : parts)
+        finding.append(part);
 }
 
 /// How many indices name no value.

@@ -4,11 +4,12 @@
 #include "base/PropertyKinds.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace TessaryMesh {
 namespace {
 
-constexpr std::size_t kBlock = 1024;
+constexpr std::size_t kBlock = std::size_t{1} << 17;
 
 class PropertyChecks {
 public:
@@ -84,20 +85,18 @@ private:
 
 }  // namespace
 
-// Without branches, so that compilers can look at many entries at once.
 std::size_t countOutside(const Array<uint>& indices, std::size_t valueCount, bool noneIsAllowed)
 {
-    const std::size_t bound = std::min<std::size_t>(valueCount, kNone);
-    std::size_t outside = 0;
-    for (std::size_t block = 0; block < indices.size(); block += kBlock) {
-        const std::size_t end = std::min(block + kBlock, indices.size());
-        uint found = 0;
-        for (std::size_t i = block; i < end; ++i)
-            found +=
-                (indices[i] >= static_cast<uint>(bound)) & !(noneIsAllowed & (indices[i] == kNone));
-        outside += found;
-    }
-    return outside;
+    const auto bound = static_cast<uint>(std::min<std::size_t>(valueCount, kNone));
+    std::vector<std::size_t> outside((indices.size() + kBlock - 1) / kBlock);
+    forEachBlock(outside.size(), [&](std::size_t block) {
+        const std::size_t end = std::min((block + 1) * kBlock, indices.size());
+        uint found = 0;  // without branches, so that compilers can look at many entries at once
+        for (std::size_t i = block * kBlock; i < end; ++i)
+            found += (indices[i] >= bound) & !(noneIsAllowed & (indices[i] == kNone));
+        outside[block] = found;
+    });
+    return std::accumulate(outside.begin(), outside.end(), std::size_t{0});
 }
 
 void checkProperties(const Object& mesh, ValidationReport& report)
