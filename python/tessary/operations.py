@@ -2,109 +2,22 @@
 
 from __future__ import annotations
 
-import os
 from collections.abc import Iterator
-from typing import Any, NamedTuple, Optional, TypeVar, Union
+from typing import Any, Optional, Union
 
 import numpy as np
 
 from . import _convert, _tessary
 from ._convert import Array
-from ._errors import ArgumentError, ArrayError, FileError
-from .geometry import NONE, Geometry, Mesh, Names, Parents, Progress, QuadMesh, Samples
+from ._errors import ArgumentError
+from .files import Format, formats, read
+from .geometry import Geometry, Mesh, Names, Parents, Progress, QuadMesh, Samples
 from .report import Report, make_report
-
-_G = TypeVar("_G", bound=Geometry)
+from .results import Adjacency, Dual, Edges, Sphere, Voxels, made
 
 __all__ = ["Adjacency", "Dual", "Edges", "Format", "Sphere", "Voxels", "adjacency", "bounding_sphere", "demo_mesh",
            "dual", "edges", "formats", "info", "interpolate_to_cut_mesh", "overlap", "quads", "read", "sample",
            "triangulate", "validate", "voxels"]
-
-
-class Sphere(NamedTuple):
-    """`center` (3,) float32 and `radius`, in the units of the points."""
-
-    center: Array
-    radius: float
-
-
-class Adjacency(NamedTuple):
-    """The fan triangles of a mesh and what lies beside them; all uint32, and `tessary.NONE` for none.
-
-    Corner k of triangle t is 3 t + k, and its edge runs to the next corner of t.
-    """
-
-    #: (triangles, 3) points
-    face_vertex: Array
-    #: (edges, 2) corners: the smaller one, then the opposite one, or none on a boundary
-    tri_edges: Array
-    #: (triangles, 3) triangles: what lies across the edge of each corner
-    face_vertex_adjacent_tri: Array
-    #: (points + 1,) where the corners of each point begin in dual_face_vertex
-    dual_face_offset: Array
-    #: (corners,) the corners of each point
-    dual_face_vertex: Array
-    #: (triangles,) the face of each triangle
-    face: Array
-
-
-class Edges(NamedTuple):
-    """The edges of fan triangles."""
-
-    #: (edges, 2) corners: the smaller one, then the opposite one, or `tessary.NONE` on a boundary
-    corners: Array
-    #: (triangles, 3) points
-    face_vertex: Array
-
-    @property
-    def points(self) -> Array:
-        """(edges, 2) points, from the first corner of each edge to the one that follows it."""
-        first = self.corners[:, 0]
-        following = np.where(first % 3 == 2, first - 2, first + 1)
-        flat = self.face_vertex.reshape(-1)
-        return np.stack([flat[first], flat[following]], axis=1)
-
-    @property
-    def is_boundary(self) -> Array:
-        """(edges,) bool: whether one triangle alone has the edge."""
-        return np.equal(self.corners[:, 1], NONE)
-
-
-class Dual(NamedTuple):
-    """The corners of each point: those of point p are corners[offsets[p]:offsets[p + 1]], in ascending order."""
-
-    offsets: Array
-    corners: Array
-
-    def of(self, point: int) -> Array:
-        point = range(len(self.offsets) - 1)[point]
-        return self.corners[self.offsets[point]:self.offsets[point + 1]]
-
-
-class Voxels(NamedTuple):
-    """Cells of a grid that begins at the origin: (cells, 3) int32 in ascending order, and the length of their edges."""
-
-    cells: Array
-    cell_size: float
-
-    def mesh(self, *, threads: Optional[int] = None) -> Mesh:
-        """A closed cube of six quads for each cell. Raises ArgumentError where 32-bit indices do not suffice."""
-        return _made(Mesh, _tessary.cubes(self.cells, self.cell_size, _convert.threads(threads)))
-
-
-class Format(NamedTuple):
-    name: str
-    title: str
-    ending: str
-    reads_meshes: bool
-    writes_meshes: bool
-    writes_clouds: bool
-
-
-def _made(kind: type[_G], data: _tessary.Geometry, parents: Parents = Parents(), warnings: Any = ()) -> _G:
-    made = object.__new__(kind)
-    Geometry.__init__(made, data, parents, tuple(warnings))
-    return made
 
 
 def _carry(mesh: Mesh, properties: Names) -> Optional[list[str]]:
@@ -127,58 +40,6 @@ def _mesh(value: Any, argument: str = "mesh") -> Mesh:
     return value
 
 
-def formats() -> tuple[Format, ...]:
-    """The formats of files, and what can be read and written in each.
-
-    >>> import tessary as ts
-    >>> [format.ending for format in ts.formats() if format.reads_meshes and format.ending][:2]
-    ['.obj', '.ply']
-    """
-    return tuple(Format(*facts) for facts in _tessary.formats())
-
-
-def read(source: Any, *, check: bool = True, threads: Optional[int] = None,
-         progress: Optional[Progress] = None) -> Mesh:
-    """Reads a mesh file with every polygon and attribute.
-
-    Parameters
-    ----------
-    source : str or os.PathLike, bytes, or a binary file
-        A path ("-" is standard input), or the content of a file. The format is recognised by the content.
-    check : bool
-        Whether a mesh with errors is refused; otherwise it can be looked at with `validate()`.
-    threads, progress
-        As for `triangulate`.
-
-    Returns a Mesh, whose `warnings` tell what the file has and the mesh has not. Raises FileError, InvalidMesh,
-    OutOfMemory.
-
-    >>> import tessary as ts
-    >>> ts.read(b"v 0 0 0\\nv 1 0 0\\nv 1 1 0\\nf 1 2 3\\n")
-    <Mesh 1 face (3 corners), 3 points>
-    """
-    if hasattr(source, "read"):
-        source = source.read()
-    if isinstance(source, (bytes, bytearray, memoryview)):
-        return _read_content(source, check, threads, progress)
-    data, _, warnings = _tessary.read(os.fsencode(source), check, _convert.threads(threads), progress)
-    return _made(Mesh, data, warnings=warnings)
-
-
-def _read_content(content: Any, check: bool, threads: Optional[int], progress: Optional[Progress]) -> Mesh:
-    import tempfile
-    with tempfile.TemporaryDirectory() as folder:
-        path = os.path.join(folder, "content")
-        with open(path, "wb") as file:
-            file.write(content)
-        try:
-            return read(path, check=check, threads=threads, progress=progress)
-        except FileError as error:
-            error.args = (str(error).replace(path, "content"),)
-            error.file = "content"
-            raise
-
-
 def demo_mesh(resolution: int = 64) -> Mesh:
     """A closed mesh that shows everything a mesh can carry: a lumpy torus with faces of 3 to 8 corners.
 
@@ -188,7 +49,7 @@ def demo_mesh(resolution: int = 64) -> Mesh:
     >>> ts.demo_mesh(8)
     <Mesh 225 faces (3 to 8 corners), 256 points; color, material, face_id, texcoord (indexed), normal (indexed)>
     """
-    return _made(Mesh, _tessary.demo_mesh(_convert.integer(resolution, "resolution", 0, 2**32 - 1)))
+    return made(Mesh, _tessary.demo_mesh(_convert.integer(resolution, "resolution", 0, 2**32 - 1)))
 
 
 def validate(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Report:
@@ -245,7 +106,7 @@ def triangulate(mesh: Mesh, *, properties: Names = "all", threads: Optional[int]
     """
     data, parents, warnings = _tessary.triangulate(_mesh(mesh)._data, _carry(mesh, properties),
                                                    _convert.threads(threads), progress)
-    return _made(Mesh, data, Parents(*parents), warnings)
+    return made(Mesh, data, Parents(*parents), warnings)
 
 
 def quads(mesh: Mesh, *, crease_angle: Optional[float] = None, crease_property: str = "",
@@ -287,9 +148,9 @@ def quads(mesh: Mesh, *, crease_angle: Optional[float] = None, crease_property: 
             _convert.threads(threads), progress)
     except ArgumentError as error:
         raise _with_declaration(error, mesh, crease_property) from None
-    made = _made(QuadMesh, data, Parents(*parents), warnings)
-    made.edge_count, made.creased_edges, made.split_edges = figures
-    return made
+    result = made(QuadMesh, data, Parents(*parents), warnings)
+    result.edge_count, result.creased_edges, result.split_edges = figures
+    return result
 
 
 def _with_declaration(error: ArgumentError, mesh: Mesh, name: str) -> ArgumentError:
@@ -337,11 +198,11 @@ def sample(mesh: Mesh, *, distance: Union[float, str, None] = None, count: Optio
     data, parents, warnings, *figures = _tessary.sample(
         _mesh(mesh)._data, length, is_share, _count(count), _convert.integer(seed, "seed", 0, 2**32 - 1),
         _carry(mesh, properties), _convert.threads(threads), progress)
-    made = _made(Samples, data, Parents(*parents), warnings)
-    made.distance, made.area, made.rounding_share = figures
-    made.seed = seed
-    made.warnings += tuple(_doubts(made, count))
-    return made
+    result = made(Samples, data, Parents(*parents), warnings)
+    result.distance, result.area, result.rounding_share = figures
+    result.seed = seed
+    result.warnings += tuple(_doubts(result, count))
+    return result
 
 
 def _doubts(samples: Samples, count: Optional[int]) -> Iterator[str]:
@@ -509,4 +370,4 @@ def interpolate_to_cut_mesh(source: Mesh, triangle_weights: Any, edge_weights: A
         _convert.reals(edge_weights, "edge_weights", ()), _convert.indices(cut_point_ids, "cut_point_ids"),
         _convert.indices(cut_point_origins, "cut_point_origins"), _mesh(target, "target")._data,
         _convert.threads(threads), progress)
-    return _made(Mesh, data)
+    return made(Mesh, data)

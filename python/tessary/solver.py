@@ -64,8 +64,8 @@ class Multicollider:
     def solve(self, *, progress: Optional[Progress] = None) -> bool:
         """Solves for `displacements`, and returns whether the sweeps converged; if not, all are the fallback.
 
-        Starts from `free_displacements` and the pushes of the last solve. Raises ArrayError where arrays that were set do
-        not fit together. A solve that is interrupted changes nothing.
+        Starts from `free_displacements` and the pushes of the last solve. Raises ArrayError where arrays that were set
+        do not fit together. A solve that is interrupted changes nothing.
         """
         return self._solver.solve(progress)
 

@@ -9,7 +9,7 @@ mkdir -p "$commands"
 sed -E 's/-Winvalid-pch -include [^ "]+//' "$1/compile_commands.json" >"$commands/compile_commands.json"
 
 # The program's sources take longest.
-for folder in cli src embedded mesh; do
+for folder in cli python src embedded mesh; do
     sed -nE "s|^ *\"file\": \"($PWD/$folder/.*\\.cpp)\",?\$|\\1|p" "$commands/compile_commands.json"
 done | awk '!seen[$0]++' |
     xargs -n 1 -P "$(nproc)" clang-tidy --quiet --warnings-as-errors='*' -p "$commands"
