@@ -50,7 +50,7 @@ def test_notebooks(path, monkeypatch):
     monkeypatch.setenv("MPLBACKEND", "module://matplotlib_inline.backend_inline")
     notebook = nbformat.read(path, as_version=4)
     stored = json.loads(path.read_text())
-    nbconvert.ExecutePreprocessor(timeout=120, kernel_name="python3").preprocess(notebook, {"metadata": {"path": "."}})
+    nbconvert.ExecutePreprocessor(timeout=600, kernel_name="python3").preprocess(notebook, {"metadata": {"path": "."}})
     assert outputs(notebook) == outputs(stored)
     assert ["image/png", "text/plain"] in outputs(stored)
 
