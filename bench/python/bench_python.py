@@ -117,7 +117,8 @@ def rows(resolution, folder):
     yield "triangles beside triangles", lambda: ts.arrays.adjacency(faces, len(points)), [
         ("NumPy (closed meshes only)", lambda: numpy_adjacency(faces))]
     yield "2,000 samples by distance", lambda: triangles.sample(count=2000, seed=1), [
-        ("Open3D", theirs and (lambda: theirs.sample_points_poisson_disk(2000, init_factor=5)))]
+        ("Open3D (exactly as many; ours within 2 %)",
+         theirs and (lambda: theirs.sample_points_poisson_disk(2000, init_factor=5)))]
     yield "smallest sphere of the points", lambda: ts.bounding_sphere(points), [
         ("NumPy (around the mean: larger)",
          lambda: np.sqrt(((points - points.mean(axis=0)) ** 2).sum(axis=1).max()))]
