@@ -7,7 +7,9 @@
 #include <tbb/task_arena.h>
 #include <tbb/task_group.h>
 
+#include <atomic>
 #include <stdexcept>
+#include <thread>
 
 namespace Tessary {
 namespace {
@@ -24,11 +26,49 @@ float serialTreeSum(const float* values, uint begin, uint end)
     return serialTreeSum(values, begin, middle) + serialTreeSum(values, middle, end);
 }
 
-void throwIfCancelled(LoopContext context)
+[[noreturn]] void throwCancelled()
 {
-    if (context == LoopContext::Bound &&
-        (Pelon::isJobCancelled() || tbb::is_current_task_group_canceling()))
-        throw std::runtime_error(KOR::exceptionMessage.c_str());
+    throw std::runtime_error(KOR::exceptionMessage.c_str());
+}
+
+// Whether the job of the thread that made it is cancelled. A job belongs to a thread: the loop's own asks
+// the host, once per piece, and the others look at what it found.
+class CancelledJob {
+public:
+    bool isSeen()
+    {
+        if (!m_isSeen.load(std::memory_order_relaxed) && std::this_thread::get_id() == m_thread &&
+            Pelon::isJobCancelled())
+            m_isSeen.store(true, std::memory_order_relaxed);
+        return m_isSeen.load(std::memory_order_relaxed);
+    }
+
+private:
+    const std::thread::id m_thread = std::this_thread::get_id();
+    std::atomic<bool> m_isSeen{false};
+};
+
+void isolatedLoop(const tbb::blocked_range<uint>& range, LoopBody body)
+{
+    tbb::task_group_context group(tbb::task_group_context::isolated);
+    tbb::parallel_for(
+        range, [&body](const tbb::blocked_range<uint>& piece) { body(piece.begin(), piece.end()); },
+        tbb::auto_partitioner(), group);
+}
+
+void boundLoop(const tbb::blocked_range<uint>& range, LoopBody body)
+{
+    tbb::task_group_context group(tbb::task_group_context::bound);
+    CancelledJob job;
+    tbb::parallel_for(
+        range,
+        [&body, &job](const tbb::blocked_range<uint>& piece) {
+            if (!job.isSeen())
+                body(piece.begin(), piece.end());
+        },
+        tbb::auto_partitioner(), group);
+    if (job.isSeen() || group.is_group_execution_cancelled())
+        throwCancelled();
 }
 
 }  // namespace
@@ -43,17 +83,16 @@ void parallelLoop(uint begin, uint end, uint grain, LoopContext context, LoopBod
     }
     if (end - begin <= few) {
         body(begin, end);
-        throwIfCancelled(context);
+        if (context == LoopContext::Bound &&
+            (Pelon::isJobCancelled() || tbb::is_current_task_group_canceling()))
+            throwCancelled();
         return;
     }
-    tbb::task_group_context group(context == LoopContext::Isolated
-                                      ? tbb::task_group_context::isolated
-                                      : tbb::task_group_context::bound);
-    tbb::parallel_for(
-        tbb::blocked_range<uint>(begin, end, grain),
-        [&body](const tbb::blocked_range<uint>& range) { body(range.begin(), range.end()); },
-        tbb::auto_partitioner(), group);
-    throwIfCancelled(context);
+    const tbb::blocked_range<uint> range(begin, end, grain);
+    if (context == LoopContext::Isolated)
+        isolatedLoop(range, body);
+    else
+        boundLoop(range, body);
 }
 
 uint loopConcurrency()

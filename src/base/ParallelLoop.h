@@ -10,7 +10,7 @@ namespace Tessary {
 /// How a loop stands to the caller's job.
 enum class LoopContext {
     Isolated,  ///< runs to its end, never polled
-    Bound,     ///< polled once it is over
+    Bound,     ///< ends early where the caller's job, or the task that it runs in, is cancelled
 };
 
 /// A loop body, `body(begin, end)`, referred to for the time of one call.
@@ -32,9 +32,10 @@ private:
 
 /// Runs `body` over pieces of [begin, end) that together cover it once.
 ///
-/// A range no longer than `grain` runs in one piece on the caller's thread and is never polled.
-/// After any other bound loop a cancelled job throws std::runtime_error with the host's text; what
-/// the body has written stays. The body is called through a pointer, once per piece, so that the
+/// A range no longer than `grain` runs in one piece on the caller's thread and is never polled. Any
+/// other bound loop begins no piece once the caller's job is seen to be cancelled or a scheduler's
+/// context around it is, and then throws std::runtime_error with the host's text; what the body has
+/// written stays. The body is called through a pointer, once per piece, so that the
 /// scheduler's code exists once and not once per body.
 ///
 /// A range of up to `few` indices runs in one piece on the caller's thread, too, and is polled like any.

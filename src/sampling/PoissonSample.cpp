@@ -1,11 +1,11 @@
 #include <Tessary/Sampling.h>
 
-#include "base/CountingSort.h"
 #include "base/Log.h"
 #include "base/ParallelLoop.h"
 #include "base/PropertyAccess.h"
 #include "properties/OutputProperty.h"
 #include "sampling/SurfaceSampler.h"
+#include "sampling/TriangleGroups.h"
 
 namespace Tessary {
 namespace {
@@ -16,33 +16,13 @@ struct Samples {
     MutablePtr<Array<uint>> faceIds;
     MutablePtr<Array<uint>> offsetOfFace;  // one more than faces
 
-    Samples(uint count, uint faceCount)
-        : weights(makeMutable<Array<float>>(std::size_t{3} * count)),
+    Samples(std::size_t count, MutablePtr<Array<uint>> offsets)
+        : weights(makeMutable<Array<float>>(3 * count)),
           positions(makeMutable<Array<float3>>(count)),
           faceIds(makeMutable<Array<uint>>(count)),
-          offsetOfFace(makeMutable<Array<uint>>(std::size_t{faceCount} + 1))
+          offsetOfFace(std::move(offsets))
     {}
 };
-
-// The candidates in the order of the result, by triangle and within one as drawn: a counting sort whose
-// counters become the offsets.
-//
-//   faceIds of kept    2 0 2 0        order     1 3 0 2 (places in kept)
-//   counted, scanned   0 2 2 4        scattered: 2 2 4 4, each face's end
-//   moved up by one    0 2 2 4        face f has [offsets[f], offsets[f + 1])
-Array<uint> groupByFace(const Array<uint>& kept, const Array<uint>& faceIds, Array<uint>& offsets)
-{
-    for (const uint k : kept)
-        ++offsets[faceIds[k]];
-    exclusiveScan(offsets.data(), offsets.size());
-    Array<uint> order(kept.size());
-    for (const uint k : kept)
-        order[offsets[faceIds[k]]++] = k;
-    for (std::size_t f = offsets.size(); f-- > 1;)
-        offsets[f] = offsets[f - 1];
-    offsets[0] = 0;
-    return order;
-}
 
 Samples sample(const TriangleMesh& mesh, float distance, uint seed)
 {
@@ -52,10 +32,11 @@ Samples sample(const TriangleMesh& mesh, float distance, uint seed)
     SurfaceSampler sampler(mesh, weights, positions, faceIds);
     sampler.draw(distance, seed);
     sampler.eliminate(distance);
-    const Array<uint> kept = sampler.survivors();
+    const TriangleGroups groups =
+        groupByTriangle(faceIds, sampler.isRejected(), mesh.triangleCount);
 
-    Samples samples(static_cast<uint>(kept.size()), mesh.triangleCount);
-    const Array<uint> order = groupByFace(kept, faceIds, *samples.offsetOfFace);
+    const Array<uint>& order = groups.order;
+    Samples samples(order.size(), groups.offsets);
     parallelForEach(static_cast<uint>(order.size()), LoopContext::Bound, [&](uint j) {
         const std::size_t k = order[j];
         for (uint corner = 0; corner < 3; ++corner)

@@ -114,18 +114,7 @@ void SurfaceSampler::drawCandidate(std::size_t i, uint counter, uint seed)
 void SurfaceSampler::eliminate(float distance)
 {
     if (distance > std::numeric_limits<float>::min())
-        m_rejected = Tessary::eliminate(m_positions, distance);
-}
-
-Array<uint> SurfaceSampler::survivors() const
-{
-    Array<uint> kept;
-    // Required: candidate 0, where it survives, is passed over and does not count.
-    const auto count = static_cast<uint>(m_positions.size());
-    for (uint k = 1; k < count; ++k)
-        if (m_rejected.empty() || !m_rejected[k])
-            kept.push_back(k);
-    return kept;
+        m_isRejected = Tessary::eliminate(m_positions, distance);
 }
 
 }  // namespace Tessary

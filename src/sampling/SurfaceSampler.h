@@ -32,8 +32,8 @@ public:
     /// Removes candidates such that no two that are left are within `distance`.
     void eliminate(float distance);
 
-    /// The candidates that make up the result, ascending.
-    Array<uint> survivors() const;
+    /// Whether each candidate is removed; empty where none was.
+    const Array<unsigned char>& isRejected() const { return m_isRejected; }
 
 private:
     void drawCandidate(std::size_t i, uint counter, uint seed);
@@ -44,7 +44,7 @@ private:
     Array<float>& m_weights;
     Array<float3>& m_positions;
     Array<uint>& m_faceIds;
-    Array<unsigned char> m_rejected;  // per candidate; empty where nothing was removed
+    Array<unsigned char> m_isRejected;
 };
 
 }  // namespace Tessary
