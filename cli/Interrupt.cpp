@@ -1,19 +1,36 @@
 #include "Interrupt.h"
 
+#include "Console.h"
+#include "Session.h"
+
+#include <TessaryMesh/Files.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pthread.h>
+#include <unistd.h>
+#include <chrono>
 #include <csignal>
 #include <initializer_list>
+#include <system_error>
+#include <utility>
 
 namespace Cli {
 namespace {
 
+constexpr std::chrono::milliseconds kPatience{180};
+
 Pelon::Job s_job;
+int s_wake[2] = {-1, -1};  // closed when there is nothing left to watch
 
 void cancelJob(int)
 {
     s_job.cancel();
+    // NOLINTNEXTLINE(bugprone-unused-return-value): a full pipe has woken the thread before
+    [[maybe_unused]] const ssize_t written = write(s_wake[1], "", 1);
 }
 
-void watch(int signal)
+void handle(int signal)
 {
     struct sigaction action = {};
     if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
@@ -25,17 +42,73 @@ void watch(int signal)
     sigaction(signal, &action, nullptr);
 }
 
+// A thread that no signal interrupts: they belong to the main thread, whose waiting they have to end.
+template <class Work>
+std::thread threadWithoutSignals(const Work& work)
+{
+    sigset_t all, old;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &old);
+    std::thread thread;
+    try {
+        thread = std::thread(work);
+    } catch (const std::system_error&) {
+        // As many threads as may be: then the work ends itself, which may take longer.
+    }
+    pthread_sigmask(SIG_SETMASK, &old, nullptr);
+    return thread;
+}
+
 }  // namespace
 
 Interrupt::Interrupt() : m_scope(s_job)
 {
+    if (pipe2(s_wake, O_CLOEXEC | O_NONBLOCK) == 0)
+        m_thread = threadWithoutSignals([this] { watch(); });
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        watch(signal);
+        handle(signal);
+}
+
+Interrupt::~Interrupt()
+{
+    workIsOver();
+    close(std::exchange(s_wake[1], -1));
+    if (m_thread.joinable())
+        m_thread.join();
+    close(s_wake[0]);
 }
 
 bool Interrupt::isRequested() const
 {
     return s_job.isCancelled();
+}
+
+void Interrupt::setLine(std::string line)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_line = std::move(line);
+}
+
+void Interrupt::workIsOver()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_isOver = true;
+    m_over.notify_all();
+}
+
+void Interrupt::watch()
+{
+    pollfd wake = {s_wake[0], POLLIN, 0};
+    while (poll(&wake, 1, -1) < 0) {
+    }
+    if ((wake.revents & POLLIN) == 0)
+        return;
+    std::unique_lock<std::mutex> lock(m_mutex);
+    if (m_over.wait_for(lock, kPatience, [this] { return m_isOver; }))
+        return;
+    TessaryMesh::removeUnfinishedFiles();
+    writeAll(STDERR_FILENO, (isatty(STDERR_FILENO) ? "\r\033[K" : "") + m_line + "\n");
+    _exit(static_cast<int>(ExitCode::Interrupted));
 }
 
 }  // namespace Cli

@@ -44,9 +44,16 @@ void print(const std::string& text)
 
 }  // namespace
 
+void Session::setVerb(std::string verb)
+{
+    m_verb = std::move(verb);
+    m_interrupt.setLine(interruption());
+}
+
 void Session::setSubject(const std::string& path)
 {
     m_subject = path == "-" ? "standard input" : path;
+    m_interrupt.setLine(interruption());
 }
 
 void Session::beginStage(const std::string& what)
@@ -82,10 +89,13 @@ void Session::fail(const std::string& text)
 void Session::finish(Json facts, const std::string& text)
 {
     m_progress.show("");
-    if (!settings.json)
-        return print(text);
-    facts["warnings"] = m_warnings;
-    print(facts.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    if (settings.json) {
+        facts["warnings"] = m_warnings;
+        print(facts.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    } else {
+        print(text);
+    }
+    m_interrupt.workIsOver();
 }
 
 ExitCode Session::run(const std::function<ExitCode()>& verb)
@@ -116,12 +126,18 @@ void Session::say(const std::string& text)
         m_messageLost = true;
 }
 
+std::string Session::interruption() const
+{
+    return onOneLine(about(named("interrupted; no file is left half written")));
+}
+
 // Errors of files name their file themselves.
 ExitCode Session::failWith(ExitCode code, const std::string& text)
 {
     m_progress.show("");
+    m_interrupt.workIsOver();
     if (m_interrupt.isRequested()) {
-        fail(named("interrupted; no file is left half written"));
+        say(interruption());
         return ExitCode::Interrupted;
     }
     fail(text);

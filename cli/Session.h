@@ -44,7 +44,7 @@ public:
     Settings settings;
 
     /// `verb` is empty as long as it is not known.
-    void setVerb(std::string verb) { m_verb = std::move(verb); }
+    void setVerb(std::string verb);
     const std::string& verb() const { return m_verb; }
 
     /// The file that messages are about; "-" stands for standard input.
@@ -73,6 +73,7 @@ private:
     std::string named(const std::string& text) const;
     std::string about(const std::string& text) const;
     void say(const std::string& text);
+    std::string interruption() const;
     ExitCode failWith(ExitCode code, const std::string& text);
     ExitCode runGuarded(const std::function<ExitCode()>& verb);
 

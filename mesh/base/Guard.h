@@ -1,9 +1,11 @@
 #pragma once
 
+#include <KOR/ExceptionMessage.h>
 #include <TessaryMesh/Errors.h>
 
 #include <exception>
 #include <new>
+#include <string_view>
 
 namespace TessaryMesh {
 
@@ -19,7 +21,9 @@ auto guarded(const Work& work) -> decltype(work())
     } catch (const std::bad_alloc&) {
         throw OutOfMemory("", "needs more memory than there is (use a smaller mesh)");
     } catch (const std::exception& error) {
-        throwIfCancelled();  // a kernel that was cancelled throws the same text as the host
+        // A kernel whose job, or the scheduler's context around it, was cancelled throws the host's text.
+        if (error.what() == std::string_view(KOR::exceptionMessage.c_str()))
+            throw Cancelled();
         throw Error(error.what());
     }
 }

@@ -1,6 +1,7 @@
 #include <TessaryMesh/Files.h>
 
 #include "files/FileErrors.h"
+#include "files/UnfinishedFiles.h"
 
 #include <fcntl.h>
 #include <stdlib.h>
@@ -110,8 +111,12 @@ void OutputFile::openTemporary(unsigned permissions)
     for (int i = 0; i < kTemporaryNames; ++i) {
         std::string name =
             m_target + ".part-" + std::to_string(::getpid()) + "-" + std::to_string(i);
-        m_descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
-        if (m_descriptor >= 0) {
+        const auto create = [&] {
+            m_descriptor =
+                ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
+            return m_descriptor >= 0;
+        };
+        if (UnfinishedFiles::add(name, create)) {
             m_temporary = std::move(name);  // cannot fail, which would leave the file behind
             return;
         }
@@ -127,7 +132,10 @@ OutputFile::~OutputFile()
     if (m_descriptor >= 0 && m_path != "-")
         ::close(m_descriptor);
     if (!m_temporary.empty())
-        ::unlink(m_temporary.c_str());
+        UnfinishedFiles::remove(m_temporary, [this] {
+            ::unlink(m_temporary.c_str());
+            return true;
+        });
 }
 
 void OutputFile::write(const void* bytes, std::size_t count)
@@ -141,8 +149,11 @@ void OutputFile::commit()
     close();
     if (m_temporary.empty())
         return;
-    const bool linked = !m_overwrite && linkIntoPlace(m_temporary, m_target, m_path);
-    if (!linked && std::rename(m_temporary.c_str(), m_target.c_str()) != 0)
+    const auto moveIntoPlace = [this] {
+        return (!m_overwrite && linkIntoPlace(m_temporary, m_target, m_path)) ||
+               std::rename(m_temporary.c_str(), m_target.c_str()) == 0;
+    };
+    if (!UnfinishedFiles::remove(m_temporary, moveIntoPlace))
         failBySystem(m_path, "cannot be renamed into place", errno);
     m_temporary.clear();
 }

@@ -2,6 +2,7 @@
 
 #include "base/Guard.h"
 #include "base/Host.h"
+#include "base/ParallelLoop.h"
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_reduce.h>
@@ -49,14 +50,17 @@ public:
     // The smallest squared distance of all pairs that lie in one cell or in adjacent ones.
     double nearestSquared() const
     {
-        return tbb::parallel_reduce(
+        LoopStop stop;
+        const double nearest = tbb::parallel_reduce(
             tbb::blocked_range<std::size_t>(0, m_points.size(), 1024), kInfinity,
-            [this](const tbb::blocked_range<std::size_t>& range, double nearest) {
-                for (std::size_t i = range.begin(); i < range.end(); ++i)
-                    nearest = std::min(nearest, nearestBefore(i));
-                return nearest;
+            [&](const tbb::blocked_range<std::size_t>& range, double found) {
+                for (std::size_t i = range.begin(); i < range.end() && !stop.isSeen(); ++i)
+                    found = std::min(found, nearestBefore(i));
+                return found;
             },
             [](double a, double b) { return std::min(a, b); });
+        stop.throwIfSeen();
+        return nearest;
     }
 
 private:

@@ -1,9 +1,7 @@
 #include "ops/FanParents.h"
 
 #include "base/Host.h"
-
-#include <tbb/blocked_range.h>
-#include <tbb/parallel_for.h>
+#include "base/ParallelLoop.h"
 
 namespace TessaryMesh {
 namespace {
@@ -18,11 +16,10 @@ std::size_t triangleCount(const Array<uint>& faceOffset)
 template <class Visit>
 void forEachFan(const Array<uint>& faceOffset, const Visit& visit)
 {
-    const tbb::blocked_range<uint> faces(0, static_cast<uint>(faceOffset.size() - 1), 4096);
-    tbb::parallel_for(faces, [&](const tbb::blocked_range<uint>& range) {
-        for (uint face = range.begin(); face < range.end(); ++face) {
+    parallelLoop(faceOffset.size() - 1, 4096, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t face = begin; face < end; ++face) {
             const uint first = faceOffset[face];
-            visit(face, first, std::size_t{first} - 2 * std::size_t{face},
+            visit(static_cast<uint>(face), first, std::size_t{first} - 2 * face,
                   faceOffset[face + 1] - first - 2);
         }
     });

@@ -4,12 +4,12 @@
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "base/MessageText.h"
+#include "base/ParallelLoop.h"
 #include "base/Scalars.h"
 #include "base/Vectors.h"
 #include "ops/FanParents.h"
 #include "ops/PropertyPlan.h"
 
-#include <tbb/parallel_for.h>
 #include <algorithm>
 #include <atomic>
 #include <cmath>
@@ -26,8 +26,8 @@ template <class Body>
 void forEach(std::size_t count, const Body& body)
 {
     throwIfCancelled();
-    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, count, 1024), [&body](const auto& range) {
-        for (std::size_t i = range.begin(); i < range.end(); ++i)
+    parallelLoop(count, 1024, [&body](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; ++i)
             body(i);
     });
 }

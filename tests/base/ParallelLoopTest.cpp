@@ -4,6 +4,7 @@
 #include "support/Threads.h"
 
 #include <gtest/gtest.h>
+#include <tbb/task_group.h>
 
 #include <atomic>
 #include <stdexcept>
@@ -45,15 +46,31 @@ TEST(ParallelLoop, ARangeWithinItsGrainRunsInOnePieceOnTheCallerAndIsNeverPolled
     EXPECT_EQ(pieces.size(), 1u) << "an empty range has no piece";
 }
 
-TEST(ParallelLoop, OnlyABoundLoopReportsCancellationAndOnlyOnceItIsOver)
+TEST(ParallelLoop, OnlyABoundLoopEndsEarlyAndSaysSo)
 {
     std::atomic<uint> count{0};
     const auto countUp = [&count](uint begin, uint end) { count += end - begin; };
     const auto loop = [&](LoopContext context) { parallelLoop(0, 1000, 1, context, countUp); };
     EXPECT_NO_THROW(loop(LoopContext::Bound));
     EXPECT_FALSE(TestSupport::endsWhenCancelled([&] { loop(LoopContext::Isolated); }));
+    EXPECT_EQ(count, 2000u);
     EXPECT_TRUE(TestSupport::endsWhenCancelled([&] { loop(LoopContext::Bound); }));
-    EXPECT_EQ(count, 3000u);
+    EXPECT_LT(count, 3000u);
+}
+
+TEST(ParallelLoop, ABoundLoopInACancelledContextDoesNotPassForDone)
+{
+    const auto inCancelledContext = [](LoopContext context) {
+        std::atomic<uint> count{0};
+        tbb::task_group tasks;
+        tasks.run_and_wait([&] {
+            tasks.cancel();
+            parallelLoop(0, 1000, 1, context, [&](uint begin, uint end) { count += end - begin; });
+        });
+        return count.load();
+    };
+    EXPECT_THROW(inCancelledContext(LoopContext::Bound), std::runtime_error);
+    EXPECT_EQ(inCancelledContext(LoopContext::Isolated), 1000u);
 }
 
 TEST(ParallelLoop, AnExceptionOfTheBodyReachesTheCaller)

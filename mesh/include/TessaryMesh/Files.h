@@ -84,6 +84,11 @@ private:
     int m_descriptor = -1;
 };
 
+/// Removes the temporary files of all outputs, for a program that is about to end at once, as by _exit():
+/// whichever thread opens or commits an output after that waits for the end. Files that are complete
+/// stay. Safe from any thread, but not in a signal handler.
+TESSARY_MESH_API void removeUnfinishedFiles() noexcept;
+
 /// Writes the mesh, or a point cloud without face arrays, into `output`, which the caller commits.
 ///
 /// Returns a warning line for each thing that the format cannot hold. Throws InvalidMesh for a mesh
