@@ -6,12 +6,13 @@
 #include <unistd.h>
 #include <algorithm>
 #include <csignal>
+#include <utility>
 
 namespace Cli {
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{500};
-constexpr std::chrono::milliseconds kPeriod{250};
+constexpr std::chrono::milliseconds kPeriod{100};
 constexpr std::size_t kWidth = 79;  // a longer line would wrap and could not be erased
 
 std::string cutToWidth(std::string line)
@@ -38,8 +39,9 @@ Progress::~Progress()
     m_thread.join();
 }
 
-void Progress::start()
+void Progress::start(std::function<bool()> isStopping)
 {
+    m_isStopping = std::move(isStopping);
     // Signals belong to the main thread, whose waiting they have to end.
     sigset_t all, old;
     sigfillset(&all);
@@ -53,6 +55,7 @@ void Progress::show(std::string line)
     const std::lock_guard<std::mutex> lock(m_mutex);
     erase();
     m_line = std::move(line);
+    m_share = 0;
     m_since = Clock::now();
 }
 
@@ -68,7 +71,7 @@ void Progress::run()
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_stopped) {
         const Clock::duration elapsed = Clock::now() - m_since;
-        if (!m_line.empty() && elapsed > kPatience)
+        if (!m_line.empty() && (elapsed > kPatience || m_isStopping()))
             draw(elapsed);
         m_changed.wait_for(lock, kPeriod);
     }
@@ -77,8 +80,12 @@ void Progress::run()
 void Progress::draw(Clock::duration elapsed)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
-    const std::string time = seconds > 0 ? ", " + std::to_string(seconds) + " s" : " ...";
-    m_drawn = writeAll(STDERR_FILENO, "\r\033[K" + cutToWidth(m_line + time));
+    const auto percent = static_cast<int>(100 * m_share);
+    std::string state = percent > 0 ? ", " + std::to_string(percent) + " %" : "";
+    state += seconds > 0 ? ", " + std::to_string(seconds) + " s" : " ...";
+    if (m_isStopping())
+        state = ", stopping";
+    m_drawn = writeAll(STDERR_FILENO, "\r\033[K" + cutToWidth(m_line + state));
 }
 
 void Progress::erase()

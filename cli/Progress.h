@@ -1,24 +1,29 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
 
 namespace Cli {
 
-/// One line on a terminal that says what is being done and for how long, once that takes more than
-/// half a second. It is gone again when anything else is to be printed.
+/// One line on a terminal that says what is being done, how much of it and for how long, once that takes
+/// more than half a second. It is gone again when anything else is to be printed.
 class Progress {
 public:
     ~Progress();
 
-    /// Without a call of start() nothing is ever shown.
-    void start();
+    /// Without a call of start() nothing is ever shown. Where `isStopping` holds, the line says so.
+    void start(std::function<bool()> isStopping);
 
-    /// What goes on from now on; an empty text for nothing worth telling.
+    /// What goes on from now on, of which nothing is done yet; an empty text for nothing worth telling.
     void show(std::string line);
+
+    /// What part of it is done, 0 to 1, which any thread may raise; 0 shows none.
+    std::atomic<float>& share() { return m_share; }
 
     /// Clears the line and keeps it away while the returned lock is held.
     std::unique_lock<std::mutex> clear();
@@ -32,7 +37,9 @@ private:
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
+    std::function<bool()> m_isStopping;
     std::string m_line;
+    std::atomic<float> m_share{0};
     Clock::time_point m_since;
     bool m_drawn = false;
     bool m_stopped = false;

@@ -3,6 +3,7 @@
 #include "Advice.h"
 #include "Console.h"
 
+#include <Tessary/Progress.h>
 #include <TessaryMesh/Check.h>
 #include <TessaryMesh/Errors.h>
 #include <tbb/global_control.h>
@@ -104,7 +105,8 @@ ExitCode Session::run(const std::function<ExitCode()>& verb)
     if (settings.threads > 0)
         limit.emplace(tbb::global_control::max_allowed_parallelism, settings.threads);
     if (!settings.quiet && isInteractive())
-        m_progress.start();
+        m_progress.start([this] { return m_interrupt.isRequested(); });
+    const Tessary::ProgressScope progress(m_progress.share());
     const ExitCode code = runGuarded(verb);
     return code == ExitCode::Done && m_messageLost ? ExitCode::File : code;
 }

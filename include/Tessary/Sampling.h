@@ -182,7 +182,7 @@ extern template class TESSARY_API
 ///        number of candidates is taken modulo 2^32, and is 0 where the area or the area over the
 ///        distance's square overflows. At distances up to 1.1754944e-38 nothing is removed
 /// cost   O(triangles + candidates), parallel, at most 120 bytes per candidate; polls for
-///        cancellation after each phase
+///        cancellation in each phase, and tells its progress (see Progress.h)
 TESSARY_API void poissonSampleTriMesh(float min_distance, unsigned int seed,
                                       const Korvane::Object& mesh, Korvane::Object& out,
                                       const Pelon::RuntimeServices* services);

@@ -3,6 +3,7 @@
 #include <Tessary/CutMesh.h>
 #include <Tessary/HalfEdge.h>
 #include <Tessary/Primitives.h>
+#include <Tessary/Progress.h>
 #include <Tessary/Sampling.h>
 #include <Tessary/Scratch.h>
 #include <Tessary/Solver.h>

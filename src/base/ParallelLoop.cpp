@@ -1,5 +1,7 @@
 #include "base/ParallelLoop.h"
 
+#include "base/Progress.h"
+
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
 #include <tbb/parallel_reduce.h>
@@ -60,11 +62,14 @@ void boundLoop(const tbb::blocked_range<uint>& range, LoopBody body)
 {
     tbb::task_group_context group(tbb::task_group_context::bound);
     CancelledJob job;
+    LoopProgress progress(range.end() - range.begin());
     tbb::parallel_for(
         range,
-        [&body, &job](const tbb::blocked_range<uint>& piece) {
-            if (!job.isSeen())
-                body(piece.begin(), piece.end());
+        [&](const tbb::blocked_range<uint>& piece) {
+            if (job.isSeen())
+                return;
+            body(piece.begin(), piece.end());
+            progress.add(piece.end() - piece.begin());
         },
         tbb::auto_partitioner(), group);
     if (job.isSeen() || group.is_group_execution_cancelled())

@@ -2,6 +2,8 @@
 
 #include "base/ParallelLoop.h"
 #include "base/ParallelReduce.h"
+#include "base/Progress.h"
+#include "sampling/Phases.h"
 
 #include <algorithm>
 #include <cmath>
@@ -181,6 +183,7 @@ void CandidateGrid::scatterIntoSlabs()
     m_slabBegin.assign(sort.counters(0), sort.counters(0) + slabs);
     m_slabBegin.push_back(count);
     m_bySlab.resize(count);
+    beginPhase(kDrawn, kScattered);
     parallelForEachPiece(pieces, LoopContext::Bound, [&](uint piece) {
         uint* const cursors = sort.counters(piece);
         forEachInGrid(partOf(m_positions.size(), piece, pieces), [&](uint i, std::int32_t slot) {
@@ -201,6 +204,7 @@ void CandidateGrid::sortSlabs()
     // How many bins come before a slab is not known yet, but not more than candidates.
     Array<Key> keys(candidateCount());
     Array<uint> begins(candidateCount());
+    beginPhase(kScattered, kSorted);
     parallelLoop(0, slabs, 1, LoopContext::Bound, [&](uint firstSlab, uint endSlab) {
         SlabSorter sorter;
         for (uint slab = firstSlab; slab < endSlab; ++slab) {
@@ -280,6 +284,7 @@ void CandidateGrid::linkRow(uint slab, std::size_t other, uint row)
 void CandidateGrid::linkNeighbours()
 {
     m_neighbours.resize(binCount());
+    beginPhase(kSorted, kLinked);
     parallelForEachPiece(static_cast<uint>(m_slotOfSlab.size()), LoopContext::Bound,
                          [this](uint slab) {
                              for (uint row = 0; row < kRows; ++row) {

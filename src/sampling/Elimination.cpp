@@ -2,8 +2,10 @@
 
 #include "base/Assert.h"
 #include "base/ParallelLoop.h"
+#include "base/Progress.h"
 #include "sampling/CandidateGrid.h"
 #include "sampling/Neighbourhood.h"
+#include "sampling/Phases.h"
 
 #include <algorithm>
 #include <atomic>
@@ -145,6 +147,7 @@ Array<unsigned char> eliminate(const Array<float3>& positions, float distance,
     States states(grid.candidateCount());
     if (fixedPoints)
         removeAround(*fixedPoints, grid, states);
+    beginPhase(kLinked, kEliminated);
     parallelLoop(0, grid.binCount(), 1, LoopContext::Bound, [&](uint firstBin, uint endBin) {
         Decision decision(grid, states);
         for (uint bin = firstBin; bin < endBin; ++bin)

@@ -2,8 +2,10 @@
 
 #include "base/Log.h"
 #include "base/ParallelLoop.h"
+#include "base/Progress.h"
 #include "base/PropertyAccess.h"
 #include "properties/OutputProperty.h"
+#include "sampling/Phases.h"
 #include "sampling/SurfaceSampler.h"
 #include "sampling/TriangleGroups.h"
 
@@ -37,6 +39,7 @@ Samples sample(const TriangleMesh& mesh, float distance, uint seed)
 
     const Array<uint>& order = groups.order;
     Samples samples(order.size(), groups.offsets);
+    beginPhase(kEliminated, kGathered);
     parallelForEach(static_cast<uint>(order.size()), LoopContext::Bound, [&](uint j) {
         const std::size_t k = order[j];
         for (uint corner = 0; corner < 3; ++corner)

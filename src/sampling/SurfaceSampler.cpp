@@ -2,8 +2,10 @@
 
 #include "base/Assert.h"
 #include "base/ParallelLoop.h"
+#include "base/Progress.h"
 #include "sampling/CounterHash.h"
 #include "sampling/Elimination.h"
+#include "sampling/Phases.h"
 #include "sampling/TriangleArea.h"
 
 #include <algorithm>
@@ -75,6 +77,7 @@ void SurfaceSampler::draw(float distance, uint seed)
     m_weights.resize(3 * (base + count));
     m_positions.resize(base + count);
     m_faceIds.resize(base + count);
+    beginPhase(0, kDrawn);
     parallelForEach(
         count, LoopContext::Bound,
         [&](uint k) {

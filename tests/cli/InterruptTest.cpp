@@ -1,6 +1,7 @@
 #include "Program.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <chrono>
@@ -45,6 +46,26 @@ TEST(Interrupt, EndsLongWorkWithoutAHalfFile)
     EXPECT_FALSE(std::filesystem::exists(folder / "demo/demo_triangles.ply"));
     for (const auto& entry : std::filesystem::directory_iterator(folder / "demo"))
         EXPECT_EQ(entry.path().string().find(".part"), std::string::npos) << entry.path();
+}
+
+// A full pipe takes nothing, and whoever writes to it looks at nothing else.
+TEST(Interrupt, EndsTheWaitForAReaderOfTheOutput)
+{
+    const Folder folder, streams;
+    const std::string pipe = streams / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int held = open(pipe.c_str(), O_RDWR | O_NONBLOCK);
+    ASSERT_EQ(run({"demo", "--output", folder / "demo", "--resolution", "64"}).exitCode, 0);
+    Started program({"triangulate", folder / "demo/demo.ply", "-o", "-"}, streams,
+                    {"/dev/null", pipe, {}});
+    pollfd full = {held, POLLOUT, 0};
+    while (poll(&full, 1, 10) > 0) {
+    }
+    program.signal(SIGINT);
+    const Outcome outcome = program.finish();
+    close(held);
+    EXPECT_EQ(outcome.exitCode, 130);
+    EXPECT_TRUE(contains(outcome.err, "interrupted")) << outcome.err;
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
 #include "support/MeshBuilding.h"
 #include "support/Messages.h"
 
+#include <Tessary/Progress.h>
 #include <TessaryMesh/Operations.h>
 #include <mesh/ops/CountSearch.h>
 
+#include <atomic>
 #include <cmath>
+#include <thread>
 
 using namespace TestSupport;
 using TessaryMesh::SampledSurface;
@@ -144,6 +147,24 @@ TEST(SampledSurface, TheSearchForACountEndsAndStaysAboveTheLeastDistance)
     EXPECT_LE(tries(100, [](double d) { return d < 0.2 ? 150 : 50; }), 32);
     EXPECT_LE(tries(100, [](double) { return 5; }), 32);
     EXPECT_LE(tries(1000000, [](double d) { return 1 / (d * d) / 100; }), 10);
+}
+
+// To whoever looks, and of the calls of that thread alone.
+TEST(SampledSurface, TellsHowFarTheSamplingIs)
+{
+    const SampledSurface surface = SampledSurface(*pieces(2000));
+    const auto sample = [&] { surface.sample(0.05f, 1); };
+    std::atomic<float> share{0};
+    {
+        const Tessary::ProgressScope scope(share);
+        std::thread(sample).join();
+        EXPECT_EQ(share, 0.0f);
+        sample();
+        EXPECT_EQ(share, 1.0f);
+        Tessary::reportProgress(0.5f);
+    }
+    sample();
+    EXPECT_EQ(share, 0.5f);
 }
 
 }  // namespace
