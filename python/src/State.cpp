@@ -86,6 +86,11 @@ Any arrayOfState(const py::array& array, bool isElement)
             return true;
         }
     });
+    // Never without a word: a property would be lost.
+    if (value.empty())
+        throw py::value_error("an array of the pickled mesh, of type " +
+                              std::string(py::str(array.dtype())) +
+                              ", is none that a property holds, or is not aligned");
     return value;
 }
 
