@@ -56,11 +56,11 @@ TEST(Interrupt, EndsTheWaitForAReaderOfTheOutput)
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const int held = open(pipe.c_str(), O_RDWR | O_NONBLOCK);
     ASSERT_EQ(run({"demo", "--output", folder / "demo", "--resolution", "64"}).exitCode, 0);
-    Started program({"triangulate", folder / "demo/demo.ply", "-o", "-"}, streams,
-                    {"/dev/null", pipe, {}});
+    Started program({"triangulate", folder / "demo/demo.ply", "-o", "-", "--format", "ply"},
+                    streams, {"/dev/null", pipe, {}});
     pollfd full = {held, POLLOUT, 0};
-    while (poll(&full, 1, 10) > 0) {
-    }
+    for (int i = 0; i < 6000 && poll(&full, 1, 10) > 0; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
     program.signal(SIGINT);
     const Outcome outcome = program.finish();
     close(held);
