@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 
@@ -11,6 +12,15 @@ namespace TessaryMesh {
 /// Runs `body(block)` for every block below `count`, in any order. Throws Cancelled, or what a body
 /// threw; then the bodies of other blocks may have run or not.
 void forEachBlock(std::size_t count, const std::function<void(std::size_t block)>& body);
+
+/// Runs `body(begin, end)` for blocks of `size` that together are [0, count). Throws as forEachBlock() does.
+template <class Body>
+void forEachRange(std::size_t count, std::size_t size, const Body& body)
+{
+    forEachBlock((count + size - 1) / size, [&](std::size_t block) {
+        body(block * size, std::min((block + 1) * size, count));
+    });
+}
 
 /// How many blocks are between being made and being taken at a time.
 std::size_t blockSlots();

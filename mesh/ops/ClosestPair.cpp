@@ -2,10 +2,8 @@
 
 #include "base/Guard.h"
 #include "base/Host.h"
-#include "base/ParallelLoop.h"
+#include "base/ParallelBlocks.h"
 
-#include <tbb/blocked_range.h>
-#include <tbb/parallel_reduce.h>
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -50,17 +48,15 @@ public:
     // The smallest squared distance of all pairs that lie in one cell or in adjacent ones.
     double nearestSquared() const
     {
-        LoopStop stop;
-        const double nearest = tbb::parallel_reduce(
-            tbb::blocked_range<std::size_t>(0, m_points.size(), 1024), kInfinity,
-            [&](const tbb::blocked_range<std::size_t>& range, double found) {
-                for (std::size_t i = range.begin(); i < range.end() && !stop.isSeen(); ++i)
-                    found = std::min(found, nearestBefore(i));
-                return found;
-            },
-            [](double a, double b) { return std::min(a, b); });
-        stop.throwIfSeen();
-        return nearest;
+        constexpr std::size_t kPointsPerBlock = 256;
+        std::vector<double> nearest(m_points.size() / kPointsPerBlock + 1, kInfinity);
+        forEachRange(m_points.size(), kPointsPerBlock, [&](std::size_t begin, std::size_t end) {
+            double found = kInfinity;
+            for (std::size_t i = begin; i < end; ++i)
+                found = std::min(found, nearestBefore(i));
+            nearest[begin / kPointsPerBlock] = found;
+        });
+        return *std::min_element(nearest.begin(), nearest.end());
     }
 
 private:

@@ -1,7 +1,7 @@
 #include "ops/FanParents.h"
 
 #include "base/Host.h"
-#include "base/ParallelLoop.h"
+#include "base/ParallelBlocks.h"
 
 namespace TessaryMesh {
 namespace {
@@ -16,7 +16,7 @@ std::size_t triangleCount(const Array<uint>& faceOffset)
 template <class Visit>
 void forEachFan(const Array<uint>& faceOffset, const Visit& visit)
 {
-    parallelLoop(faceOffset.size() - 1, 4096, [&](std::size_t begin, std::size_t end) {
+    forEachRange(faceOffset.size() - 1, 4096, [&](std::size_t begin, std::size_t end) {
         for (std::size_t face = begin; face < end; ++face) {
             const uint first = faceOffset[face];
             visit(static_cast<uint>(face), first, std::size_t{first} - 2 * face,

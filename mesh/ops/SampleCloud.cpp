@@ -4,7 +4,7 @@
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "base/MessageText.h"
-#include "base/ParallelLoop.h"
+#include "base/ParallelBlocks.h"
 #include "base/Scalars.h"
 #include "base/Vectors.h"
 #include "ops/FanParents.h"
@@ -25,8 +25,7 @@ using Common::DataInterpolationMode;
 template <class Body>
 void forEach(std::size_t count, const Body& body)
 {
-    throwIfCancelled();
-    parallelLoop(count, 1024, [&body](std::size_t begin, std::size_t end) {
+    forEachRange(count, 1024, [&body](std::size_t begin, std::size_t end) {
         for (std::size_t i = begin; i < end; ++i)
             body(i);
     });

@@ -72,7 +72,7 @@ struct Result {
 
 /// Splits every face into the fan of triangles around its first corner.
 ///
-/// Points keep their order and are shared. Indexed properties stay indexed: their values are shared,
+/// Points keep their order. Indexed properties stay indexed: their values are shared,
 /// their index arrays follow the corners, and an index array that several properties use is carried
 /// once. Lists that belong to points are shared. A list or any other property on a component of its
 /// own has no rule by which it follows faces onto triangles; a warning says that it is left out.
