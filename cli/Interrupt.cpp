@@ -1,18 +1,17 @@
 #include "Interrupt.h"
 
 #include "Console.h"
+#include "QuietThread.h"
 #include "Session.h"
 
 #include <TessaryMesh/Files.h>
 
 #include <fcntl.h>
 #include <poll.h>
-#include <pthread.h>
 #include <unistd.h>
 #include <chrono>
 #include <csignal>
 #include <initializer_list>
-#include <system_error>
 #include <utility>
 
 namespace Cli {
@@ -42,29 +41,12 @@ void handle(int signal)
     sigaction(signal, &action, nullptr);
 }
 
-// A thread that no signal interrupts: they belong to the main thread, whose waiting they have to end.
-template <class Work>
-std::thread threadWithoutSignals(const Work& work)
-{
-    sigset_t all, old;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &old);
-    std::thread thread;
-    try {
-        thread = std::thread(work);
-    } catch (const std::system_error&) {
-        // As many threads as may be: then the work ends itself, which may take longer.
-    }
-    pthread_sigmask(SIG_SETMASK, &old, nullptr);
-    return thread;
-}
-
 }  // namespace
 
 Interrupt::Interrupt() : m_scope(s_job)
 {
     if (pipe2(s_wake, O_CLOEXEC | O_NONBLOCK) == 0)
-        m_thread = threadWithoutSignals([this] { watch(); });
+        m_thread = quietThread([this] { watch(); });
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         handle(signal);
 }

@@ -1,11 +1,10 @@
 #include "Progress.h"
 
 #include "Console.h"
+#include "QuietThread.h"
 
-#include <pthread.h>
 #include <unistd.h>
 #include <algorithm>
-#include <csignal>
 #include <utility>
 
 namespace Cli {
@@ -42,12 +41,7 @@ Progress::~Progress()
 void Progress::start(std::function<bool()> isStopping)
 {
     m_isStopping = std::move(isStopping);
-    // Signals belong to the main thread, whose waiting they have to end.
-    sigset_t all, old;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &old);
-    m_thread = std::thread([this] { run(); });
-    pthread_sigmask(SIG_SETMASK, &old, nullptr);
+    m_thread = quietThread([this] { run(); });
 }
 
 void Progress::show(std::string line)
