@@ -20,8 +20,9 @@ py::list validate(const Geometry& geometry, unsigned threads, const py::object& 
 {
     return problemsOf(compute({threads, progress}, effortOf(geometry),
                               [object = geometry.object()](Stage& stage) {
+                                  stage.next(30);
                                   auto report = TessaryMesh::validateMesh(*object);
-                                  stage.reached(30);
+                                  stage.next(100);
                                   if (!report.hasErrors())
                                       for (Problem& problem : TessaryMesh::edgeWarnings(*object))
                                           report.problems.push_back(std::move(problem));
@@ -52,10 +53,11 @@ py::dict info(const Geometry& geometry, unsigned threads, const py::object& prog
 {
     const auto facts = compute(
         {threads, progress}, effortOf(geometry), [geometry = Geometry(geometry)](Stage& stage) {
+            stage.next(20);
             geometry.requireValid();
-            stage.reached(20);
+            stage.next(90);
             MeshShape shape = TessaryMesh::shapeOf(*geometry.object());
-            stage.reached(90);
+            stage.next(100);
             return std::make_pair(std::move(shape), TessaryMesh::areaOf(*geometry.object()));
         });
     return toPython(facts.first, facts.second);

@@ -71,11 +71,12 @@ Geometry interpolate(const Geometry& source, const py::array& triangleWeights,
     const std::size_t effort = 10 * (source.cornerCount() + target.cornerCount());
     auto made = compute({threads, progress}, effort,
                         [cuts, from = Geometry(source), to = Geometry(target)](Stage& stage) {
+                            stage.next(20);
                             from.requireValid();
                             to.requireValid();
                             const auto fans = fansOf(*from.object());
                             requireFit(cuts, *fans, *to.object());
-                            stage.reached(20);
+                            stage.next(100);
                             auto result = Pelon::makeMutable<Object>(*to.object());
                             Tessary::interpolatePropertiesToCutMesh(
                                 *from.object(), *cuts.triangleWeights, *cuts.edgeWeights, *fans,

@@ -60,9 +60,10 @@ py::list write(const Geometry& geometry, const py::bytes& path, const std::strin
     const Format& chosen = formatFor(name, format);
     return toPython(compute({threads, progress}, kUnknownEffort,
                             [object = geometry.object(), name, &chosen, overwrite](Stage& stage) {
+                                stage.next(99);
                                 TessaryMesh::OutputFile output(name, overwrite);
                                 auto warnings = TessaryMesh::writeMesh(*object, chosen, output);
-                                stage.reached(99);
+                                stage.next(100);
                                 TessaryMesh::throwIfCancelled();
                                 output.commit();
                                 return warnings;

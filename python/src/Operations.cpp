@@ -139,9 +139,10 @@ Sampled sampleSurface(const Geometry& mesh, const Call& call, const SampledSurfa
 {
     const std::size_t effort = effortOf(mesh) + candidateEffort(surface.area(), distance, count);
     return compute(call, effort, [=, object = mesh.object()](Stage& stage) {
+        stage.next(80);
         const auto samples =
             count > 0 ? surface.sampleCount(count, seed) : surface.sample(toFloat(distance), seed);
-        stage.reached(80);
+        stage.next(100);
         return Sampled{TessaryMesh::makeSampleCloud(*object, samples, carry), samples.distance};
     });
 }

@@ -4,6 +4,9 @@
 #include "Threads.h"
 #include "Workers.h"
 
+#include <Tessary/Progress.h>
+
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
@@ -49,7 +52,8 @@ private:
 void work(Task& task)
 {
     withThreads(task.threads, [&task] {
-        const Pelon::JobScope scope(task.job);
+        const Pelon::JobScope job(task.job);
+        const Tessary::ProgressScope progress(task.stage.share());
         task.work();
     });
 }
@@ -63,8 +67,8 @@ public:
     {
         if (!m_call.progress || m_call.progress.is_none())
             return;
-        const int step = percent - m_percent;
-        m_percent = percent;
+        const int step = std::max(0, percent - m_percent);
+        m_percent += step;
         m_call.progress(step);
     }
 

@@ -29,14 +29,28 @@ struct Call {
     py::object progress;   ///< called with what was done since the last time, in percent; or None
 };
 
-/// How far work has come.
+/// How far work has come: it has phases, within which kernels tell their share where they can.
 class Stage {
 public:
-    void reached(int percent) noexcept { m_percent.store(percent, std::memory_order_relaxed); }
-    int percent() const noexcept { return m_percent.load(std::memory_order_relaxed); }
+    /// The phase that went on is done; what follows takes the work on to `percent`.
+    void next(int percent) noexcept
+    {
+        m_from = m_to.exchange(percent);
+        m_share = 0;
+    }
+
+    /// Any thread. May be a little off, and fall, in the moment in which a phase ends.
+    int percent() const noexcept
+    {
+        const int from = m_from, to = m_to;
+        return from + static_cast<int>(m_share * static_cast<float>(to - from));
+    }
+
+    std::atomic<float>& share() noexcept { return m_share; }
 
 private:
-    std::atomic<int> m_percent{0};
+    std::atomic<int> m_from{0}, m_to{0};
+    std::atomic<float> m_share{0};
 };
 
 /// Work on fewer elements is done on the calling thread: at 20 ns for each it takes 20 ms, after which

@@ -33,6 +33,12 @@ def test_progress_adds_up(large):
         assert sum(steps) == 100 and min(steps) >= 0
 
 
+def test_progress_moves_while_a_kernel_works(large):
+    steps = []
+    large.sample(distance="0.5%", progress=steps.append)
+    assert len([step for step in steps if step > 0]) > 3
+
+
 def test_what_progress_raises_ends_the_call(large):
     with pytest.raises(ZeroDivisionError):
         large.sample(distance="0.1%", progress=lambda percent: 1 / 0)
