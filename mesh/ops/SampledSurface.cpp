@@ -25,6 +25,7 @@ using namespace Korvane::Geometry;
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kCandidateBytes = 120;                      // the kernel's promise
+constexpr double kAlwaysFree = 1e7;                          // bytes; to ask the system takes 10 us
 constexpr double kMostCandidates = 4294967296 * (1 - 1e-4);  // its area is in single precision
 constexpr double kLeastSquarable = 2e-19;  // squares of less vanish in single precision
 constexpr double kMostCells = 2147483000;  // from the origin along an axis
@@ -55,6 +56,8 @@ std::string textAbove(double number)
 std::string lackOfMemory(double candidates)
 {
     const double bytes = candidates * kCandidateBytes;
+    if (bytes < kAlwaysFree)
+        return "";
     const auto memory = static_cast<double>(machineMemory());
     return bytes <= memory ? ""
                            : " needs about " + memoryText(bytes) + " of memory, and there are " +
