@@ -9,6 +9,13 @@ using Pelon::Array;
 using Pelon::String;
 using Pelon::StringView;
 
+namespace {
+
+// A data property has five, a mesh without attributes six.
+constexpr std::size_t kUsualEntries = 6;
+
+}  // namespace
+
 Object::~Object() = default;
 
 const Object::Entry* Object::find(StringView name) const
@@ -57,10 +64,13 @@ Array<String> Object::propertyNames() const
 
 void Object::storeProperty(String&& name, Any&& value)
 {
-    if (Entry* const entry = find(name))
+    if (Entry* const entry = find(name)) {
         entry->value = std::move(value);
-    else
-        m_entries.push_back({std::move(name), std::move(value)});
+        return;
+    }
+    if (m_entries.empty())
+        m_entries.reserve(kUsualEntries);
+    m_entries.push_back({std::move(name), std::move(value)});
 }
 
 Pelon::MutablePtr<Object> createObject()
