@@ -76,12 +76,18 @@ void EdgePlaces::add(const PolygonEdge& edge)
                           [&] { return sidesText(m_edges, edge); });
 }
 
+void EdgePlaces::append(const EdgePlaces& later)
+{
+    m_sameDirection.append(later.m_sameDirection);
+    m_nonManifold.append(later.m_nonManifold);
+}
+
 std::vector<Problem> edgeWarnings(const Object& mesh)
 {
     return guarded([&] {
         const PolygonEdges edges(mesh);
         EdgePlaces places(edges);
-        edges.forEach([&places](const PolygonEdge& edge) { places.add(edge); });
+        edges.gather(EdgePlaces(edges), places);
         std::vector<Problem> warnings;
         for (const Problem& problem :
              {places.sameDirection(), places.nonManifold(), findDiagonals(mesh).problem()})

@@ -18,6 +18,9 @@ public:
 
     void add(const PolygonEdge& edge);
 
+    /// What was found among later edges.
+    void append(const EdgePlaces& later);
+
     const Problem& sameDirection() const { return m_sameDirection.problem(); }
     const Problem& nonManifold() const { return m_nonManifold.problem(); }
 

@@ -18,6 +18,35 @@ PolygonEdges edgesOf(const Array<uint>& triFaceVertex, std::size_t pointCount)
             pointCount};
 }
 
+class SameDirections {
+public:
+    explicit SameDirections(std::size_t most) : m_most(most) {}
+
+    void add(const PolygonEdge& edge)
+    {
+        const EdgeSide* const side = edge.firstSameDirection();
+        if (!side || m_report.count++ >= m_most)
+            return;
+        const uint start = side->isDescending ? edge.larger : edge.smaller;
+        const uint end = side->isDescending ? edge.smaller : edge.larger;
+        m_report.first.push_back({start, end, side[0].corner, side[1].corner});
+    }
+
+    void append(const SameDirections& later)
+    {
+        m_report.count += later.m_report.count;
+        for (const SameDirection& edge : later.m_report.first)
+            if (m_report.first.size() < m_most)
+                m_report.first.push_back(edge);
+    }
+
+    const EdgeReport& report() const { return m_report; }
+
+private:
+    std::size_t m_most;
+    EdgeReport m_report;
+};
+
 std::string placeOf(const Array<uint>& faceOffset, const SameDirection& edge)
 {
     const auto faceOf = [&faceOffset](uint corner) {
@@ -32,16 +61,9 @@ std::string placeOf(const Array<uint>& faceOffset, const SameDirection& edge)
 EdgeReport findSameDirectionEdges(const Array<uint>& triFaceVertex, std::size_t pointCount,
                                   std::size_t most)
 {
-    EdgeReport report;
-    edgesOf(triFaceVertex, pointCount).forEach([&](const PolygonEdge& edge) {
-        const EdgeSide* const side = edge.firstSameDirection();
-        if (!side || report.count++ >= most)
-            return;
-        const uint start = side->isDescending ? edge.larger : edge.smaller;
-        const uint end = side->isDescending ? edge.smaller : edge.larger;
-        report.first.push_back({start, end, side[0].corner, side[1].corner});
-    });
-    return report;
+    SameDirections found(most);
+    edgesOf(triFaceVertex, pointCount).gather(found, found);
+    return found.report();
 }
 
 void rejectSameDirection(const Array<uint>& faceOffset, const EdgeReport& report)

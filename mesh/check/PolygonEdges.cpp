@@ -8,12 +8,15 @@ namespace {
 
 Array<uint> nextCorners(const Array<uint>& faceOffset)
 {
+    constexpr std::size_t kFaces = 1 << 16;
     Array<uint> next(faceOffset[faceOffset.size() - 1]);
-    for (std::size_t face = 1; face < faceOffset.size(); ++face) {
-        const uint first = faceOffset[face - 1], end = faceOffset[face];
-        for (uint corner = first; corner < end; ++corner)
-            next[corner] = corner + 1 < end ? corner + 1 : first;
-    }
+    forEachRange(faceOffset.size() - 1, kFaces, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t face = begin; face < end; ++face) {
+            const uint first = faceOffset[face], last = faceOffset[face + 1];
+            for (uint corner = first; corner < last; ++corner)
+                next[corner] = corner + 1 < last ? corner + 1 : first;
+        }
+    });
     return next;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Host.h"
+#include "base/ParallelBlocks.h"
 #include <TessaryMesh/Errors.h>
 
 #include <algorithm>
@@ -66,10 +67,36 @@ public:
     template <class Visit>
     void forEach(const Visit& visit) const
     {
+        for (std::size_t block = 0; block < blockCount(); ++block) {
+            throwIfCancelled();
+            forEachOf(block, visit);
+        }
+    }
+
+    /// The edges in that order, gathered on all threads: each block of them by `part.add(edge)` of a copy
+    /// of `none`, which `whole.append(part)` takes in their order.
+    template <class Part>
+    void gather(const Part& none, Part& whole) const
+    {
+        std::vector<Part> parts(blockCount(), none);
+        forEachBlock(parts.size(), [&](std::size_t block) {
+            forEachOf(block, [&part = parts[block]](const PolygonEdge& edge) { part.add(edge); });
+        });
+        for (const Part& part : parts)
+            whole.append(part);
+    }
+
+private:
+    static constexpr std::size_t kBlock = 1 << 15;  // points
+
+    std::size_t blockCount() const { return (pointCount() + kBlock - 1) / kBlock; }
+
+    template <class Visit>
+    void forEachOf(std::size_t block, const Visit& visit) const
+    {
         std::vector<EdgeSide> sides;
-        for (std::size_t point = 0; point < pointCount(); ++point) {
-            if (point % kPollEvery == 0)
-                throwIfCancelled();
+        const std::size_t pointEnd = std::min((block + 1) * kBlock, pointCount());
+        for (std::size_t point = block * kBlock; point < pointEnd; ++point) {
             sidesOf(static_cast<uint>(point), sides);
             const EdgeSide* const end = sides.data() + sides.size();
             for (const EdgeSide* side = sides.data(); side != end;) {
@@ -80,9 +107,6 @@ public:
             }
         }
     }
-
-private:
-    static constexpr std::size_t kPollEvery = 1 << 16;  // points
 
     void sidesOf(uint larger, std::vector<EdgeSide>& sides) const;
 
