@@ -170,6 +170,39 @@ void checkPoints(const Array<float3>& points, ValidationReport& report)
     wrong.addTo(report);
 }
 
+// Every pair is compared whatever comes out: of faces of all sizes a processor guesses badly where a
+// loop would end.
+template <uint Count>
+bool areDistinct(const uint* corner)
+{
+    bool same = false;
+    for (uint i = 1; i < Count; ++i)
+        for (uint k = 0; k < i; ++k)
+            same |= corner[k] == corner[i];
+    return !same;
+}
+
+// False for sizes other than the usual ones, too.
+bool isDistinct(const uint* corner, uint count)
+{
+    switch (count) {
+        case 3:
+            return areDistinct<3>(corner);
+        case 4:
+            return areDistinct<4>(corner);
+        case 5:
+            return areDistinct<5>(corner);
+        case 6:
+            return areDistinct<6>(corner);
+        case 7:
+            return areDistinct<7>(corner);
+        case 8:
+            return areDistinct<8>(corner);
+        default:
+            return false;
+    }
+}
+
 /// Finds the corners that repeat a point of their face: small faces by comparing, large ones by sorting
 /// their points.
 class RepeatedCorners {
@@ -191,20 +224,10 @@ public:
     }
 
 private:
-    // Most faces are triangles and quads without a repeated corner.
-    static bool isDistinct(const uint* corner, uint count)
-    {
-        const bool triangle =
-            (corner[0] != corner[1]) & (corner[1] != corner[2]) & (corner[2] != corner[0]);
-        return count == 3 ? triangle
-                          : count == 4 && (triangle & (corner[3] != corner[0]) &
-                                           (corner[3] != corner[1]) & (corner[3] != corner[2]));
-    }
-
     void compare(std::size_t face, uint first, uint last)
     {
         const uint* const corners = m_mesh.faceVertex->data();
-        if (last - first >= 3 && isDistinct(corners + first, last - first))
+        if (isDistinct(corners + first, last - first))
             return;
         for (uint corner = first + 1; corner < last; ++corner)
             for (uint earlier = first; earlier < corner; ++earlier)
