@@ -1,5 +1,6 @@
 #include "DemoKernels.h"
 #include "MeshFacts.h"
+#include "Numbers.h"
 #include "Options.h"
 #include "Verbs.h"
 
@@ -147,10 +148,9 @@ Run declareDemo(CLI::App& verb, Session& session)
         ->required();
     verb.add_option("--resolution", options->resolution,
                     "Segments along the shorter way round the demo mesh: 8 for hundreds of faces,\n"
-                    "512 for about a million, 2048 at most")
+                    "512 for about a million, 2048 at most; 64 without this option")
         ->type_name("N")
-        ->capture_default_str()
-        ->check(CLI::Range(kLeastResolution, kMostResolution).description(""));
+        ->check(wholeNumber(kLeastResolution, kMostResolution));
     verb.footer("Replaces demo files of an earlier run.\n\nExample:\n  tessary demo --output demo");
     return [options, &session] { return demo(*options, session); };
 }

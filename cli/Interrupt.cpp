@@ -1,8 +1,8 @@
 #include "Interrupt.h"
 
 #include "Console.h"
+#include "Program.h"
 #include "QuietThread.h"
-#include "Session.h"
 
 #include <TessaryMesh/Files.h>
 

@@ -35,16 +35,9 @@ Json polygonSizes(const Array<uint>& faceOffset)
     return sizes;
 }
 
-Json boundingBox(const Array<float3>& points)
+Json factsOf(const std::optional<BoundingBox>& box)
 {
-    if (points.empty())
-        return nullptr;
-    float3 low = points[0], high = points[0];
-    for (const float3& p : points) {
-        low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
-        high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
-    }
-    return {{"min", vectorOf(low)}, {"max", vectorOf(high)}};
+    return box ? Json({{"min", vectorOf(box->low)}, {"max", vectorOf(box->high)}}) : Json();
 }
 
 Json orNull(const std::string& text)
@@ -146,6 +139,19 @@ double briefly(float value)
     return std::strtod(text, nullptr);  // not every library has from_chars for double
 }
 
+std::optional<BoundingBox> boundingBoxOf(const Object& mesh)
+{
+    const auto points = dataArray<float3>(mesh, sPointPosition);
+    if (!points || points->empty())
+        return std::nullopt;
+    float3 low = (*points)[0], high = low;
+    for (const float3& p : *points) {
+        low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+    }
+    return BoundingBox{low, high};
+}
+
 Json vectorOf(const float3& v)
 {
     return {briefly(v.x), briefly(v.y), briefly(v.z)};
@@ -168,12 +174,11 @@ Json carriedNames(const Object& mesh)
 
 Json factsOf(const Object& mesh)
 {
-    const auto points = dataArray<float3>(mesh, sPointPosition);
     const auto faceOffset = dataArray<uint>(mesh, sFaceOffset);
     Json facts = countsOf(mesh);
     facts["polygon_sizes"] = faceOffset ? polygonSizes(*faceOffset) : Json::object();
     addShape(TessaryMesh::shapeOf(mesh), facts);
-    facts["bounding_box"] = points ? boundingBox(*points) : Json();
+    facts["bounding_box"] = factsOf(boundingBoxOf(mesh));
     facts["area"] = TessaryMesh::areaOf(mesh);
     facts["properties"] = propertiesOf(mesh);
     facts["values"] = ownValues(mesh);

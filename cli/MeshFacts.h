@@ -5,6 +5,7 @@
 #include <Korvane/Math.h>
 #include <Korvane/Object.h>
 
+#include <optional>
 #include <string>
 
 /// What can be said about a mesh, as JSON.
@@ -12,6 +13,13 @@ namespace Cli {
 
 /// The double that prints as briefly as the float does.
 double briefly(float value);
+
+struct BoundingBox {
+    Korvane::Math::float3 low, high;
+};
+
+/// None for a mesh without points.
+std::optional<BoundingBox> boundingBoxOf(const Korvane::Object& mesh);
 
 Json vectorOf(const Korvane::Math::float3& v);
 

@@ -1,5 +1,9 @@
 #include "Options.h"
 
+#include "Help.h"
+#include "Numbers.h"
+#include "Words.h"
+
 #include <TessaryMesh/Operations.h>
 
 #include <CLI/CLI.hpp>
@@ -20,15 +24,6 @@ std::string upperCase(std::string text)
     for (char& c : text)
         c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
     return text;
-}
-
-// "a, b or c"
-std::string listOf(const std::vector<std::string>& words, const std::string& beforeLast)
-{
-    std::string list;
-    for (const std::string& word : words)
-        list += (list.empty() ? "" : &word == &words.back() ? beforeLast : ", ") + word;
-    return list;
 }
 
 std::vector<std::string> namesOf(const Formats& formats)
@@ -84,13 +79,16 @@ std::string readableFormats(const std::string& beforeLast)
     return listOf(words, beforeLast);
 }
 
-void addSettings(CLI::App& verb, Session::Settings& settings)
+void addSettings(CLI::App& verb, Settings& settings)
 {
-    verb.add_flag("--json", settings.json, "Report as one JSON document on standard output");
-    verb.add_flag("--quiet,-q", settings.quiet, "Say nothing on standard error but errors");
+    verb.add_flag("--json", settings.json, "Report as one JSON document on standard output")
+        ->group(kSettingsGroup);
+    verb.add_flag("--quiet,-q", settings.quiet, "Say nothing on standard error but errors")
+        ->group(kSettingsGroup);
     verb.add_option("--threads", settings.threads, "Use this many threads, 1 to 1024")
         ->type_name("N")
-        ->check(CLI::Range(1u, kMostThreads).description(""));
+        ->check(wholeNumber(1, kMostThreads))
+        ->group(kSettingsGroup);
 }
 
 Run declareReport(CLI::App& verb, Session& session,
@@ -113,7 +111,7 @@ void addFiles(CLI::App& verb, FileOptions& files, Formats formats)
     verb.add_option("--format", output.format,
                     listOf(names, " or ") + "; without it the ending of FILE decides")
         ->type_name("FORMAT")
-        ->check(CLI::IsMember(names).description(""));
+        ->check(oneOf(names));
     verb.add_flag("--force,-f", output.force, "Replace FILE if it exists");
 }
 

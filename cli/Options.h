@@ -36,7 +36,7 @@ struct FileOptions {
 };
 
 /// --json, --quiet and --threads, which every verb has.
-void addSettings(CLI::App& verb, Session::Settings& settings);
+void addSettings(CLI::App& verb, Settings& settings);
 
 /// Declares a verb that takes a mesh and writes no file; returns what runs it.
 Run declareReport(CLI::App& verb, Session& session,

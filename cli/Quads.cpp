@@ -1,5 +1,6 @@
 #include "Conversion.h"
 #include "MeshFacts.h"
+#include "Numbers.h"
 #include "Verbs.h"
 
 #include <TessaryMesh/Files.h>
@@ -89,18 +90,6 @@ void setInnerWeights(Options& options)
         options.quads.innerWeights[k] = static_cast<float>(options.innerWeights[k] / sum);
 }
 
-// The parser alone takes an empty word, as of an unset variable, for 0.
-CLI::Validator numberFrom(const std::string& range)
-{
-    const auto fault = [range](const std::string& word) {
-        double number = 0;
-        const bool isNumber = !word.empty() && CLI::detail::lexical_cast(word, number);
-        return isNumber ? std::string()
-                        : "expected a number from " + range + ", found \"" + word + "\"";
-    };
-    return CLI::Validator(fault, "");
-}
-
 void addCreases(CLI::App& verb, Options& options)
 {
     CLI::Option* const angle =
@@ -109,7 +98,7 @@ void addCreases(CLI::App& verb, Options& options)
                 [&options](double degrees) { options.quads.creaseAngle = degrees; },
                 "Crease the edges at which faces meet at more than this, 0 to 180")
             ->type_name("DEGREES")
-            ->check(numberFrom("0 to 180"));
+            ->check(realNumber(0, 180));
     verb.add_option("--crease-property", options.quads.creaseProperty,
                     "Crease by a bool, uchar or float for each corner: the edge that starts there")
         ->type_name("NAME")
@@ -117,7 +106,7 @@ void addCreases(CLI::App& verb, Options& options)
     verb.add_option("--gap", options.quads.gap,
                     "Open creased edges: this share of the edge, 0 to 1, lies between its points")
         ->type_name("SHARE")
-        ->check(numberFrom("0 to 1"));
+        ->transform(share(0, 1));
 }
 
 void addCuts(CLI::App& verb, Options& options)
@@ -125,7 +114,7 @@ void addCuts(CLI::App& verb, Options& options)
     verb.add_option("--edge-weight", options.quads.edgeWeight,
                     "Cut edges here: the share of their lower-numbered point, 0 to 1; 0.5 without")
         ->type_name("T")
-        ->check(numberFrom("0 to 1"));
+        ->transform(share(0, 1));
     verb.add_option("--inner-weights", options.innerWeights,
                     "Cut triangles here: the ratio of their corners' shares; 1,1,1 without")
         ->type_name("A,B,C")

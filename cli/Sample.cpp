@@ -1,10 +1,10 @@
 #include "Conversion.h"
 #include "MeshFacts.h"
+#include "Numbers.h"
 #include "Verbs.h"
 
 #include <TessaryMesh/Operations.h>
 
-#include <fast_float/fast_float.h>
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
@@ -26,45 +26,23 @@ using TessaryMesh::SurfaceSamples;
 
 struct Options : FileOptions {
     std::string properties = "all";
-    std::string distance;  // a number, or percent of the radius; empty for a count
+    std::string distance;  // as length() takes it; empty for a count
     std::uint64_t count = 0;
     std::uint32_t seed = 0;
 };
-
-struct Distance {
-    double number;
-    bool isPercent;
-};
-
-Distance parsedDistance(const std::string& text)
-{
-    const bool isPercent = !text.empty() && text.back() == '%';
-    const char* const end = text.data() + text.size() - (isPercent ? 1 : 0);
-    Distance distance{0, isPercent};
-    const char* const begin = text.data() + (text.size() > 1 && text[0] == '+' && text[1] != '-');
-    if (fast_float::from_chars(begin, end, distance.number).ptr != end ||
-        !(distance.number > 0 && std::isfinite(distance.number)))
-        throw UsageError("--distance takes a number above zero, or percent such as 2%; " + text +
-                         " is neither");
-    return distance;
-}
 
 void check(const Options& options)
 {
     if (options.distance.empty() == (options.count == 0))
         throw UsageError("say how dense the samples are to be: --distance D or --count N");
-    if (!options.distance.empty())
-        parsedDistance(options.distance);
 }
 
-SurfaceSamples samplesOf(const SampledSurface& surface, const Options& options)
+SurfaceSamples samplesOf(const SampledSurface& surface, const Korvane::Object& mesh,
+                         const Options& options)
 {
     if (options.distance.empty())
         return surface.sampleCount(options.count, options.seed);
-    const Distance distance = parsedDistance(options.distance);
-    const double length = distance.isPercent
-                              ? distance.number / 100 * double{surface.boundingRadius()}
-                              : distance.number;
+    const double length = lengthIn(mesh, options.distance, "--distance");
     if (length > 3e38 || static_cast<float>(length) == 0)
         throw UsageError(options.input + ": the distance " + options.distance +
                          " is outside what single precision holds (scale the mesh)");
@@ -132,7 +110,7 @@ ExitCode sample(const Options& options, Session& session)
     const SampledSurface surface =
         conversion.run("prepare", "measuring", [&] { return SampledSurface(mesh); });
     const SurfaceSamples samples =
-        conversion.run("sample", "sampling", [&] { return samplesOf(surface, options); });
+        conversion.run("sample", "sampling", [&] { return samplesOf(surface, mesh, options); });
     warnAbout(surface, samples, options, session);
     const TessaryMesh::Result result = conversion.run("properties", "carrying properties", [&] {
         return TessaryMesh::makeSampleCloud(mesh, samples, carry,
@@ -156,17 +134,21 @@ Run declareSample(CLI::App& verb, Session& session)
     const auto options = std::make_shared<Options>();
     addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesClouds));
     CLI::Option* const distance =
-        verb.add_option("--distance,-d", options->distance,
-                        "No two samples are closer than this; 2% is percent of the radius of the\n"
-                        "smallest sphere around the mesh")
-            ->type_name("D");
-    verb.add_option("--count,-n", options->count, "Find the distance for about this many samples")
+        verb.add_option(
+                "--distance,-d", options->distance,
+                "No two samples are closer than this: a length, or percent of the diagonal of the "
+                "mesh's bounding box, as in 2%")
+            ->type_name("D")
+            ->check(length());
+    verb.add_option("--count,-n", options->count,
+                    "Find the distance for about this many samples, 1 to 4000000000")
         ->type_name("N")
-        ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{4000000000}).description(""))
+        ->check(wholeNumber(1, 4000000000))
         ->excludes(distance);
     verb.add_option("--seed", options->seed,
                     "Draw other samples: 0 without this option, to 4294967295")
-        ->type_name("N");
+        ->type_name("N")
+        ->check(wholeNumber(0, 4294967295));
     addMaps(verb, *options, "sample");
     addProperties(verb, options->properties);
     verb.footer(kHelp);

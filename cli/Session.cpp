@@ -1,7 +1,7 @@
 #include "Session.h"
 
 #include "Advice.h"
-#include "Console.h"
+#include "Words.h"
 
 #include <Tessary/Progress.h>
 #include <TessaryMesh/Check.h>
@@ -9,65 +9,34 @@
 #include <tbb/global_control.h>
 #include <nlohmann/json.hpp>
 
-#include <unistd.h>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <new>
 #include <optional>
 
 namespace Cli {
-namespace {
-
-bool isInteractive()
-{
-    const char* const terminal = std::getenv("TERM");
-    return isatty(STDERR_FILENO) && terminal && std::strcmp(terminal, "dumb") != 0;
-}
-
-// Text from elsewhere, such as a name inside a file, must not break or fake a line.
-std::string onOneLine(std::string text)
-{
-    for (char& c : text)
-        if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
-            c = ' ';
-    return text;
-}
-
-void print(const std::string& text)
-{
-    using TessaryMesh::FileError;
-    if (!writeAll(STDOUT_FILENO, text))
-        throw FileError(
-            FileError::Code::Unwritable, "-",
-            std::string("standard output: ") + std::strerror(errno) + " (see where it leads)");
-}
-
-}  // namespace
 
 void Session::setVerb(std::string verb)
 {
     m_verb = std::move(verb);
-    m_interrupt.setLine(interruption());
+    m_program.interrupt.setLine(interruption());
 }
 
 void Session::setSubject(const std::string& path)
 {
     m_subject = path == "-" ? "standard input" : path;
-    m_interrupt.setLine(interruption());
+    m_program.interrupt.setLine(interruption());
 }
 
 void Session::beginStage(const std::string& what)
 {
     TessaryMesh::throwIfCancelled();
-    m_progress.show(onOneLine(about(named(what))));
+    m_program.progress.show(shown(about(named(what))));
 }
 
 void Session::warn(const std::string& text)
 {
-    m_warnings.push_back(onOneLine(text));
+    m_warnings.push_back(shown(text));
     if (!settings.quiet)
-        say(about(named("warning: " + text)));
+        m_program.say(about(named("warning: " + text)));
 }
 
 void Session::warn(const std::vector<std::string>& texts)
@@ -79,24 +48,24 @@ void Session::warn(const std::vector<std::string>& texts)
 void Session::note(const std::string& text)
 {
     if (!settings.quiet && !settings.json)
-        say(about(named(text)));
+        m_program.say(about(named(text)));
 }
 
 void Session::fail(const std::string& text)
 {
-    say(about(text));
+    m_program.say(about(text));
 }
 
 void Session::finish(Json facts, const std::string& text)
 {
-    m_progress.show("");
+    m_program.progress.show("");
     if (settings.json) {
         facts["warnings"] = m_warnings;
         print(facts.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
     } else {
         print(text);
     }
-    m_interrupt.workIsOver();
+    m_program.interrupt.workIsOver();
 }
 
 ExitCode Session::run(const std::function<ExitCode()>& verb)
@@ -104,11 +73,10 @@ ExitCode Session::run(const std::function<ExitCode()>& verb)
     std::optional<tbb::global_control> limit;
     if (settings.threads > 0)
         limit.emplace(tbb::global_control::max_allowed_parallelism, settings.threads);
-    if (!settings.quiet && isInteractive())
-        m_progress.start([this] { return m_interrupt.isRequested(); });
-    const Tessary::ProgressScope progress(m_progress.share());
+    m_program.showProgress();
+    const Tessary::ProgressScope progress(m_program.progress.share());
     const ExitCode code = runGuarded(verb);
-    return code == ExitCode::Done && m_messageLost ? ExitCode::File : code;
+    return code == ExitCode::Done && m_program.hasLostMessages() ? ExitCode::File : code;
 }
 
 std::string Session::named(const std::string& text) const
@@ -121,25 +89,18 @@ std::string Session::about(const std::string& text) const
     return (m_verb.empty() ? "tessary: " : "tessary " + m_verb + ": ") + text;
 }
 
-void Session::say(const std::string& text)
-{
-    const auto lock = m_progress.clear();
-    if (!writeAll(STDERR_FILENO, onOneLine(text) + "\n"))
-        m_messageLost = true;
-}
-
 std::string Session::interruption() const
 {
-    return onOneLine(about(named("interrupted; no file is left half written")));
+    return shown(about(named("interrupted; no file is left half written")));
 }
 
 // Errors of files name their file themselves.
 ExitCode Session::failWith(ExitCode code, const std::string& text)
 {
-    m_progress.show("");
-    m_interrupt.workIsOver();
-    if (m_interrupt.isRequested()) {
-        say(interruption());
+    m_program.progress.show("");
+    m_program.interrupt.workIsOver();
+    if (m_program.interrupt.isRequested()) {
+        m_program.say(interruption());
         return ExitCode::Interrupted;
     }
     fail(text);

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Interrupt.h"
-#include "Progress.h"
+#include "Program.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -12,15 +11,6 @@
 
 namespace Cli {
 
-enum class ExitCode {
-    Done = 0,
-    CheckFailed = 1,  ///< also whatever has no code of its own
-    Usage = 2,
-    File = 3,  ///< unreadable, unwritable, or more than the memory holds
-    InvalidMesh = 4,
-    Interrupted = 130,
-};
-
 /// A command line that cannot be carried out. what() says what to do instead.
 class UsageError : public std::runtime_error {
 public:
@@ -29,19 +19,16 @@ public:
 
 using Json = nlohmann::ordered_json;
 
-/// One run of one verb: its settings, what it says to people and to programs, and how it ends.
+/// One run of one verb: what it says to people and to programs, and how it ends.
 ///
 /// Every message is one line on standard error: `tessary info: roof.obj: warning: ...`. The verb's
 /// own product, a text or with --json one JSON document, goes to standard output.
 class Session {
 public:
-    struct Settings {
-        bool json = false;
-        bool quiet = false;
-        unsigned threads = 0;  ///< 0: as many as the machine has
-    };
+    explicit Session(Program& program) : settings(program.settings), m_program(program) {}
 
-    Settings settings;
+    Settings& settings;
+    Program& program() { return m_program; }
 
     /// `verb` is empty as long as it is not known.
     void setVerb(std::string verb);
@@ -72,17 +59,14 @@ public:
 private:
     std::string named(const std::string& text) const;
     std::string about(const std::string& text) const;
-    void say(const std::string& text);
     std::string interruption() const;
     ExitCode failWith(ExitCode code, const std::string& text);
     ExitCode runGuarded(const std::function<ExitCode()>& verb);
 
+    Program& m_program;
     std::string m_verb;
     std::string m_subject;
     std::vector<std::string> m_warnings;
-    bool m_messageLost = false;
-    Interrupt m_interrupt;
-    Progress m_progress;
 };
 
 }  // namespace Cli

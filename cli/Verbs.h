@@ -23,5 +23,6 @@ Run declareVoxels(CLI::App& verb, Session& session);
 Run declareAdjacency(CLI::App& verb, Session& session);
 Run declareSample(CLI::App& verb, Session& session);
 Run declareDemo(CLI::App& verb, Session& session);
+Run declareHelp(CLI::App& verb, Session& session);
 
 }  // namespace Cli

@@ -1,4 +1,5 @@
 #include "Conversion.h"
+#include "Numbers.h"
 #include "Verbs.h"
 
 #include <Korvane/Math.h>
@@ -23,7 +24,8 @@ Example:
 using Cells = Pelon::Array<TessaryMesh::Cell>;
 
 struct Options : FileOptions {
-    double cellSize = 0;
+    std::string cell;     // as length() takes it
+    double cellSize = 0;  // in the units of the mesh
 };
 
 Formats voxelFormats()
@@ -56,11 +58,18 @@ std::vector<std::string> write(const Cells& cells, const Options& options,
     return {};
 }
 
-ExitCode voxels(const Options& options, Session& session)
+void setCellSize(const Korvane::Object& mesh, Options& options)
 {
+    options.cellSize = lengthIn(mesh, options.cell, "--cell");
     if (!(options.cellSize >= 1e-30 && options.cellSize <= 1e30))
-        throw UsageError("the size of a cell is a number from 1e-30 to 1e30");
+        throw UsageError(options.input + ": --cell " + options.cell +
+                         ": the size of a cell is from 1e-30 to 1e30");
+}
+
+ExitCode voxels(Options options, Session& session)
+{
     Conversion conversion(options, session);
+    setCellSize(conversion.mesh(), options);
     const Cells cells = conversion.run("voxels", "finding cells", [&] {
         return TessaryMesh::touchedCells(conversion.mesh(), options.cellSize);
     });
@@ -78,8 +87,12 @@ Run declareVoxels(CLI::App& verb, Session& session)
 {
     const auto options = std::make_shared<Options>();
     addFiles(verb, *options, voxelFormats());
-    verb.add_option("--cell", options->cellSize, "Length of a cell's edges")
+    verb.add_option(
+            "--cell", options->cell,
+            "Length of a cell's edges, or percent of the diagonal of the mesh's bounding box, "
+            "as in 2%")
         ->type_name("H")
+        ->check(length())
         ->required();
     verb.footer(kHelp);
     return [options, &session] { return voxels(*options, session); };

@@ -1,4 +1,6 @@
+#include "Arguments.h"
 #include "Console.h"
+#include "Help.h"
 #include "Options.h"
 #include "Session.h"
 #include "Verbs.h"
@@ -30,6 +32,7 @@ constexpr Verb kVerbs[] = {
     {"adjacency", "Find the neighbours of triangles, as arrays", declareAdjacency},
     {"sample", "Scatter points over the surface of a mesh", declareSample},
     {"demo", "Run every kernel on a demo mesh and write the results", declareDemo},
+    {"help", "Explain a verb and its options", declareHelp},
 };
 
 constexpr const char* kExitCodes =
@@ -45,40 +48,21 @@ int printed(const std::string& text, Session& session)
     }));
 }
 
-std::string verbOf(const CLI::App& program)
-{
-    const auto parsed = program.get_subcommands();
-    return parsed.empty() ? "" : parsed.front()->get_name();
-}
-
-// The parser's own words for a missing or unknown verb do not name the verbs.
-std::string whatIsWrong(const CLI::App& program, const CLI::ParseError& error)
-{
-    if (!verbOf(program).empty())
-        return error.what();
-    std::string verbs;
-    for (const Verb& verb : kVerbs)
-        verbs += (verbs.empty() ? "" : ", ") + std::string(verb.name);
-    const auto rest = program.remaining();
-    const char* const kind = rest.empty() || rest.front()[0] != '-' ? "verb " : "option ";
-    return (rest.empty() ? "a verb is missing" : "there is no " + (kind + rest.front())) +
-           "; the verbs are " + verbs;
-}
-
 int wrongUsage(const CLI::App& program, const CLI::ParseError& error, Session& session)
 {
     const std::string verb = verbOf(program);
     session.setVerb(verb);
-    session.fail(whatIsWrong(program, error) + " (see tessary " + (verb.empty() ? "" : verb + " ") +
-                 "--help)");
+    session.fail(whatIsWrong(program, error.what()) + " (see tessary " +
+                 (verb.empty() ? "" : verb + " ") + "--help)");
     return static_cast<int>(ExitCode::Usage);
 }
 
 int parseAndRun(CLI::App& program, const std::map<std::string, Run>& runs, Session& session,
-                int argc, char** argv)
+                Words arguments)
 {
     try {
-        program.parse(argc, argv);
+        arguments = verbFirst(program, std::move(arguments));
+        program.parse(Words(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::CallForHelp&) {
         return printed(program.help(), session);
     } catch (const CLI::CallForVersion&) {
@@ -93,12 +77,15 @@ int parseAndRun(CLI::App& program, const std::map<std::string, Run>& runs, Sessi
 int runProgram(int argc, char** argv)
 {
     secureStandardStreams();
-    Session session;
+    Program settled;
+    Session session(settled);
     CLI::App program("Geometry kernels for mesh files (" + readableFormats(", ") + ").", "tessary");
     program.require_subcommand(1);
-    program.get_formatter()->label("SUBCOMMAND", "VERB");
-    program.get_formatter()->label("REQUIRED", "");
-    program.set_version_flag("--version", "tessary " TESSARY_VERSION);
+    program.formatter(helpFormatter());
+    program.get_formatter()->label("Positionals", "Arguments");
+    program.set_help_flag("--help,-h", "Show this help");
+    program.set_version_flag("--version", "tessary " TESSARY_VERSION,
+                             "Show the version and the build");
     program.footer(kExitCodes);
 
     std::map<std::string, Run> runs;
@@ -106,8 +93,10 @@ int runProgram(int argc, char** argv)
         CLI::App& declared = *program.add_subcommand(verb.name, verb.summary)->group("Verbs");
         runs[verb.name] = verb.declare(declared, session);
         addSettings(declared, session.settings);
+        declared.set_help_flag("--help,-h", "Show this help")->group(kSettingsGroup);
+        declared.set_version_flag("--version", "")->group("");
     }
-    return parseAndRun(program, runs, session, argc, argv);
+    return parseAndRun(program, runs, session, Words(argv + 1, argv + argc));
 }
 
 }  // namespace

@@ -58,14 +58,14 @@ TEST_F(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
         Names options;
         const char* part;
     } mistakes[] = {
-        {{"--crease-angle", "181"}, "outside 0 to 180"},
-        {{"--crease-angle", "nan"}, "outside 0 to 180"},
+        {{"--crease-angle", "181"}, "a number from 0 to 180"},
+        {{"--crease-angle", "nan"}, "a number from 0 to 180"},
         {{"--crease-angle", "steep"}, "from 0 to 180, found \"steep\""},
         {{"--crease-angle", ""}, "--crease-angle"},
         {{"--edge-weight", ""}, "--edge-weight"},
         {{"--gap", ""}, "--gap"},
-        {{"--gap", "2"}, "outside 0 to 1"},
-        {{"--edge-weight", "-0.1"}, "outside 0 to 1"},
+        {{"--gap", "2"}, "a number from 0 to 1"},
+        {{"--edge-weight", "-0.1"}, "a number from 0 to 1"},
         {{"--inner-weights", "1,1"}, "--inner-weights"},
         {{"--inner-weights", "1,-1,1"}, "not negative"},
         {{"--inner-weights", "0,0,0"}, "not all 0"},

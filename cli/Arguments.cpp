@@ -1,0 +1,143 @@
+#include "Arguments.h"
+
+#include "Words.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+namespace Cli {
+namespace {
+
+bool isOption(const std::string& argument)
+{
+    return argument.size() > 1 && argument[0] == '-';
+}
+
+// Options of one name take the same values with every verb; null for one that no verb has.
+const CLI::Option* findOption(const CLI::App& program, const std::string& name)
+{
+    if (const CLI::Option* const own = program.get_option_no_throw(name))
+        return own;
+    for (const CLI::App* const verb : program.get_subcommands({}))
+        if (const CLI::Option* const option = verb->get_option_no_throw(name))
+            return option;
+    return nullptr;
+}
+
+// The option in `argument` whose values follow as arguments of their own, null for none: "--name", or the
+// last one of short ones in a row, "-fo".
+const CLI::Option* openOption(const CLI::App& program, const std::string& argument)
+{
+    if (argument[1] == '-')
+        return findOption(program, argument);
+    for (std::size_t i = 1; i < argument.size(); ++i) {
+        const CLI::Option* const option = findOption(program, std::string("-") + argument[i]);
+        if (!option || option->get_items_expected_min() > 0)
+            return i + 1 == argument.size() ? option : nullptr;
+    }
+    return nullptr;
+}
+
+// How many of the arguments after the option at `i` are its values.
+std::size_t valuesAfter(const CLI::App& program, const Words& arguments, std::size_t i)
+{
+    const CLI::Option* const option = openOption(program, arguments[i]);
+    int missing = option ? option->get_items_expected_min() : 0;
+    std::size_t count = 0;
+    for (++i; missing > 0 && i < arguments.size(); ++i, ++count) {
+        const std::string& value = arguments[i];
+        const char delimiter = option->get_delimiter();
+        const auto more = std::count(value.begin(), value.end(), delimiter);
+        missing -= 1 + (delimiter == '\0' ? 0 : static_cast<int>(more));
+    }
+    return count;
+}
+
+Words verbsOf(const CLI::App& program)
+{
+    Words names;
+    for (const CLI::App* const verb : program.get_subcommands({}))
+        names.push_back(verb->get_name());
+    return names;
+}
+
+Words optionsOf(const CLI::App& app)
+{
+    Words names;
+    for (const CLI::Option* const option : app.get_options())
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    return names;
+}
+
+std::string meant(const std::string& word, const Words& words)
+{
+    const std::string guess = nearest(word, words);
+    return guess.empty() ? "" : "; did you mean " + guess + "?";
+}
+
+std::string verbsAre(const CLI::App& program)
+{
+    return "the verbs are " + listOf(verbsOf(program), " and ");
+}
+
+}  // namespace
+
+Words verbFirst(const CLI::App& program, Words arguments)
+{
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (isOption(arguments[i])) {
+            if (arguments[i] == "--version")
+                break;
+            i += valuesAfter(program, arguments, i);
+            continue;
+        }
+        if (findVerb(program, arguments[i]))
+            std::rotate(arguments.begin(), arguments.begin() + static_cast<std::ptrdiff_t>(i),
+                        arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+        break;
+    }
+    return arguments;
+}
+
+bool asksForJson(const Words& arguments)
+{
+    return std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+}
+
+std::string verbOf(const CLI::App& program)
+{
+    const auto parsed = program.get_subcommands();
+    return parsed.empty() ? "" : parsed.front()->get_name();
+}
+
+const CLI::App* findVerb(const CLI::App& program, const std::string& name)
+{
+    for (const CLI::App* const verb : program.get_subcommands({}))
+        if (verb->get_name() == name)
+            return verb;
+    return nullptr;
+}
+
+std::string noSuchVerb(const CLI::App& program, const std::string& name)
+{
+    const std::string guess = meant(name, verbsOf(program));
+    return "there is no verb " + name + (guess.empty() ? "; " + verbsAre(program) : guess);
+}
+
+std::string whatIsWrong(const CLI::App& program, const std::string& parsersWords)
+{
+    const bool hasVerb = !program.get_subcommands().empty();
+    const CLI::App& app = hasVerb ? *program.get_subcommands().front() : program;
+    const Words rest = app.remaining();
+    if (!rest.empty() && isOption(rest.front())) {
+        const std::string name = rest.front().substr(0, rest.front().find('='));
+        return "there is no option " + name + meant(name, optionsOf(app));
+    }
+    if (hasVerb)
+        return rest.empty() ? parsersWords : "there is nothing to do with " + rest.front();
+    return rest.empty() ? "a verb is missing; " + verbsAre(program)
+                        : noSuchVerb(program, rest.front());
+}
+
+}  // namespace Cli
