@@ -22,6 +22,7 @@ Run declareSphere(CLI::App& verb, Session& session);
 Run declareVoxels(CLI::App& verb, Session& session);
 Run declareAdjacency(CLI::App& verb, Session& session);
 Run declareSample(CLI::App& verb, Session& session);
+Run declareView(CLI::App& verb, Session& session);
 Run declareDemo(CLI::App& verb, Session& session);
 Run declareHelp(CLI::App& verb, Session& session);
 

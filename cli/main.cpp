@@ -31,6 +31,7 @@ constexpr Verb kVerbs[] = {
     {"voxels", "Find the cells of a grid that a mesh touches", declareVoxels},
     {"adjacency", "Find the neighbours of triangles, as arrays", declareAdjacency},
     {"sample", "Scatter points over the surface of a mesh", declareSample},
+    {"view", "Write a page that shows a mesh in a browser", declareView},
     {"demo", "Run every kernel on a demo mesh and write the results", declareDemo},
     {"help", "Explain a verb and its options", declareHelp},
 };

@@ -55,6 +55,26 @@ bool isUtf8(std::string_view text)
     return true;
 }
 
+std::vector<char32_t> charactersOf(std::string_view text)
+{
+    std::vector<char32_t> characters;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        if (i + length > text.size() || !isUtf8(text.substr(i, length))) {
+            characters.push_back(0xFFFD);
+            ++i;
+            continue;
+        }
+        char32_t character = length == 1 ? lead : lead & (0xFFu >> (length + 1));
+        for (std::size_t k = 1; k < length; ++k)
+            character = character << 6 | (static_cast<unsigned char>(text[i + k]) & 0x3F);
+        characters.push_back(character);
+        i += length;
+    }
+    return characters;
+}
+
 std::string quoted(std::string_view text)
 {
     std::string out = "\"";

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Text from elsewhere, and how messages show it.
 namespace TessaryMesh {
@@ -12,6 +13,9 @@ std::string outputName(const std::string& path);
 
 /// Whether `text` is well-formed UTF-8.
 bool isUtf8(std::string_view text);
+
+/// The characters of UTF-8; a byte that is none becomes U+FFFD, which stands for such.
+std::vector<char32_t> charactersOf(std::string_view text);
 
 /// `text` in quotation marks for a message: shortened, and with "?" for bytes that cannot be shown.
 std::string quoted(std::string_view text);
