@@ -2,7 +2,10 @@
 
 #include <Pelon/TypeRep.h>
 
-/// TESSARY_API marks what the library exports.
+/// @file
+/// What every header of the kernels stands on.
+
+/// Marks what the library exports.
 #if defined(_WIN32)
 #if defined(tessary_EXPORTS)
 #define TESSARY_API __declspec(dllexport)

@@ -16,6 +16,9 @@
 #include <cstdint>
 #include <utility>
 
+/// @file
+/// Points over a surface that keep their distance, and the grid that finds near ones.
+
 namespace Tessary {
 
 /// A point in a cell of a uniform grid whose cells are 1 wide, once the point is scaled.
@@ -32,6 +35,7 @@ struct LocalPosition {
 
 /// The hash of a cell, for PointBins::cellToBin.
 struct CellHash {
+    /// The same for equal cells.
     std::size_t operator()(const Korvane::Math::uint3& cell) const noexcept
     {
         constexpr std::uint64_t K = 0x9E3779B97F4A7C15;
@@ -52,12 +56,14 @@ private:
 ///
 /// To use it: fill `points`, call sortDedup(), and fill `cellToBin` if cells are to be looked up.
 struct PointBins {
+    /// Points, which any number of threads may add to.
     using Points =
         tbb::concurrent_vector<LocalPosition, tbb::cache_aligned_allocator<LocalPosition>>;
+    /// A bin for each cell.
     using CellToBin = tbb::concurrent_unordered_map<Korvane::Math::uint3, uint, CellHash>;
 
     void* userData = nullptr;  ///< for the caller
-    Points points;
+    Points points;             ///< to be filled by the caller
     Pelon::Array<uint>
         binOffsets;  ///< bin b has points[binOffsets[b]] up to points[binOffsets[b + 1]]
     Pelon::Array<Korvane::Math::uint3> binCells;  ///< the cell of each bin
@@ -65,45 +71,59 @@ struct PointBins {
 
     /// Sorts `points` by cell and lists the cells that occur.
     ///
-    /// in     points      at most 4294967295; cells compare as signed, x before y before z
-    /// out    points      by cell, then by id(); points of one cell with the same id in any order
-    /// out    binCells    every cell once, strictly ascending
-    /// out    binOffsets  one entry more than binCells, the last one the number of points; but no
-    ///                    entry at all where there are no bins
-    /// not    the cell of three times -2147483648: where it occurs, its points come first and
-    ///        belong to no bin, so binOffsets[0] is their number
-    /// cost   O(n log n) time, parallel; allocates nothing but the two lists; never polls for
-    ///        cancellation. Nobody else may use the bins meanwhile
+    /// @pre        `points` are at most 4294967295, and nobody else uses the bins meanwhile
+    /// @post       `points` come by cell, then by id(); points of one cell with the same id in any
+    ///             order. Cells compare as signed, x before y before z
+    /// @post       `binCells` has every cell once, strictly ascending
+    /// @post       `binOffsets` has one entry more than binCells, the last one the number of points;
+    ///             but no entry at all where there are no bins
+    /// @note       The cell of three times -2147483648 is none: where it occurs, its points come first
+    ///             and belong to no bin, so binOffsets[0] is their number
+    /// @complexity O(n log n) time, parallel; allocates nothing but the two lists; never polls for
+    ///             cancellation
     TESSARY_API void sortDedup();
 };
 
 /// Body of a parallel scan that lists each run of equal keys in a sequence once, in order.
 ///
-/// `KeyOf` maps an index to its key, three 32-bit words. `Emit` is called as emit(n, key, i) for the
-/// n-th run, which has this key and begins at index i; runs are emitted once each, concurrently. What
-/// precedes index 0 counts as the key of three times 0x80000000, so that a sequence which begins with
-/// that key opens no run. count() is the number of runs once the scan is over.
+/// What precedes index 0 counts as the key of three times 0x80000000, so that a sequence which begins
+/// with that key opens no run.
+///
+/// @tparam Key    three 32-bit words
+/// @tparam Index  of an element of the sequence
+/// @tparam KeyOf  maps an index to its key
+/// @tparam Emit   is called as emit(n, key, i) for the n-th run, which has this key and begins at index
+///                i; runs are emitted once each, concurrently
 template <class Key, class Index, class KeyOf, class Emit>
 class DedupBody {
 public:
-    using Range = tbb::blocked_range<Index>;
+    using Range = tbb::blocked_range<Index>;  ///< what tbb::parallel_scan() hands over
 
+    /// A body for a whole sequence.
     DedupBody(KeyOf keyOf, Emit emit) : m_keyOf(std::move(keyOf)), m_emit(std::move(emit)) {}
+    /// A body for a part of it.
     DedupBody(DedupBody& other, tbb::split) : m_keyOf(other.m_keyOf), m_emit(other.m_emit) {}
 
+    /// Counts the runs of a range.
     void operator()(const Range& range, tbb::pre_scan_tag)
     {
         visit(range, [](Index, const Key&, Index) {});
     }
+    /// Emits the runs of a range.
     void operator()(const Range& range, tbb::final_scan_tag) { visit(range, m_emit); }
 
+    /// Adds the runs before this body's range.
+    /// @param[in] left  the body of that range
     void reverse_join(DedupBody& left) { m_count += left.m_count; }
+    /// Takes over where another body is.
+    /// @param[in] other  the one that saw the end of the sequence
     void assign(DedupBody& other)
     {
         m_previous = other.m_previous;
         m_count = other.m_count;
     }
 
+    /// The number of runs once the scan is over.
     Index count() const { return m_count; }
 
 private:
@@ -130,20 +150,23 @@ private:
 
 /// The key of a sequence of points: the cell.
 struct CellOfPoint {
-    const PointBins::Points* points;
+    const PointBins::Points* points;  ///< the sequence
+    /// The cell of point i.
     const Korvane::Math::uint3& operator()(uint i) const { return (*points)[i].cell; }
 };
 
 /// Writes the key of each run.
 struct EmitCell {
-    Korvane::Math::uint3* cells;
+    Korvane::Math::uint3* cells;  ///< one for each run
+    /// Writes the key of run n.
     void operator()(uint n, const Korvane::Math::uint3& cell, uint) const { cells[n] = cell; }
 };
 
 /// Writes the key of each run, and where it begins.
 struct EmitCellAndOffset {
-    Korvane::Math::uint3* cells;
-    uint* offsets;
+    Korvane::Math::uint3* cells;  ///< one for each run
+    uint* offsets;                ///< one for each run
+    /// Writes the key of run n, and where it begins.
     void operator()(uint n, const Korvane::Math::uint3& cell, uint begin) const
     {
         cells[n] = cell;
@@ -163,26 +186,32 @@ extern template class TESSARY_API
 /// Distances are measured in cells of that width, so they hold up to rounding. Dart throwing: R. L.
 /// Cook, "Stochastic sampling in computer graphics", ACM Transactions on Graphics 5(1), 1986.
 ///
-/// in     min_distance  in the mesh's units
-/// in     seed          of every random decision: same mesh, distance and seed, same bits, on any
-///                      machine, for any number of threads
-/// in     mesh          a triangle mesh: point positions, corners, and a face component of as many
-///                      faces as there are triangles. Face offsets are not read, indices not checked
-/// out    out           becomes a point cloud of S samples, grouped by triangle, in the order of
-///                      drawing within one. It has the component "sample_component" of S elements with
-///                      the properties "weight" (3 S floats: the weights of the triangle's corners,
-///                      in order) and "face_id" (S triangle indices), and for the faces
-///                      "face_sample_offset" (one entry more than there are faces): the samples of
-///                      face f are those from entry f up to entry f + 1. Other properties stay
-/// fails  where the distance is not above zero, positions or corners are missing, or the corners are
-///        not three per face: one error to `services`, if not null, and `out` stays as it is. A mesh
-///        without points: the same without an error. A cancelled job throws std::runtime_error with
-///        the host's text, candidates that memory cannot hold std::bad_alloc; `out` stays as it is
-/// note   the candidate drawn first is always kept, removes others, and is then left out. The
-///        number of candidates is taken modulo 2^32, and is 0 where the area or the area over the
-///        distance's square overflows. At distances up to 1.1754944e-38 nothing is removed
-/// cost   O(triangles + candidates), parallel, at most 120 bytes per candidate; polls for
-///        cancellation in each phase, and tells its progress (see Progress.h)
+/// @param[in]  min_distance  in the mesh's units
+/// @param[in]  seed          of every random decision: same mesh, distance and seed, same bits, on any
+///                           machine, for any number of threads
+/// @param[in]  mesh          a triangle mesh: point positions, corners, and a face component of as
+///                           many faces as there are triangles. Face offsets are not read, indices
+///                           not checked
+/// @param[out] out           becomes a point cloud of S samples, grouped by triangle, in the order of
+///                           drawing within one. It has the component "sample_component" of S elements
+///                           with the properties "weight" (3 S floats: the weights of the triangle's
+///                           corners, in order) and "face_id" (S triangle indices), and for the faces
+///                           "face_sample_offset" (one entry more than there are faces): the samples
+///                           of face f are those from entry f up to entry f + 1. Other properties stay
+/// @param[in]  services      gets the errors; may be null
+/// @pre        out is not mesh; not checked
+/// @failure    where the distance is not above zero, positions or corners are missing, or the corners
+///             are not three per face: one error to `services`, and `out` stays as it is. A mesh
+///             without points: the same without an error
+/// @failure    one point of a triangle that is NaN or infinite, or an area that overflows, leaves no
+///             candidates: `out` becomes a point cloud without samples, and nothing is reported
+/// @throws std::runtime_error  with the host's text when the job is cancelled; `out` stays as it is
+/// @throws std::bad_alloc      for candidates that memory cannot hold; `out` stays as it is
+/// @note       The candidate drawn first is always kept, removes others, and is then left out. The
+///             number of candidates is taken modulo 2^32, and is 0 where the area or the area over the
+///             distance's square overflows. At distances up to 1.1754944e-38 nothing is removed
+/// @complexity O(triangles + candidates), parallel, at most 120 bytes per candidate; polls for
+///             cancellation in each phase, and tells its progress (see Progress.h)
 TESSARY_API void poissonSampleTriMesh(float min_distance, unsigned int seed,
                                       const Korvane::Object& mesh, Korvane::Object& out,
                                       const Pelon::RuntimeServices* services);

@@ -7,14 +7,19 @@
 #include <cstddef>
 #include <cstring>
 
+/// @file
+/// Contacts between many colliders at once.
+
 namespace Tessary {
 
 /// Finds one displacement per collider such that the contacts between several colliders hold at once.
 ///
 /// A contact belongs to a collider g and has a direction n. It is paired with every other collider
 /// o, and each pair holds the two on one side of each other along n:
-///   Side::Behind   n . (D[g] - D[o]) <= 0    g moves no further along n than o
-///   Side::Ahead    n . (D[g] - D[o]) >= 0    g moves at least as far along n as o
+///
+///     Side::Behind   n . (D[g] - D[o]) <= 0    g moves no further along n than o
+///     Side::Ahead    n . (D[g] - D[o]) >= 0    g moves at least as far along n as o
+///
 /// A violated pair pushes the two apart along n, in proportion to their inverse masses. Sweeps over
 /// all pairs in turn (projected Gauss-Seidel) go on until no multiplier changes by more than the
 /// tolerance.
@@ -26,14 +31,19 @@ namespace Tessary {
 /// that the last one found (warm start).
 class Multicollider {
 public:
-    using float3 = Korvane::Math::float3;
+    using float3 = Korvane::Math::float3;  ///< a vector of the host
 
+    /// The direction of a contact.
     struct ContactDirection {
         float3 direction;  ///< used as it is, never normalised
         float reserved;    ///< for the caller; no part of the solve
     };
 
-    enum class Side { Behind, Ahead };
+    /// On which side of the other collider a pair holds the contact's own.
+    enum class Side {
+        Behind,  ///< no further along the direction
+        Ahead    ///< at least as far along the direction
+    };
 
     Pelon::Array<ContactDirection> contactDirections;  ///< M
     Pelon::Array<uint> contactOffsets;       ///< N + 1; collider g has contacts [g] up to [g + 1]
@@ -46,7 +56,9 @@ public:
     float tolerance = 1e-5f;                 ///< the largest change of a multiplier that is none
     uint maxIterations = 100;                ///< sweeps
 
+    /// N
     uint colliderCount() const { return static_cast<uint>(displacements.size()); }
+    /// M
     uint contactCount() const { return static_cast<uint>(contactDirections.size()); }
 
     /// Adds a collider that would move by `freeDisplacement`, and returns its index.
@@ -70,8 +82,9 @@ public:
 
     /// Makes the pairs of the colliders and contacts so far, without pushes, all on one side.
     ///
-    /// in     relaxation  the part of a violation that one projection takes away, 1 for all of it.
-    ///                    A pair of two immovable colliders is ignored
+    /// @param[in] side        of every pair
+    /// @param[in] relaxation  the part of a violation that one projection takes away, 1 for all of it
+    /// @note       A pair of two immovable colliders is ignored
     TESSARY_API void preparePairs(Side side = Side::Behind, float relaxation = 1.0f);
 
     /// The pair of a collider's contact and another collider, an index into the pair arrays.
@@ -101,11 +114,15 @@ public:
     }
 
     /// Solves for `displacements`, starting from the free displacements and the pushes of the last
-    /// solve, and returns whether the sweeps converged; if not, every displacement is the fallback.
-    /// Pushes that are not finite are forgotten first, so that a NaN once given spoils no later solve.
+    /// solve.
     ///
+    /// Pushes that are not finite are forgotten first, so that a NaN once given spoils no later solve.
     /// Without freeDisplacements it starts from `displacements`, which must then hold the pushes of
-    /// pairLambdas already. Fewer than two colliders constrain nothing: true.
+    /// pairLambdas already.
+    ///
+    /// @returns    whether the sweeps converged; if not, every displacement is the fallback. Fewer than
+    ///             two colliders constrain nothing: true
+    /// @complexity that of solveInternal()
     bool solve()
     {
         withdrawPushesThatAreNotFinite();
@@ -130,11 +147,12 @@ protected:
     /// The sweeps alone, on the arrays as they stand: reads all of them but freeDisplacements, writes
     /// displacements and pairLambdas, allocates nothing.
     ///
-    /// in     the arrays  of the sizes above; contactOffsets not decreasing, its last entry at most M
-    /// out    pairLambdas a multiplier keeps its sign (that of a zero too), so a pair keeps its side
-    /// else   with N < 2 nothing changes. Where maxIterations sweeps do not converge, and where a NaN
-    ///        reaches a pair, every displacement becomes fallbackDisplacement
-    /// cost   M (N - 1) projections per sweep, on the caller's thread
+    /// @pre        the arrays have the sizes above; contactOffsets do not decrease, the last one is at
+    ///             most M. Not checked
+    /// @post       a multiplier keeps its sign (that of a zero too), so a pair keeps its side
+    /// @failure    with N < 2 nothing changes. Where maxIterations sweeps do not converge, and where a
+    ///             NaN reaches a pair, every displacement becomes fallbackDisplacement
+    /// @complexity M (N - 1) projections per sweep, on the caller's thread
     TESSARY_API void solveInternal();
 
 private:

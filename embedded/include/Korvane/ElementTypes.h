@@ -6,15 +6,19 @@
 #include <Pelon/Ptr.h>
 #include <Pelon/String.h>
 
+/// @file
+/// The element types of geometry properties.
+
 namespace Korvane {
+
+/// Stands for a type as a value.
+template <class T>
+struct TypeTag {
+    using type = T;  ///< that type
+};
 
 /// Calls `f(TypeTag<T>(), "name of T")` for every element type that geometry properties of this
 /// host may have, until a call returns true; returns whether one did.
-template <class T>
-struct TypeTag {
-    using type = T;
-};
-
 template <class F>
 constexpr bool anyElementType(F&& f)
 {

@@ -1,11 +1,16 @@
 #pragma once
 
+/// @file
+/// Vectors and matrices: plain structs that compare by ==.
+
 namespace Korvane {
 namespace Math {
 
+/// Two numbers.
 template <class T>
 struct Vector2 {
-    T x, y;
+    T x;  ///< first
+    T y;  ///< second
     friend constexpr bool operator==(const Vector2& a, const Vector2& b)
     {
         return a.x == b.x && a.y == b.y;
@@ -13,9 +18,12 @@ struct Vector2 {
     friend constexpr bool operator!=(const Vector2& a, const Vector2& b) { return !(a == b); }
 };
 
+/// Three numbers.
 template <class T>
 struct Vector3 {
-    T x, y, z;
+    T x;  ///< first
+    T y;  ///< second
+    T z;  ///< third
     friend constexpr bool operator==(const Vector3& a, const Vector3& b)
     {
         return a.x == b.x && a.y == b.y && a.z == b.z;
@@ -23,9 +31,13 @@ struct Vector3 {
     friend constexpr bool operator!=(const Vector3& a, const Vector3& b) { return !(a == b); }
 };
 
+/// Four numbers.
 template <class T>
 struct Vector4 {
-    T x, y, z, w;
+    T x;  ///< first
+    T y;  ///< second
+    T z;  ///< third
+    T w;  ///< fourth
     friend constexpr bool operator==(const Vector4& a, const Vector4& b)
     {
         return a.x == b.x && a.y == b.y && a.z == b.z && a.w == b.w;
@@ -36,7 +48,7 @@ struct Vector4 {
 /// `Rows` row vectors, stored one after the other.
 template <class Row, int Rows>
 struct Matrix {
-    Row row[Rows];
+    Row row[Rows];  ///< from the first to the last
     friend constexpr bool operator==(const Matrix& a, const Matrix& b)
     {
         for (int r = 0; r < Rows; ++r)
@@ -47,6 +59,8 @@ struct Matrix {
     friend constexpr bool operator!=(const Matrix& a, const Matrix& b) { return !(a == b); }
 };
 
+/// What its name says: float3 is three floats, int2x3 two rows of three ints.
+/// @{
 using int2 = Vector2<int>;
 using int3 = Vector3<int>;
 using int4 = Vector4<int>;
@@ -80,6 +94,7 @@ using short2x3 = Matrix<short3, 2>;
 
 using uchar3 = Vector3<unsigned char>;
 using uchar4 = Vector4<unsigned char>;
+/// @}
 
 }  // namespace Math
 }  // namespace Korvane

@@ -8,6 +8,9 @@
 
 #include <vector>
 
+/// @file
+/// The property bag.
+
 namespace Korvane {
 
 /// A dynamic property bag: values of any host type under string names, listed in the order in
@@ -17,12 +20,13 @@ namespace Korvane {
 /// synchronised; names are few, and a look-up walks them.
 class PELON_API Object {
 public:
-    Object() = default;
+    Object() = default;  ///< no properties
     Object(const Object&) = default;
     Object(Object&&) noexcept = default;
     Object& operator=(const Object&) = default;
     Object& operator=(Object&&) noexcept = default;
 
+    /// Whether there is a value under that name.
     virtual bool hasProperty(Pelon::StringView name) const;
 
     /// A copy of the value (for nested objects and arrays, one more reference); empty where absent.
@@ -36,6 +40,7 @@ public:
     /// Stores `value` under `name` in the place of any earlier one. An empty value means absent.
     virtual void setProperty(const Pelon::String& name, Pelon::Any value);
 
+    /// All names, in the order in which they were first stored.
     virtual Pelon::Array<Pelon::String> propertyNames() const;
 
     /// setProperty() without a copy of either argument.

@@ -6,6 +6,9 @@
 #include <type_traits>
 #include <utility>
 
+/// @file
+/// Values of any type.
+
 namespace Pelon {
 
 class Any;
@@ -25,8 +28,9 @@ inline constexpr bool isHeldByValue<MutablePtr<T>> = false;
 /// arrays as Ptr<Array<T>>, everything else by value.
 class Any {
 public:
-    Any() = default;
+    Any() = default;  ///< nothing
 
+    /// A copy of the value, or the value itself where it may be moved.
     template <class T, class = std::enable_if_t<Internal::isHeldByValue<std::decay_t<T>>>>
     Any(T&& value)  // NOLINT(google-explicit-constructor)
         : m_value(std::forward<T>(value))
@@ -38,6 +42,7 @@ public:
         : m_value(Ptr<T>(std::move(pointer)))
     {}
 
+    /// Whether nothing is held.
     bool empty() const noexcept { return !m_value.has_value(); }
 
     /// The held value, or null where nothing or a value of another type is held.
@@ -46,6 +51,7 @@ public:
     {
         return std::any_cast<T>(&m_value);
     }
+    /// The same, to be changed.
     template <class T>
     T* get() noexcept
     {

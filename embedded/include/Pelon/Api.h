@@ -1,6 +1,9 @@
 #pragma once
 
-/// PELON_API marks what the host library exports.
+/// @file
+/// What every header of the embedded host stands on.
+
+/// Marks what the host library exports.
 #if defined(_WIN32)
 #if defined(korvane_embedded_EXPORTS)
 #define PELON_API __declspec(dllexport)

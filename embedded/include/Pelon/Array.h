@@ -11,6 +11,9 @@
 #include <type_traits>
 #include <utility>
 
+/// @file
+/// Contiguous elements.
+
 namespace Pelon {
 
 /// Contiguous, growable elements of one type; `bool` takes a byte like any other type.
@@ -26,12 +29,12 @@ namespace Pelon {
 template <class T>
 class Array {
 public:
-    using value_type = T;
-    using size_type = std::size_t;
-    using iterator = T*;
-    using const_iterator = const T*;
+    using value_type = T;             ///< of the elements
+    using size_type = std::size_t;    ///< of counts
+    using iterator = T*;              ///< a pointer
+    using const_iterator = const T*;  ///< a pointer that reads
 
-    Array() noexcept = default;
+    Array() noexcept = default;  ///< no elements
 
     /// `count` value-initialised elements.
     explicit Array(size_type count) { resize(count); }
@@ -39,6 +42,7 @@ public:
     /// `count` copies of `value`.
     Array(size_type count, const T& value) { resize(count, value); }
 
+    /// Copies of these values.
     Array(std::initializer_list<T> values)
     {
         Storage storage(values.size());
@@ -46,6 +50,7 @@ public:
         adopt(storage, values.size());
     }
 
+    /// Copies of the elements.
     Array(const Array& other)
     {
         Storage storage(other.m_size);
@@ -53,17 +58,19 @@ public:
         adopt(storage, other.m_size);
     }
 
+    /// The elements themselves; `other` is empty afterwards.
     Array(Array&& other) noexcept { swap(other); }
 
     /// An array that reads the `size` elements at `data` where they are.
     ///
-    /// in      data   aligned for T, which is trivially copyable; null only for no elements
-    ///         owner  kept until the last pointer to the array goes; without one the caller keeps
-    ///                the memory until then. Whoever writes into it meanwhile changes the array.
-    /// copies  own their elements; toMutable() copies even behind the only pointer, since the
-    ///         owner counts as a holder, too
-    /// throws  std::invalid_argument where `data` is null or not aligned
-    /// cost    one small allocation; any number of threads may read
+    /// @param[in] data   aligned for T, which is trivially copyable; null only for no elements
+    /// @param[in] size   how many elements there are
+    /// @param[in] owner  kept until the last pointer to the array goes; without one the caller keeps
+    ///                   the memory until then. Whoever writes into it meanwhile changes the array
+    /// @memory     Copies own their elements; toMutable() copies even behind the only pointer, since
+    ///             the owner counts as a holder, too
+    /// @throws std::invalid_argument  where `data` is null or not aligned
+    /// @complexity one small allocation; any number of threads may read
     static Ptr<Array> borrow(const T* data, size_type size,
                              std::shared_ptr<const void> owner = nullptr)
     {
@@ -87,10 +94,11 @@ public:
         return *this;
     }
 
-    T* data() noexcept { return m_data; }
-    const T* data() const noexcept { return m_data; }
-    size_type size() const noexcept { return m_size; }
-    bool empty() const noexcept { return m_size == 0; }
+    T* data() noexcept { return m_data; }                ///< the first element
+    const T* data() const noexcept { return m_data; }    ///< the first element
+    size_type size() const noexcept { return m_size; }   ///< how many elements there are
+    bool empty() const noexcept { return m_size == 0; }  ///< whether there are none
+    /// Whether borrow() made it.
     bool isBorrowed() const noexcept { return m_data && m_capacity == 0; }
 
     T& operator[](size_type i) noexcept { return m_data[i]; }
@@ -121,7 +129,9 @@ public:
         });
     }
 
+    /// Adds an element at the end; beyond the storage this at least doubles it.
     void push_back(const T& value) { append(value); }
+    /// The same.
     void push_back(T&& value) { append(std::move(value)); }
 
     friend bool operator==(const Array& a, const Array& b)

@@ -4,6 +4,9 @@
 
 #include <atomic>
 
+/// @file
+/// Cancellation.
+
 namespace Pelon {
 
 /// Work that its owner may call off.
@@ -11,6 +14,7 @@ class Job {
 public:
     /// Safe from any thread and from a signal handler.
     void cancel() noexcept { m_cancelled.store(true, std::memory_order_relaxed); }
+    /// Whether somebody cancelled it.
     bool isCancelled() const noexcept { return m_cancelled.load(std::memory_order_relaxed); }
 
 private:
@@ -21,8 +25,8 @@ private:
 /// Makes `job` the calling thread's job until the scope ends; scopes nest.
 class JobScope {
 public:
-    PELON_API explicit JobScope(Job& job) noexcept;
-    PELON_API ~JobScope();
+    PELON_API explicit JobScope(Job& job) noexcept;  ///< `job` outlives the scope
+    PELON_API ~JobScope();                           ///< the job before counts again
     JobScope(const JobScope&) = delete;
     JobScope& operator=(const JobScope&) = delete;
 

@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <utility>
 
+/// @file
+/// Counted pointers, and copy on write.
+
 namespace Pelon {
 namespace Internal {
 
@@ -64,13 +67,18 @@ class Ptr;
 template <class T>
 class MutablePtr {
 public:
-    MutablePtr() noexcept = default;
+    MutablePtr() noexcept = default;        ///< null
     MutablePtr(std::nullptr_t) noexcept {}  // NOLINT(google-explicit-constructor)
 
-    T* get() const noexcept { return m_reference.get(); }
-    T& operator*() const noexcept { return *get(); }
-    T* operator->() const noexcept { return get(); }
-    explicit operator bool() const noexcept { return get() != nullptr; }
+    T* get() const noexcept { return m_reference.get(); }  ///< the object, or null
+    T& operator*() const noexcept { return *get(); }       ///< the object
+    T* operator->() const noexcept { return get(); }       ///< the object
+    explicit operator bool() const noexcept
+    {
+        return get() != nullptr;
+    }  ///< whether it is not null
+
+    /// How many hold the object.
     std::size_t useCount() const noexcept { return m_reference.useCount(); }
 
 private:
@@ -92,16 +100,19 @@ private:
 template <class T>
 class Ptr {
 public:
-    Ptr() noexcept = default;
+    Ptr() noexcept = default;            ///< null
     Ptr(std::nullptr_t) noexcept {}      // NOLINT(google-explicit-constructor)
     Ptr(MutablePtr<T> pointer) noexcept  // NOLINT(google-explicit-constructor)
         : m_reference(std::move(pointer.m_reference))
     {}
 
-    const T* get() const noexcept { return m_reference.get(); }
-    const T& operator*() const noexcept { return *get(); }
-    const T* operator->() const noexcept { return get(); }
-    explicit operator bool() const noexcept { return get() != nullptr; }
+    const T* get() const noexcept { return m_reference.get(); }  ///< the object, or null
+    const T& operator*() const noexcept { return *get(); }       ///< the object
+    const T* operator->() const noexcept { return get(); }       ///< the object
+    explicit operator bool() const noexcept
+    {
+        return get() != nullptr;
+    }  ///< whether it is not null
 
     /// How many hold the object: its pointers, and one more where it reads borrowed memory. One
     /// alone may change it in place.

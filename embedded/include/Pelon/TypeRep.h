@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
+/// @file
+/// Where the storage of arrays comes from.
+
 namespace Pelon {
 
 /// The host's index type.
@@ -20,15 +23,18 @@ namespace Internal {
 /// least 64-byte aligned, each in another place than the one before.
 class UntypedTypeRep {
 public:
+    /// Of a type of that size and alignment.
     constexpr UntypedTypeRep(std::size_t size, std::size_t alignment) noexcept
         : m_size(size), m_alignment(alignment)
     {}
 
-    constexpr std::size_t size() const noexcept { return m_size; }
-    constexpr std::size_t alignment() const noexcept { return m_alignment; }
+    constexpr std::size_t size() const noexcept { return m_size; }            ///< of an element
+    constexpr std::size_t alignment() const noexcept { return m_alignment; }  ///< of an element
 
     /// Storage for `count` elements, every byte zero; null for 0 elements.
-    /// Throws std::bad_array_new_length where the byte count overflows, else std::bad_alloc.
+    ///
+    /// @throws std::bad_array_new_length  where the byte count overflows
+    /// @throws std::bad_alloc             where there is no memory
     PELON_API void* allocate(std::size_t count) const;
 
     /// Releases what allocate(count) returned; `count` must be the same. Leaves `pointer` alone where
@@ -40,6 +46,7 @@ private:
     std::size_t m_alignment;
 };
 
+/// That of a type.
 template <class T>
 inline constexpr UntypedTypeRep typeRep{sizeof(T), alignof(T)};
 

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// What every header of the mesh library stands on.
+
 /// Marks what the mesh library exports.
 #if defined(_WIN32)
 #ifdef tessary_mesh_EXPORTS

@@ -1,6 +1,7 @@
 #pragma once
 
-// What the templates of Arrays.h stand on; include that header instead.
+/// @file
+/// What the templates of Arrays.h stand on; include that header instead.
 
 #include <Korvane/ElementTypes.h>
 #include <Korvane/Geometry.h>
@@ -16,6 +17,7 @@
 
 namespace TessaryMesh {
 
+/// What has values.
 enum class Component { Point, Corner, Face };
 
 /// Whether values are looked at. Sizes are in either case, and values that have to be converted.

@@ -8,14 +8,17 @@
 #include <string>
 #include <vector>
 
+/// @file
 /// Everything that the mesh library throws: a small tree of types, each with the fields by which a
 /// program decides what to do. what() is one line for people; it speaks of meshes, files and arrays,
 /// never of the options of a program, which knows by code() or argument() what to add.
 ///
 /// What the kernels or the standard library throw comes out as one of these, too, but for
 /// std::bad_alloc where so little memory is left that no message fits.
+
 namespace TessaryMesh {
 
+/// What all of them are.
 class TESSARY_MESH_API Error : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -25,6 +28,7 @@ public:
 /// A file that cannot be read or written.
 class TESSARY_MESH_API FileError : public Error {
 public:
+    /// What is the matter, for programs.
     enum class Code {
         NotFound,     ///< there is no such file
         IsFolder,     ///< a folder stands where a file was expected
@@ -48,12 +52,13 @@ public:
 
     /// `message` is the whole line, the file's name included.
     FileError(Code code, std::string file, const std::string& message);
+    /// The same with a place in the file.
     FileError(Code code, std::string file, Place place, const std::string& message);
     ~FileError() override;
 
-    Code code() const noexcept { return m_code; }
+    Code code() const noexcept { return m_code; }                ///< what is the matter
     const std::string& file() const noexcept { return m_file; }  ///< "-" for a standard stream
-    const Place& place() const noexcept { return m_place; }
+    const Place& place() const noexcept { return m_place; }      ///< where it was found
 
 private:
     Code m_code;
@@ -63,11 +68,13 @@ private:
 
 /// What is wrong with a mesh, or unusual about it: one entry per kind.
 struct Problem {
+    /// How bad it is.
     enum class Severity {
         Warning,  ///< unusual, but every kernel handles it
         Error,    ///< the kernels must not be called
     };
 
+    /// What an index counts.
     enum class Element { None, Point, Corner, Face };
 
     /// One occurrence.
@@ -77,7 +84,7 @@ struct Problem {
         std::uint64_t index = 0;          ///< from 0, corners through the whole mesh
     };
 
-    Severity severity;
+    Severity severity;          ///< how bad it is
     std::string code;           ///< stable, for programs: "index-out-of-range"
     std::string message;        ///< for people: "corners that name no point"
     std::uint64_t count;        ///< how often it occurs
@@ -88,9 +95,11 @@ struct Problem {
     TESSARY_MESH_API std::string line() const;
 };
 
+/// What checks found.
 struct ValidationReport {
-    std::vector<Problem> problems;
+    std::vector<Problem> problems;  ///< one for each kind
 
+    /// Whether one of them is an error.
     TESSARY_MESH_API bool hasErrors() const;
 
     /// The first problem that is an error; null where there is none.
@@ -102,11 +111,12 @@ class TESSARY_MESH_API InvalidMesh : public Error {
 public:
     /// `name` is the file that the mesh came from or was to go to, or empty; what() begins with it.
     InvalidMesh(std::string name, ValidationReport report);
+    /// One problem of a mesh that came from no file.
     explicit InvalidMesh(Problem problem);
     ~InvalidMesh() override;
 
-    const std::string& name() const noexcept { return m_name; }
-    const ValidationReport& report() const noexcept { return m_report; }
+    const std::string& name() const noexcept { return m_name; }           ///< of the file, or empty
+    const ValidationReport& report() const noexcept { return m_report; }  ///< what is wrong
 
 private:
     std::string m_name;
@@ -120,7 +130,7 @@ public:
     ArgumentError(std::string argument, const std::string& message);
     ~ArgumentError() override;
 
-    const std::string& argument() const noexcept { return m_argument; }
+    const std::string& argument() const noexcept { return m_argument; }  ///< its name
 
 private:
     std::string m_argument;
@@ -129,6 +139,7 @@ private:
 /// An array that cannot become part of a mesh, or that a mesh does not have.
 class TESSARY_MESH_API ArrayError : public Error {
 public:
+    /// What is the matter, for programs.
     enum class Code {
         Missing,   ///< there is no array of this name, or no memory behind a pointer
         Type,      ///< elements of a type that cannot stand here
@@ -144,9 +155,9 @@ public:
                std::optional<std::uint64_t> element = std::nullopt, std::string value = {});
     ~ArrayError() override;
 
-    Code code() const noexcept { return m_code; }
-    const std::string& array() const noexcept { return m_array; }
-    std::optional<std::uint64_t> element() const noexcept { return m_element; }
+    Code code() const noexcept { return m_code; }                  ///< what is the matter
+    const std::string& array() const noexcept { return m_array; }  ///< its name
+    std::optional<std::uint64_t> element() const noexcept { return m_element; }  ///< which, if one
     const std::string& value() const noexcept { return m_value; }  ///< of that element, as text
 
 private:
@@ -159,7 +170,7 @@ private:
 /// The job of the calling thread was cancelled. what() is the host's text for it.
 class TESSARY_MESH_API Cancelled : public Error {
 public:
-    Cancelled();
+    Cancelled();  ///< with the host's text
     ~Cancelled() override;
 };
 
@@ -171,16 +182,17 @@ public:
     OutOfMemory(std::string name, const std::string& message, double bytes = 0);
     ~OutOfMemory() override;
 
-    const std::string& name() const noexcept { return m_name; }
-    double bytes() const noexcept { return m_bytes; }
+    const std::string& name() const noexcept { return m_name; }  ///< of the file, or empty
+    double bytes() const noexcept { return m_bytes; }            ///< needed, or 0 where unknown
 
 private:
     std::string m_name;
     double m_bytes;
 };
 
-/// Ends long work of the caller's own as an operation would end: throws Cancelled where the job of the
-/// calling thread was cancelled.
+/// Ends long work of the caller's own as an operation would end.
+///
+/// @throws Cancelled  where the job of the calling thread was cancelled
 TESSARY_MESH_API void throwIfCancelled();
 
 }  // namespace TessaryMesh

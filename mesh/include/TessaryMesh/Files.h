@@ -9,9 +9,11 @@
 #include <string_view>
 #include <vector>
 
+/// @file
 /// Mesh files to and from host objects, keeping polygons of any size, the order of points, corners
 /// and faces, and every attribute. What each format holds, and under which property names, stands in
 /// the pages of the documentation.
+
 namespace TessaryMesh {
 
 /// A format of files, one of a fixed list.
@@ -19,11 +21,11 @@ struct Format {
     std::string_view name;    ///< "obj", "ply-ascii"
     std::string_view title;   ///< for people: "Wavefront OBJ"
     std::string_view ending;  ///< ".obj"; empty for a variant that no ending tells
-    bool readsMeshes;
-    bool writesMeshes;
-    bool writesClouds;     ///< points with values and without faces
-    bool writesArrays;     ///< see writeArrays()
-    bool namesProperties;  ///< has a place for properties of any name, not for a few known ones
+    bool readsMeshes;         ///< see readMesh()
+    bool writesMeshes;        ///< see writeMesh()
+    bool writesClouds;        ///< points with values and without faces
+    bool writesArrays;        ///< see writeArrays()
+    bool namesProperties;     ///< has a place for properties of any name, not for a few known ones
 };
 
 /// All formats. The references stay as long as the program runs.
@@ -35,16 +37,21 @@ TESSARY_MESH_API const Format* findFormat(std::string_view name);
 /// The format that a file name's ending asks for, in upper or lower case; null where none does.
 TESSARY_MESH_API const Format* formatOfName(std::string_view path);
 
+/// What was read.
 struct MeshRead {
-    Pelon::MutablePtr<Korvane::Object> mesh;
-    const Format* format;
+    Pelon::MutablePtr<Korvane::Object> mesh;  ///< as Korvane/Geometry.h lays it out
+    const Format* format;                     ///< that the content has
     std::vector<std::string> warnings;  ///< one line each: what the file has and the mesh has not
 };
 
 /// Reads a mesh file, "-" meaning standard input, and validates it.
 ///
-/// The format is recognised by the content, not by the name. Throws FileError for a file that cannot
-/// be read or parsed, OutOfMemory, InvalidMesh for a mesh with errors, Cancelled.
+/// The format is recognised by the content, not by the name.
+///
+/// @throws FileError    for a file that cannot be read or parsed
+/// @throws InvalidMesh  for a mesh with errors
+/// @throws OutOfMemory
+/// @throws Cancelled
 TESSARY_MESH_API MeshRead readMesh(const std::string& path);
 
 /// The same without validation, for callers that want to look at the mesh's errors themselves.
@@ -55,8 +62,9 @@ TESSARY_MESH_API MeshRead readMeshUnchecked(const std::string& path);
 /// Bytes go to a temporary name in the same folder; commit() renames it into place. Without
 /// commit() the temporary is removed and an existing file stays as it was. A file that is replaced
 /// hands on its permissions, and a symbolic link stays one: what it points to is replaced. "-" is
-/// standard output; that, devices and pipes are written straight through. Every operation throws
-/// FileError where the system refuses.
+/// standard output; that, devices and pipes are written straight through.
+///
+/// @throws FileError  from every operation, where the system refuses
 class TESSARY_MESH_API OutputFile {
 public:
     /// With `overwrite` false an existing file is an error.
@@ -65,9 +73,12 @@ public:
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
+    /// As it was given.
     const std::string& path() const { return m_path; }
 
+    /// Appends bytes.
     void write(const void* bytes, std::size_t count);
+    /// Appends text.
     void write(std::string_view text) { write(text.data(), text.size()); }
 
     /// Flushes and renames into place.
@@ -91,9 +102,14 @@ TESSARY_MESH_API void removeUnfinishedFiles() noexcept;
 
 /// Writes the mesh, or a point cloud without face arrays, into `output`, which the caller commits.
 ///
-/// Returns a warning line for each thing that the format cannot hold. Throws InvalidMesh for a mesh
-/// with errors, FileError where the format does not write such an object or the system refuses,
-/// OutOfMemory, Cancelled.
+/// @param[in]     mesh    a mesh or a point cloud
+/// @param[in]     format  one that writes such an object
+/// @param[in,out] output  gets the bytes
+/// @returns    a warning line for each thing that the format cannot hold
+/// @throws InvalidMesh  for a mesh with errors
+/// @throws FileError    where the format does not write such an object or the system refuses
+/// @throws OutOfMemory
+/// @throws Cancelled
 TESSARY_MESH_API std::vector<std::string> writeMesh(const Korvane::Object& mesh,
                                                     const Format& format, OutputFile& output);
 
@@ -110,9 +126,13 @@ TESSARY_MESH_API std::string plyCornerDeclaration(const Korvane::Object& mesh,
 /// Writes arrays under their names: as .npz, for NumPy, or as a JSON object of lists, rows as lists of
 /// their own, in which null stands for the index 0xFFFFFFFF and for numbers that are not finite.
 ///
-/// Throws FileError where the format does not write arrays, the file would be larger than the format
-/// can number, or the system refuses; ArgumentError for an array of no element type or whose values
-/// do not fill its rows; Cancelled.
+/// @param[in]     arrays  under names of their own
+/// @param[in]     format  one that writes arrays
+/// @param[in,out] output  gets the bytes; the caller commits it
+/// @throws FileError      where the format does not write arrays, the file would be larger than the
+///                        format can number, or the system refuses
+/// @throws ArgumentError  for an array of no element type or whose values do not fill its rows
+/// @throws Cancelled
 TESSARY_MESH_API void writeArrays(const NamedArrays& arrays, const Format& format,
                                   OutputFile& output);
 

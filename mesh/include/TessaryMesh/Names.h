@@ -1,6 +1,8 @@
 #pragma once
 
+/// @file
 /// Names of attributes to which readers and writers of files, and operations, give a meaning.
+
 namespace TessaryMesh {
 
 inline constexpr const char* kTexcoord = "texcoord";  ///< float2 or float3

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+/// @file
 /// Operations on whole meshes: the kernels, with every attribute carried along and a map from each
 /// element of the result to the element of the source that it comes from.
 ///
@@ -22,23 +23,26 @@
 /// source; arrays that stay as they are are shared. Results are the same bits for any number of
 /// threads. All operations throw Cancelled where the job of the calling thread was cancelled, and
 /// OutOfMemory.
+
 namespace TessaryMesh {
 
 /// Which properties an operation carries: all of them, or those of the given names, which may name
 /// properties that a mesh lacks.
 class Carry {
 public:
-    Carry() = default;
+    Carry() = default;  ///< all
+    /// The properties of these names.
     Carry(std::initializer_list<Pelon::String> names)  // NOLINT(google-explicit-constructor)
         : m_isAll(false), m_names(names)
     {}
+    /// The properties of these names.
     explicit Carry(Pelon::Array<Pelon::String> names) : m_isAll(false), m_names(std::move(names)) {}
 
-    static Carry all() { return Carry(); }
-    static Carry none() { return Carry(Pelon::Array<Pelon::String>()); }
+    static Carry all() { return Carry(); }                                ///< all properties
+    static Carry none() { return Carry(Pelon::Array<Pelon::String>()); }  ///< no property
 
-    bool isAll() const { return m_isAll; }
-    const Pelon::Array<Pelon::String>& names() const { return m_names; }
+    bool isAll() const { return m_isAll; }                                ///< whether all are
+    const Pelon::Array<Pelon::String>& names() const { return m_names; }  ///< unless all are
 
 private:
     bool m_isAll = true;
@@ -49,6 +53,7 @@ private:
 /// settings; in the object's order. The offsets of a list go with the list and are not named.
 TESSARY_MESH_API Pelon::Array<Pelon::String> carriedPropertyNames(const Korvane::Object& mesh);
 
+/// Indices that several may share.
 using IndexArray = Pelon::Ptr<Pelon::Array<Pelon::uint>>;
 
 /// Where the elements of a result come from. A map that an operation does not make is null. Source
@@ -65,9 +70,9 @@ struct ParentMaps {
 
 /// What every operation that makes a mesh returns.
 struct Result {
-    Pelon::MutablePtr<Korvane::Object> mesh;
-    ParentMaps parents;
-    std::vector<std::string> warnings;  ///< one line per property that could not be carried
+    Pelon::MutablePtr<Korvane::Object> mesh;  ///< a mesh or a point cloud of its own
+    ParentMaps parents;                       ///< where its elements come from
+    std::vector<std::string> warnings;        ///< one line per property that could not be carried
 };
 
 /// Splits every face into the fan of triangles around its first corner.
@@ -77,13 +82,17 @@ struct Result {
 /// once. Lists that belong to points are shared. A list or any other property on a component of its
 /// own has no rule by which it follows faces onto triangles; a warning says that it is left out.
 /// Values of the object itself (not geometry properties), such as "material_library", are always
-/// carried. A mesh without faces keeps its points.
+/// carried. A mesh without faces keeps its points. A dual table of the mesh (see addDual()) is none of
+/// the triangles and is left out, with a warning.
 ///
-/// parents  face of each triangle; corner of each corner of a triangle
-/// throws   InvalidMesh where faces cannot be split
-/// cost     linear, parallel
+/// @param[in] mesh   without errors
+/// @param[in] carry  the properties to carry
+/// @returns    parents: face of each triangle; corner of each corner of a triangle
+/// @throws InvalidMesh  where faces cannot be split
+/// @complexity linear, parallel
 TESSARY_MESH_API Result triangulate(const Korvane::Object& mesh, const Carry& carry = {});
 
+/// How makeQuads() cuts.
 struct QuadOptions {
     /// Edges are creased at which the normals of two faces differ by more than so many degrees, 0 to
     /// 180. The normal of a polygon is the mean over its area, so a face that is not planar or not
@@ -108,50 +117,59 @@ struct QuadOptions {
     bool splitEdges = false;
 };
 
+/// What makeQuads() returns.
 struct QuadResult : Result {
-    std::uint64_t edges = 0;  ///< of the fan triangles
-    std::uint64_t creasedEdges = 0, splitEdges = 0;
+    std::uint64_t edges = 0;         ///< of the fan triangles
+    std::uint64_t creasedEdges = 0;  ///< of these
+    std::uint64_t splitEdges = 0;    ///< cut once for each face
 };
 
 /// Splits the fan triangles of a mesh into three quads each, around an inner point.
 ///
 /// Points keep their order; new ones follow, on the edges and then inside the triangles, as
-/// computeQuadMesh numbers them. A creased edge gets two points, one for each end. A mesh without
+/// computeQuadMesh() numbers them. A creased edge gets two points, one for each end. A mesh without
 /// faces keeps its points.
 ///
-/// Properties follow as interpolatePropertiesToCutMesh says, at the same weights as the positions,
+/// Properties follow as interpolatePropertiesToCutMesh() says, at the same weights as the positions,
 /// with two differences: index seams of corners are kept, and what lies between corners of which one
 /// has no value (the index 0xFFFFFFFF) has none. Lists, properties of other components and chains of
 /// indices have no rule; a warning says that they are left out. Values of the object itself are always
 /// carried.
 ///
-/// parents  of each quad the face and the corner that it lies at, and the triangle
-/// throws   InvalidMesh, with the first places, where two faces run along an edge in one direction
-///          ("same-direction") or the result is too large for its indices ("too-large");
-///          ArgumentError for options outside their range and a crease property that does not fit
+/// @param[in] mesh     without errors
+/// @param[in] options  how to cut
+/// @param[in] carry    the properties to carry
+/// @returns    parents: of each quad the face and the corner that it lies at, and the triangle
+/// @throws InvalidMesh    with the first places, where two faces run along an edge in one direction
+///                        ("same-direction") or the result is too large for its indices ("too-large")
+/// @throws ArgumentError  for options outside their range and a crease property that does not fit
 TESSARY_MESH_API QuadResult makeQuads(const Korvane::Object& mesh, const QuadOptions& options = {},
                                       const Carry& carry = {});
 
 /// Points on the fan triangles of a mesh, no two closer than the distance, grouped by triangle.
 struct SurfaceSamples {
-    Pelon::Ptr<Pelon::Array<Korvane::Math::float3>> positions;
+    Pelon::Ptr<Pelon::Array<Korvane::Math::float3>> positions;  ///< one for each
     Pelon::Ptr<Pelon::Array<float>> weights;  ///< 3 for each: of the triangle's corners
     IndexArray triangles;                     ///< of the triangle that holds each
-    float distance = 0;
+    float distance = 0;                       ///< that they keep
 
+    /// How many there are.
     std::size_t count() const { return positions ? positions->size() : 0; }
 };
 
-/// The surface of a mesh, ready for poissonSampleTriMesh.
+/// The surface of a mesh, ready for poissonSampleTriMesh().
 ///
 /// What the kernel would answer with nothing, with nonsense or by exhausting the machine is refused
 /// here in words that say what to do.
 class TESSARY_MESH_API SampledSurface {
 public:
-    /// Throws InvalidMesh where there are no faces, no area, or coordinates so large or so small that
-    /// single precision does not hold the area.
+    /// Measures the fan triangles.
+    ///
+    /// @throws InvalidMesh  where there are no faces, no area, or coordinates so large or so small that
+    ///                      single precision does not hold the area
     explicit SampledSurface(const Korvane::Object& mesh);
 
+    /// Of all triangles.
     double area() const { return m_area; }
 
     /// Of the smallest sphere around all points.
@@ -164,12 +182,18 @@ public:
     /// The share of the distance that rounding of the coordinates may amount to.
     double roundingShare(float distance) const;
 
-    /// Throws ArgumentError for a distance that is no number above zero, too small for the area, or
-    /// too small for coordinates so far from the origin; OutOfMemory.
+    /// Samples by distance.
+    ///
+    /// @throws ArgumentError  for a distance that is no number above zero, too small for the area, or
+    ///                        too small for coordinates so far from the origin
+    /// @throws OutOfMemory
     SurfaceSamples sample(float distance, Pelon::uint seed) const;
 
     /// Looks for the distance that yields `count` samples until it is met within 2 %, or the search
-    /// ends; returns the nearest that was found. Throws as sample() does, and ArgumentError for none.
+    /// ends.
+    ///
+    /// @returns    the nearest that was found
+    /// @throws ArgumentError  as sample() does, and for a count of none
     SurfaceSamples sampleCount(std::uint64_t count, Pelon::uint seed) const;
 
 private:
@@ -186,59 +210,75 @@ private:
 ///
 /// Every sample is a point. Its own properties, the first three only `withPlaces`:
 ///
-///   weight       float3: the weights of the triangle's corners, in order; they add up to 1
-///   face_id      uint: the face of `mesh`
-///   triangle_id  uint: the fan triangle
-///   normal       float3: that of the triangle, of length 1; only where no property of that name is
-///                carried, nor nx, ny and nz
+///     weight       float3: the weights of the triangle's corners, in order; they add up to 1
+///     face_id      uint: the face of `mesh`
+///     triangle_id  uint: the fan triangle
+///     normal       float3: that of the triangle, of length 1; only where no property of that name is
+///                  carried, nor nx, ny and nz
 ///
 /// The mesh's properties follow under their names, with one value for each sample, in the order of
 /// `mesh`; where a name above is taken it becomes mesh_NAME or the like, which a warning says. By
 /// component:
 ///
-///   point, corner  float, double and their vectors are blended, (v1 w1 + v2 w2) + v0 w0 as the
-///                  positions are, so blended normals are a little short of length 1. Other types, and
-///                  what has interpolation mode None, are picked from the corner of the largest
-///                  weight, of equal ones from the first
-///   face           the value of the face
+/// - point, corner: float, double and their vectors are blended, (v1 w1 + v2 w2) + v0 w0 as the
+///   positions are, so blended normals are a little short of length 1. Other types, and what has
+///   interpolation mode None, are picked from the corner of the largest weight, of equal ones from
+///   the first
+/// - face: the value of the face
 ///
 /// Indexed properties come out plain; where a value is missing, the default stands, which a warning
 /// says. Lists, properties of other components and chains of indices have no rule; a warning says that
 /// they are left out. Values of the object itself are always carried.
 ///
-/// parents  face and triangle of each sample
-/// cost     parallel, linear in the samples and the mesh
+/// @param[in] mesh        that the samples lie on
+/// @param[in] samples     of a SampledSurface of this mesh
+/// @param[in] carry       the properties to carry
+/// @param[in] withPlaces  whether the samples say where they lie
+/// @returns    parents: face and triangle of each sample
+/// @complexity parallel, linear in the samples and the mesh
 TESSARY_MESH_API Result makeSampleCloud(const Korvane::Object& mesh, const SurfaceSamples& samples,
                                         const Carry& carry = {}, bool withPlaces = true);
 
+/// How sample() samples.
 struct SampleOptions {
     float distance = 0;       ///< no two samples are closer; 0 for a number of samples instead
     std::uint64_t count = 0;  ///< about so many samples; 0 for a distance instead
-    Pelon::uint seed = 0;
-    bool withPlaces = true;
+    Pelon::uint seed = 0;     ///< of every random decision
+    bool withPlaces = true;   ///< see makeSampleCloud()
 };
 
+/// What sample() returns.
 struct SampleResult : Result {
-    float distance = 0;
-    double area = 0;  ///< of the surface
+    float distance = 0;  ///< that the samples keep
+    double area = 0;     ///< of the surface
 };
 
-/// The two steps above in one. Throws what they throw, and ArgumentError unless just one of distance
-/// and count is given.
+/// SampledSurface and makeSampleCloud() in one.
+///
+/// @param[in] mesh     without errors
+/// @param[in] options  the distance or the count, and more
+/// @param[in] carry    the properties to carry
+/// @throws ArgumentError  unless just one of distance and count is given, and as SampledSurface does
+/// @throws InvalidMesh    as SampledSurface does
 TESSARY_MESH_API SampleResult sample(const Korvane::Object& mesh, const SampleOptions& options,
                                      const Carry& carry = {});
 
 /// The smallest distance between two of the points; none for fewer than two.
 ///
 /// Every pair that could be the nearest is measured, in double precision, so the result is exact up
-/// to that rounding whatever `guess` is. A guess near the result finds it in linear time; one far
-/// below it, such as 0, costs further passes, one far above it compares more pairs. Coordinates are finite.
+/// to that rounding whatever `guess` is.
+///
+/// @param[in] points  with finite coordinates
+/// @param[in] guess   near the result finds it in linear time; one far below it, such as 0, costs
+///                    further passes, one far above it compares more pairs
 TESSARY_MESH_API std::optional<double> smallestDistance(
     const Pelon::Array<Korvane::Math::float3>& points, double guess);
 
-/// A cell of a grid of cubes of size h: [x h, (x + 1) h] and the same for y and z.
+/// A cell of a grid of cubes of size h: it reaches from x h to (x + 1) h, and so on.
 struct Cell {
-    std::int32_t x, y, z;
+    std::int32_t x;  ///< along the first axis
+    std::int32_t y;  ///< along the second
+    std::int32_t z;  ///< along the third
 };
 
 /// The cells that a mesh's faces touch, by the overlap test of triangles and boxes, once each, in
@@ -248,31 +288,41 @@ struct Cell {
 /// the cells of several meshes fit together. A face that just touches a cell counts, as far as
 /// rounding in float goes.
 ///
-/// Throws ArgumentError, with what to do, where the cell size is not above zero and finite, or the grid
-/// would be more than 2,097,152 cells long on a side or begin further than 2^30 cells from the origin.
+/// @param[in] mesh      without errors
+/// @param[in] cellSize  of the cubes
+/// @throws ArgumentError  with what to do, where the cell size is not above zero and finite, or the
+///                        grid would be more than 2,097,152 cells long on a side or begin further than
+///                        2^30 cells from the origin
 TESSARY_MESH_API Pelon::Array<Cell> touchedCells(const Korvane::Object& mesh, double cellSize);
 
-/// A mesh of a closed cube of six quads for each cell, faces turned outwards. Throws ArgumentError
-/// where 32-bit indices cannot name the corners, and for cell sizes as touchedCells() does.
+/// A mesh of a closed cube of six quads for each cell, faces turned outwards.
+///
+/// @param[in] cells     any
+/// @param[in] cellSize  of the cubes
+/// @throws ArgumentError  where 32-bit indices cannot name the corners, and for cell sizes as
+///                        touchedCells() does
 TESSARY_MESH_API Pelon::MutablePtr<Korvane::Object> makeCubes(const Pelon::Array<Cell>& cells,
                                                               double cellSize);
 
 /// The triangles of a mesh and what lies beside them, as the kernels lay it out (see
 /// Tessary/Topology.h). 0xFFFFFFFF stands for none.
 struct TriangleTables {
-    IndexArray faceVertex;   ///< 3 points per triangle
-    IndexArray triEdges;     ///< 2 corners per edge
-    IndexArray adjacentTri;  ///< 3 triangles per triangle
-    IndexArray dualFaceOffset, dualFaceVertex;
-    IndexArray face;  ///< the face of each triangle
+    IndexArray faceVertex;      ///< 3 points per triangle
+    IndexArray triEdges;        ///< 2 corners per edge
+    IndexArray adjacentTri;     ///< 3 triangles per triangle
+    IndexArray dualFaceOffset;  ///< where the corners of each point begin, and the end
+    IndexArray dualFaceVertex;  ///< the corners of each point
+    IndexArray face;            ///< the face of each triangle
 
     /// "face_vertex", "tri_edges", "face_vertex_adjacent_tri", "dual_face_offset" and
     /// "dual_face_vertex"; rows of 3, 2 and 3, and two plain lists.
     TESSARY_MESH_API NamedArrays arrays() const;
 };
 
-/// Makes the tables of a mesh's fan triangles. Throws InvalidMesh, with the first places, where there
-/// is no edge table ("same-direction").
+/// Makes the tables of a mesh's fan triangles.
+///
+/// @param[in] mesh  without errors
+/// @throws InvalidMesh  with the first places, where there is no edge table ("same-direction")
 TESSARY_MESH_API TriangleTables makeTriangleTables(const Korvane::Object& mesh);
 
 /// A closed mesh that shows everything a mesh file can carry: quads, triangles and larger polygons,
@@ -281,11 +331,12 @@ TESSARY_MESH_API TriangleTables makeTriangleTables(const Korvane::Object& mesh);
 ///
 /// A lumpy torus with two ridges, on which the normals of a point's corners differ. Every edge is
 /// shared by two faces that run along it in opposite directions; faces have 3, 4, 5, 6 or 8 corners.
-/// The texture coordinates run from 0 to 1 both ways round.
+/// The texture coordinates run from 0 to 1 both ways round. The same bits on every machine: only
+/// additions, multiplications, divisions and square roots are used.
 ///
-/// `resolution` is the number of segments along the shorter way round, 8 to 8192 (else throws
-/// ArgumentError); faces grow with its square: hundreds at 8, about a million at 512. The
-/// same bits on every machine: only additions, multiplications, divisions and square roots are used.
+/// @param[in] resolution  the number of segments along the shorter way round, 8 to 8192; faces grow
+///                        with its square: hundreds at 8, about a million at 512
+/// @throws ArgumentError  for any other resolution
 TESSARY_MESH_API Pelon::MutablePtr<Korvane::Object> makeDemoMesh(Pelon::uint resolution);
 
 }  // namespace TessaryMesh

@@ -12,7 +12,9 @@
 #include <type_traits>
 #include <utility>
 
+/// @file
 /// Rows of elements in anybody's memory.
+
 namespace TessaryMesh {
 
 template <class T>
@@ -36,22 +38,23 @@ using EnableIfRowOf = std::enable_if_t<std::is_same_v<ElementOf<Row>, T> && canB
 
 /// Pointer and count of elements that somebody else keeps, or that the view helps to keep alive.
 ///
-/// made from    std::vector, std::array, Pelon::Array, any container with data() and size(), C arrays,
-///              pointer and count
-/// an lvalue    is shown where it is, and has to outlive the view and every mesh that it goes into,
-///              with the meshes that operations make of it: they share arrays
-/// a temporary  (an rvalue) is moved into an owner that the view keeps, so that nothing dangles
-/// an owner     given beside pointer and count is kept by the view and by those meshes
+/// - It is made from std::vector, std::array, Pelon::Array, any container with data() and size(), C
+///   arrays, pointer and count.
+/// - An lvalue is shown where it is, and has to outlive the view and every mesh that it goes into,
+///   with the meshes that operations make of it: they share arrays.
+/// - A temporary (an rvalue) is moved into an owner that the view keeps, so that nothing dangles.
+/// - An owner given beside pointer and count is kept by the view and by those meshes.
 ///
 /// What itself keeps nothing alive, such as a std::span, is as good as its pointer, lvalue or not.
 /// Elements are only read. A copy of a view shows the same memory and keeps the same owner.
 template <class T>
 class View {
 public:
-    using value_type = T;
+    using value_type = T;  ///< of the elements
 
-    View() noexcept = default;
+    View() noexcept = default;  ///< of nothing
 
+    /// `size` elements at `data`, with somebody who keeps them, or null.
     View(const T* data, std::size_t size, std::shared_ptr<const void> owner = nullptr) noexcept
         : m_data(data), m_size(size), m_owner(std::move(owner))
     {}
@@ -62,10 +65,12 @@ public:
           m_size(array ? array->size() : 0),
           m_array(std::move(array))
     {}
+    /// The same.
     View(Pelon::MutablePtr<Pelon::Array<T>> array)  // NOLINT(google-explicit-constructor)
         : View(Pelon::Ptr<Pelon::Array<T>>(std::move(array)))
     {}
 
+    /// Any row: shown where it is an lvalue, else moved in.
     template <class Row, class = Internal::EnableIfRowOf<Row, T>>
     View(Row&& row)  // NOLINT(google-explicit-constructor)
     {
@@ -166,7 +171,7 @@ using ViewOf = decltype(View(std::declval<Row>()));
 /// is x (the host's, or your own). Memory lives as long as for a View.
 class Numbers {
 public:
-    Numbers() noexcept = default;
+    Numbers() noexcept = default;  ///< of nothing
 
     /// `count` numbers of that type, aligned or not.
     Numbers(const void* data, std::size_t count, NumberType type,
@@ -174,6 +179,7 @@ public:
         : m_data(data), m_count(count), m_type(type), m_owner(std::move(owner))
     {}
 
+    /// The numbers of a view.
     template <class T>
     Numbers(View<T> view)  // NOLINT(google-explicit-constructor)
         : Numbers(view.data(), view.size() * kWidth<T>,
@@ -184,16 +190,18 @@ public:
             m_array = view.array();
     }
 
+    /// Whatever a View can be made from.
     template <class Row, class = std::enable_if_t<!std::is_same_v<std::decay_t<Row>, Numbers>>,
               class AsView = Internal::ViewOf<Row>>
     Numbers(Row&& row)  // NOLINT(google-explicit-constructor)
         : Numbers(AsView(std::forward<Row>(row)))
     {}
 
-    const void* data() const noexcept { return m_data; }
-    std::size_t count() const noexcept { return m_count; }
-    NumberType type() const noexcept { return m_type; }
+    const void* data() const noexcept { return m_data; }    ///< the first number
+    std::size_t count() const noexcept { return m_count; }  ///< how many numbers there are
+    NumberType type() const noexcept { return m_type; }     ///< of each
     unsigned width() const noexcept { return m_width; }  ///< 3 where they come as vectors of three
+    /// Who keeps them alive; null where nobody does.
     const std::shared_ptr<const void>& owner() const noexcept { return m_owner; }
 
     /// The host's array that is shown, a Ptr<Array<T>>; empty where it is other memory.
