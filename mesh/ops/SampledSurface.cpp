@@ -115,6 +115,9 @@ SampledSurface::SampledSurface(const Object& mesh)
     const Measures measures = guarded([&] { return measure(*m_triangles); });
     m_area = measures.area;
     m_farthest = measures.farthest;
+    if (!std::isfinite(m_area) || !std::isfinite(m_farthest))
+        reject("point-not-finite", "a face has a point that is not finite",
+               "give every point three finite coordinates");
     if (m_area > kMostArea || m_farthest > kFarthest)
         reject("area-overflow", "the faces are larger than single precision holds",
                "scale the mesh down");

@@ -41,8 +41,9 @@ public:
     Voxelizer(const Array<float3>& points, const Array<uint>& corners, double cellSize)
         : m_points(points),
           m_corners(corners),
-          m_size(cellSize),
-          m_halfSize(static_cast<float>(cellSize / 2))
+          m_scale(std::ldexp(1.0, -std::ilogb(cellSize))),
+          m_size(cellSize * m_scale),
+          m_halfSize(static_cast<float>(m_size / 2))
     {
         m_grid = boxOf(bounds(0, corners.size()));
         for (int k = 0; k < 3; ++k)
@@ -79,14 +80,21 @@ private:
         float high[3];
     };
 
-    const float3& point(std::size_t corner) const { return m_points[m_corners[corner]]; }
+    float3 point(std::size_t corner) const
+    {
+        const float3& p = m_points[m_corners[corner]];
+        return {scaled(p.x), scaled(p.y), scaled(p.z)};
+    }
+
+    float scaled(float x) const { return static_cast<float>(double{x} * m_scale); }
 
     Bounds bounds(std::size_t begin, std::size_t end) const
     {
-        const float3& p = point(begin);
+        const float3 p = point(begin);
         Bounds b = {{p.x, p.y, p.z}, {p.x, p.y, p.z}};
         for (std::size_t c = begin; c < end; ++c) {
-            const float* const x = &point(c).x;
+            const float3 q = point(c);
+            const float x[] = {q.x, q.y, q.z};
             for (int k = 0; k < 3; ++k) {
                 b.low[k] = std::min(b.low[k], x[k]);
                 b.high[k] = std::max(b.high[k], x[k]);
@@ -217,6 +225,9 @@ private:
 
     const Array<float3>& m_points;
     const Array<uint>& m_corners;
+    // A power of two, by which everything is multiplied, which rounds nothing: cells of about 1 keep
+    // the products of the overlap test in the range of floats.
+    double m_scale;
     double m_size;
     float m_halfSize;
     CellBox m_grid{};

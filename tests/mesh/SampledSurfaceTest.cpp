@@ -76,6 +76,8 @@ TEST(SampledSurface, RefusesMeshesWithoutASurfaceThatFloatsHold)
         {cloud, "there are no faces, so"},
         {meshOf(0, {}), "there are no faces, so"},
         {line, "no face has an area, so there is no surface to sample; look for points"},
+        {rectangle(NAN, 1), "a face has a point that is not finite"},
+        {rectangle(INFINITY, 1), "a face has a point that is not finite"},
         {rectangle(1e20f, 1e20f), "larger than single precision holds; scale the mesh down"},
         {rectangle(3e38f, 1e-38f, {-3e38f, 0, 0}), "scale the mesh down"},
         {rectangle(1e-20f, 1e-20f), "smaller than single precision holds; scale the mesh up"},

@@ -6,6 +6,7 @@
 #include <TessaryMesh/Operations.h>
 
 #include <chrono>
+#include <cmath>
 #include <thread>
 #include <vector>
 
@@ -68,6 +69,20 @@ TEST(Voxels, AreAllCellsThatSomeTriangleTouchesAtAnyThreadCount)
         EXPECT_GT(expected.size(), 50u);
         atSeveralThreadCounts(
             [&](int) { EXPECT_EQ(listOf(touchedCells(*mesh, 0.25)), expected) << size; });
+    }
+}
+
+TEST(Voxels, AreTheSameOfMeshesOfAnySize)
+{
+    const MutablePtr<Object> mesh = randomTriangles(1, 5, 2);
+    const Cells expected = listOf(touchedCells(*mesh, 0.25));
+    for (const int exponent : {-90, -50, 44, 70, 100}) {
+        Array<float3> points = *dataOf<float3>(*mesh, Geometry::sPointPosition);
+        for (float3& p : points)
+            p = {std::ldexp(p.x, exponent), std::ldexp(p.y, exponent), std::ldexp(p.z, exponent)};
+        const auto scaled = Geometry::makeMesh(points, *dataOf<uint>(*mesh, Geometry::sFaceOffset),
+                                               *dataOf<uint>(*mesh, Geometry::sFaceVertex));
+        EXPECT_EQ(listOf(touchedCells(*scaled, std::ldexp(0.25, exponent))), expected) << exponent;
     }
 }
 
