@@ -7,15 +7,18 @@
 #include <string>
 #include <vector>
 
+/// @file
 /// Meshes and point clouds as a page for any browser.
+
 namespace TessaryMesh {
 
 /// What a page shows, under a name for people: that of the file, say.
 struct PageModel {
-    std::string name;
+    std::string name;                  ///< shown as text, whatever it contains
     Pelon::Ptr<Korvane::Object> mesh;  ///< or a cloud: an object with points and no face arrays
 };
 
+/// How a page is written.
 struct PageOptions {
     /// Real numbers rounded to 16 bits over the range of their array, in exchange for half the size or
     /// less. The page says so, and how far a value may be off.
@@ -32,13 +35,22 @@ struct PageOptions {
 /// their indices, what validateMesh() and edgeWarnings() say. Names are shown as text, whatever they
 /// contain.
 ///
-/// The page takes at most 1 MB more than the arrays; most of them compress to less than half. Meshes
-/// with errors are welcome. Throws ArgumentError for no model, for more than two and for one without
-/// point positions; OutOfMemory, Cancelled.
+/// @param[in] models   one or two; meshes with errors are welcome
+/// @param[in] options  how it is written
+/// @returns    the page, at most 1 MB larger than the arrays; most of them compress to less than half
+/// @throws ArgumentError  for no model, for more than two and for one without point positions
+/// @throws OutOfMemory
+/// @throws Cancelled
 TESSARY_MESH_API std::string makePage(const std::vector<PageModel>& models,
                                       const PageOptions& options = {});
 
-/// The same into `output`, which the caller commits. Throws FileError where the system refuses, too.
+/// The same into a file.
+///
+/// @param[in]     models   as above
+/// @param[in,out] output   gets the page; the caller commits it
+/// @param[in]     options  as above
+/// @throws ArgumentError  as above
+/// @throws FileError      where the system refuses
 TESSARY_MESH_API void writePage(const std::vector<PageModel>& models, OutputFile& output,
                                 const PageOptions& options = {});
 
