@@ -4,7 +4,9 @@
 #include "files/json/Json.h"
 #include "files/npz/Npz.h"
 #include "files/obj/Obj.h"
+#include "files/off/Off.h"
 #include "files/ply/Ply.h"
+#include "files/stl/Stl.h"
 
 #include <algorithm>
 #include <array>
@@ -22,6 +24,38 @@ FormatRow row(std::string_view name, std::string_view title, std::string_view en
             functions};
 }
 
+bool endsWith(std::string_view path, std::string_view lowerCaseEnding)
+{
+    if (lowerCaseEnding.empty() || path.size() <= lowerCaseEnding.size())
+        return false;
+    const std::string_view ending = path.substr(path.size() - lowerCaseEnding.size());
+    return std::equal(ending.begin(), ending.end(), lowerCaseEnding.begin(), [](char a, char b) {
+        return (a >= 'A' && a <= 'Z' ? a + ('a' - 'A') : a) == b;
+    });
+}
+
+bool recognisesPly(const FileSigns& file)
+{
+    return isPly(file.bytes);
+}
+
+bool recognisesOff(const FileSigns& file)
+{
+    return isOff(file.bytes);
+}
+
+bool recognisesAsciiStl(const FileSigns& file)
+{
+    return !isBinaryStl(file.bytes, file.size) && isAsciiStl(file.bytes);
+}
+
+// A binary file of another size than it promises is an error of its own.
+bool recognisesStl(const FileSigns& file)
+{
+    return isBinaryStl(file.bytes, file.size) ||
+           (endsWith(file.name, ".stl") && file.bytes.find('\0') != std::string_view::npos);
+}
+
 template <Encoding encoding>
 std::vector<std::string> writePlyAs(const Object& mesh, OutputFile& output)
 {
@@ -29,7 +63,8 @@ std::vector<std::string> writePlyAs(const Object& mesh, OutputFile& output)
 }
 
 template <Encoding encoding>
-constexpr FormatFunctions kPly{isPly, readPly, writePlyAs<encoding>, writePlyAs<encoding>, nullptr};
+constexpr FormatFunctions kPly{recognisesPly, readPly, writePlyAs<encoding>, writePlyAs<encoding>,
+                               nullptr};
 
 // Every format that there is: its functions are declared in the one header of its folder.
 const auto& table()
@@ -39,21 +74,16 @@ const auto& table()
         row("ply", "PLY, binary", ".ply", kPly<Encoding::LittleEndian>),
         row("ply-ascii", "PLY, ASCII", "", kPly<Encoding::Ascii>),
         row("ply-big", "PLY, binary, big-endian", "", kPly<Encoding::BigEndian>),
+        row("stl", "STL, binary", ".stl",
+            {recognisesStl, readStl, writeBinaryStl, nullptr, nullptr}, false),
+        row("stl-ascii", "STL, ASCII", "",
+            {recognisesAsciiStl, readStl, writeAsciiStl, nullptr, nullptr}, false),
+        row("off", "OFF", ".off", {recognisesOff, readOff, writeOff, nullptr, nullptr}, false),
         row("json", "JSON arrays", ".json", {nullptr, nullptr, nullptr, nullptr, writeJsonArrays}),
         row("npz", "NumPy arrays", ".npz",
             {nullptr, nullptr, nullptr, writeNpzCloud, writeNpzArrays}),
     };
     return kRows;
-}
-
-bool endsWith(std::string_view path, std::string_view lowerCaseEnding)
-{
-    if (lowerCaseEnding.empty() || path.size() <= lowerCaseEnding.size())
-        return false;
-    const std::string_view ending = path.substr(path.size() - lowerCaseEnding.size());
-    return std::equal(ending.begin(), ending.end(), lowerCaseEnding.begin(), [](char a, char b) {
-        return (a >= 'A' && a <= 'Z' ? a + ('a' - 'A') : a) == b;
-    });
 }
 
 // The format of the first row that `fits`, null where none does.
@@ -84,10 +114,10 @@ const FormatRow& rowOf(const Format& format)
     throw ArgumentError("format", "there is no format " + quoted(format.name));
 }
 
-const FormatRow& rowOfContent(std::string_view firstBytes)
+const FormatRow& rowOfContent(const FileSigns& file)
 {
     for (const FormatRow& candidate : table())
-        if (candidate.functions.recognises && candidate.functions.recognises(firstBytes))
+        if (candidate.functions.recognises && candidate.functions.recognises(file))
             return candidate;
     return withoutMark();
 }

@@ -54,7 +54,8 @@ MeshRead readMeshUnchecked(const std::string& path)
     try {
         const Input input(path.c_str());
         InputBuffer buffer;
-        const FormatRow& row = rowOfContent(input.head(kBytesThatTell, buffer));
+        const FormatRow& row =
+            rowOfContent({input.head(kBytesThatTell, buffer), input.size(), path});
         MeshRead read = row.functions.read(input, path);
         if (!read.format)
             read.format = &row.format;

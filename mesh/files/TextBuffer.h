@@ -32,7 +32,8 @@ public:
 
     TextBuffer& operator<<(std::string_view text)
     {
-        std::memcpy(extend(text.size()), text.data(), text.size());
+        if (!text.empty())  // else there may be no memory yet to copy to
+            std::memcpy(extend(text.size()), text.data(), text.size());
         return *this;
     }
 

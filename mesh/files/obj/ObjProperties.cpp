@@ -2,9 +2,7 @@
 
 #include "base/Host.h"
 #include "base/MessageText.h"
-#include "base/PropertyKinds.h"
 
-#include <algorithm>
 #include <string_view>
 
 namespace TessaryMesh {
@@ -23,7 +21,7 @@ bool isWritableName(std::string_view name)
 
 class Finder {
 public:
-    explicit Finder(const Object& mesh) : m_mesh(mesh)
+    explicit Finder(const Object& mesh) : m_mesh(mesh), m_search(mesh, "OBJ")
     {
         m_found.points = Geometry::dataArray<float3>(mesh, Geometry::sPointPosition);
         m_found.faceOffset = Geometry::dataArray<uint>(mesh, Geometry::sFaceOffset);
@@ -43,8 +41,8 @@ public:
         findFaceNames("material", m_found.material);
         find("smoothing", Geometry::sFaceComp, m_found.faceCount(), m_found.smoothing);
         findLibrary();
-        for (const String& name : m_mesh.propertyNames())
-            mention(name);
+        for (std::string& warning : m_search.leftOut())
+            m_found.warnings.push_back(std::move(warning));
         return std::move(m_found);
     }
 
@@ -84,86 +82,24 @@ private:
         }
     }
 
-    // Plain, or indexed through one range property; arrays must cover the component.
     template <class Found>
     bool find(const char* name, const String& component, std::size_t count,
               std::optional<Found>& found)
     {
-        const auto values = Geometry::dataArray<typename Found::Value>(m_mesh, name);
-        if (!values || Geometry::getTargetComponent(m_mesh, name) != component)
-            return false;
-        Found result;
-        result.values = values;
-        const Array<String> chain = Geometry::getTargetChain(m_mesh, name);
-        if (chain.size() == 1)
-            if (const auto range = Geometry::getRangeGeoProperty(m_mesh, chain[0]))
-                result.indices = Geometry::getRangeGeoPropIndices(*range);
-        const std::size_t covered = result.indices ? result.indices->size() : values->size();
-        if (chain.size() > 1 || (chain.size() == 1 && !result.indices) || covered != count)
-            return false;
-        m_handled.push_back(name);
-        found = std::move(result);
-        return true;
+        return m_search.find(name, component, count, found);
     }
 
     void findLibrary()
     {
         const Any value = m_mesh.getProperty("material_library");
         const String* const library = value.get<String>();
-        if (!library || !isWritableName(library->view()))
-            return;
-        m_found.materialLibrary = *library;
-        m_handled.push_back("material_library");
-    }
-
-    // Every property but the topology, components and what is written deserves a warning.
-    void mention(const String& name)
-    {
-        const bool isHandled =
-            std::find(m_handled.begin(), m_handled.end(), name.view()) != m_handled.end();
-        if (isTopology(name) || isHandled || isComponent(m_mesh, name))
-            return;
-        if (const auto property = Geometry::getDataGeoProperty(m_mesh, name))
-            mentionData(name, *property);
-        else if (!Geometry::getRangeGeoProperty(m_mesh, name))
-            leaveOut("value \"" + std::string(name.view()) + "\"", "");
-        else if (!isTarget(name))
-            leaveOut("index array \"" + std::string(name.view()) + "\"", "");
-    }
-
-    void mentionData(const String& name, const Object& property)
-    {
-        std::string type = "of another type";
-        bool plyHoldsIt = false;
-        Korvane::visitArray(property.getProperty(Geometry::sData),
-                            [&](const auto&, const char* typeName) {
-                                type = typeName;
-                                plyHoldsIt = type != "string" && type != "long" && type != "ulong";
-                            });
-        const std::string element = elementWord(Geometry::getTargetComponent(m_mesh, name));
-        leaveOut(element + (element.empty() ? "" : " ") + "property \"" + std::string(name.view()) +
-                     "\" (" + type + ")",
-                 plyHoldsIt ? "; write PLY to keep it" : "");
-    }
-
-    void leaveOut(const std::string& what, const char* advice)
-    {
-        m_found.warnings.push_back(what + " cannot be held by OBJ and is left out" + advice);
-    }
-
-    // The property that targets a range property is mentioned or written with it.
-    bool isTarget(const String& range) const
-    {
-        const Array<String> names = m_mesh.propertyNames();
-        return std::any_of(names.begin(), names.end(), [&](const String& name) {
-            const Array<String> chain = Geometry::getTargetChain(m_mesh, name);
-            return std::find(chain.begin(), chain.end(), range) != chain.end();
-        });
+        if (library && isWritableName(library->view()))
+            m_found.materialLibrary = m_search.findText("material_library");
     }
 
     const Object& m_mesh;
     ObjProperties m_found;
-    std::vector<std::string_view> m_handled;
+    PropertySearch m_search;
 };
 
 }  // namespace

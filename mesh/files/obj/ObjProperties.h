@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Host.h"
+#include "files/PropertySearch.h"
 
 #include <cstdint>
 #include <optional>
@@ -8,28 +9,6 @@
 #include <vector>
 
 namespace TessaryMesh {
-
-/// The values of a property and how the elements of its component find theirs.
-template <class T>
-struct ElementValues {
-    using Value = T;
-
-    Ptr<Array<T>> values;
-    Ptr<Array<uint>> indices;  ///< empty for a plain property
-
-    /// Where element `i` has its value, kNone if it has none.
-    uint indexOf(std::size_t i) const
-    {
-        const uint index = indices ? (*indices)[i] : static_cast<uint>(i);
-        return index < values->size() ? index : kNone;
-    }
-
-    T valueOf(std::size_t i) const
-    {
-        const uint index = indexOf(i);
-        return index == kNone ? T() : (*values)[index];
-    }
-};
 
 /// Values that the corners of faces name: each corner its own, or that of its point.
 template <class T>
