@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Lists the pages of the documentation, and checks them: links lead to files, the code of examples
-# is that of the file named above it, and every ./dev verb exists.
+# Lists the pages of the documentation, and checks them: links lead to files, the code of examples is that of
+# the file named above it, or a part of it, and every ./dev verb exists.
 set -euo pipefail
 
 faults=0
@@ -34,6 +34,17 @@ check_code() {
     done < <(sed -nE 's/^<!-- (.*\.cpp) -->$/\1/p' "$page")
 }
 
+# Code after "<!-- part of FILE: WORDS -->" stands in the file line by line; the words tell marks apart.
+check_parts() {
+    local page=$1 mark file code
+    while IFS= read -r mark; do
+        file=${mark#part of }
+        file=${file%%:*}
+        code=$(code_after_mark "$page" "$mark")
+        [[ -n $code && $(<"$file") == *"$code"* ]] || fault "$page" "no $mark"
+    done < <(sed -nE 's/^<!-- (part of .*) -->$/\1/p' "$page")
+}
+
 check_verbs() {
     local page=$1 verb
     while IFS= read -r verb; do
@@ -46,6 +57,7 @@ for page in "${pages[@]}"; do
     printf '%-34s %s\n' "${page#./}" "$(sed -n 's/^# //p' "$page" | head -n 1)"
     check_links "$page"
     check_code "$page"
+    check_parts "$page"
     check_verbs "$page"
 done
 [[ $faults == 0 ]]
