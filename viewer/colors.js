@@ -53,8 +53,7 @@ class Ids {
   }
 }
 
-// How one property of all models is shown: the function that fills rows of a vertex's value and tint, and the
-// range that the models have in common.
+// How one property of all models is shown, over the range that they have in common.
 class Coloring {
   constructor(key, models) {
     this.style = "plain";
@@ -71,48 +70,75 @@ class Coloring {
         if (look.key === key) {
           this.style = look.style;
           this.label = look.label;
-          return {property, look, ids: look.style === "id" ? new Ids(property) : null};
+          return {property, numbers: look.style === "number" ? look.numbers() : null,
+            ids: look.style === "id" ? new Ids(property) : null};
         }
     return null;
   }
 
-  widen({property, look}) {
-    const {values, columns} = property;
-    for (let i = 0; i < values.length; i += columns) {
-      const x = columns === 1 ? Number(values[i]) : look.pick(values.subarray(i, i + columns));
+  widen({numbers}) {
+    for (const x of numbers) {
       if (x < this.least && x > -Infinity) this.least = x;
       if (x > this.most && x < Infinity) this.most = x;
     }
   }
 
-  // Writes what element `e` of the model's property looks like as vertex `v`. A tint without opacity is no value.
-  write(source, e, v, value, tint) {
-    const {property, look} = source, index = property.index(e), first = index * property.columns;
-    tint[4 * v + 3] = 0;
-    if (index < 0) return;
-    if (this.style === "number") {
-      const x = look.pick(property.columns === 1 ? [property.values[index]] : property.values.subarray(first, first + property.columns));
-      if (!Number.isFinite(x)) return;
-      value[2 * v] = this.most > this.least ? (x - this.least) / (this.most - this.least) : 0.5;
-    } else if (this.style === "checker") {
-      value[2 * v] = Number(property.values[first]);
-      value[2 * v + 1] = Number(property.values[first + 1]);
-      if (!Number.isFinite(value[2 * v] + value[2 * v + 1])) return;
-    } else {
-      this.writeTint(source, index, first, 4 * v, tint);
-    }
-    tint[4 * v + 3] = 255;
+  // What the values of a property look like: two numbers and a tint each. A tint without opacity is no value.
+  rows(source) {
+    const {property} = source, count = property.rowCount;
+    const values = new Float32Array(2 * count), tints = new Uint8Array(4 * count);
+    if (this.style === "number") this.writeNumbers(source, values, tints);
+    else if (this.style === "checker") this.writePlaces(property, values, tints);
+    else if (this.style === "id") this.writeIds(source, tints);
+    else this.writeColors(property, tints);
+    return {values, tints: new Uint32Array(tints.buffer)};
   }
 
-  writeTint({property, ids}, index, first, at, tint) {
-    if (this.style === "id") {
-      const color = idColor(ids.of(index));
-      for (let k = 0; k < 3; ++k) tint[at + k] = color[k];
-      return;
+  writeNumbers({numbers}, values, tints) {
+    const scale = this.most > this.least ? 1 / (this.most - this.least) : 0;
+    for (let i = 0; i < numbers.length; ++i) {
+      values[2 * i] = scale ? (numbers[i] - this.least) * scale : 0.5;
+      tints[4 * i + 3] = Number.isFinite(numbers[i]) ? 255 : 0;
+      if (!tints[4 * i + 3]) values[2 * i] = 0;
     }
-    const scale = this.style === "direction" ? 127.5 : property.isReal ? 255 : 1;
-    const shift = this.style === "direction" ? 127.5 : 0;
-    for (let k = 0; k < 3; ++k)
-      tint[at + k] = Math.max(0, Math.min(255, Math.round(Number(property.values[first + k]) * scale + shift)));
+  }
+
+  writePlaces({values: from, columns}, values, tints) {
+    for (let i = 0; 4 * i < tints.length; ++i) {
+      const u = Number(from[columns * i]), v = Number(from[columns * i + 1]);
+      if (!Number.isFinite(u + v)) continue;
+      values[2 * i] = u;
+      values[2 * i + 1] = v;
+      tints[4 * i + 3] = 255;
+    }
+  }
+
+  writeIds({ids}, tints) {
+    for (let i = 0; 4 * i < tints.length; ++i) {
+      const color = idColor(ids.of(i));
+      for (let k = 0; k < 3; ++k) tints[4 * i + k] = color[k];
+      tints[4 * i + 3] = 255;
+    }
+  }
+
+  // Colours as they are; directions with zero in the middle.
+  writeColors({values: from, columns, isReal}, tints) {
+    const isDirection = this.style === "direction", scale = isDirection ? 127.5 : isReal ? 255 : 1, shift = isDirection ? 127.5 : 0;
+    for (let i = 0; 4 * i < tints.length; ++i) {
+      for (let k = 0; k < 3; ++k)
+        tints[4 * i + k] = Math.max(0, Math.min(255, Math.round(Number(from[columns * i + k]) * scale + shift)));
+      tints[4 * i + 3] = 255;
+    }
+  }
+}
+
+// The row of the value that each vertex shows, into its numbers and its tint.
+function scatter(property, rows, elements, values, tints) {
+  const {indices, rowCount} = property;
+  for (let v = 0; v < elements.length; ++v) {
+    const row = indices ? indices[elements[v]] : elements[v], has = row < rowCount;
+    values[2 * v] = has ? rows.values[2 * row] : 0;
+    values[2 * v + 1] = has ? rows.values[2 * row + 1] : 0;
+    tints[v] = has ? rows.tints[row] : 0;
   }
 }

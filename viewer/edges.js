@@ -72,7 +72,7 @@ function findMarks(model) {
   sides.forEach(list => {
     ++edges;
     const first = list[0], isLoop = model.corners[first] === model.corners[next[first]];
-    if (list.length === 1) marks.boundary.push(first);
+    if (list.length === 1 && !isLoop) marks.boundary.push(first);
     if (list.length > 2 && !isLoop) marks.nonmanifold.push(first);
     if (runsTheSameWay(model, list)) marks.samedirection.push(first);
     if (creases.some(p => list.some(c => p.index(c) >= 0 && Number(p.values[p.index(c)]) > 0))) marks.crease.push(first);

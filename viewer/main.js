@@ -28,8 +28,8 @@ class Page {
   // Everything that the state says, onto the screen.
   apply() {
     const {state, view} = this;
-    this.applyTheme();
     view.together = state.layout === "together";
+    this.applyTheme();
     view.orbit.up = state.up === "z" ? "z" : "y";
     document.body.classList.toggle("bare", state.bare);
     byId("fold").setAttribute("aria-expanded", String(!state.bare));
@@ -76,10 +76,11 @@ class Page {
     this.view.renderer.setClearColor(dark ? 0x16191d : 0xf4f5f7, 1);
     this.view.shared.ink.value.set(dark ? 0x05070a : 0x14181d);
     if (!this.state.faces && dark) this.view.shared.ink.value.set(0xb9c2cc);
-    for (const {surface, points} of this.view.layers) {
-      surface.material.uniforms.plain.value.set(dark ? 0x9fb0c4 : 0xb9c7d8);
-      points.material.uniforms.plain.value.set(points.isCloud ? (dark ? 0x9fb0c4 : 0x7f93ab) : (dark ? 0xf2f4f7 : 0x14181d));
-    }
+    this.view.layers.forEach(({surface, points}, i) => {
+      const own = i > 0 ? 0xe0873f : dark ? 0x9fb0c4 : points.isCloud ? 0x7f93ab : 0xb9c7d8;
+      surface.material.uniforms.plain.value.set(points.isCloud || !this.view.together ? (dark ? 0x9fb0c4 : 0xb9c7d8) : own);
+      points.material.uniforms.plain.value.set(points.isCloud ? own : dark ? 0xf2f4f7 : 0x14181d);
+    });
   }
 
   applyControls() {

@@ -11,6 +11,7 @@ class Model {
     for (const property of description.properties)
       model.properties.push(new Property(property, await arrays.load(property.values),
         await arrays.load(property.indices || null)));
+    model.rounding = description.points.scale ? Math.max(...description.points.scale.map(([, step]) => step / 2)) : 0;
     model.pointCount = model.positions.length / 3;
     model.faceCount = Math.max(0, model.offsets.length - 1);
     return model;

@@ -37,7 +37,8 @@ class PointLayer {
     const {uniforms} = this.material, isOfPoints = source && source.property.component === "point";
     uniforms.style.value = !isOfPoints ? 0 : {number: 1, checker: 3}[coloring.style] || 2;
     if (!isOfPoints) return;
-    for (let p = 0; p < this.model.pointCount; ++p) coloring.write(source, p, p, this.values, this.tints);
+    const points = Uint32Array.from({length: this.model.pointCount}, (_, p) => p);
+    scatter(source.property, coloring.rows(source), points, this.values, new Uint32Array(this.tints.buffer));
     this.geometry.attributes.value.needsUpdate = true;
     this.geometry.attributes.tint.needsUpdate = true;
   }
@@ -91,16 +92,17 @@ function segmentsOf(model, starts, next) {
   return segments;
 }
 
-// The face around a selection, or a small cross at its point.
-function outlineSegments(model, {face, point}, scale) {
-  if (face !== undefined) {
-    const corners = model.outline(face);
-    if (corners.length > 1)
-      return segmentsOf(model, corners, c => corners[(corners.indexOf(c) + 1) % corners.length]);
-  }
-  if (point === undefined || !model.isDrawable(point)) return new Float32Array(0);
-  const p = model.at(point).toArray(), segments = [];
+// The face around a selection, and a small cross where a corner or a point was asked for.
+function outlineSegments(model, {face, point, isCorner}, scale) {
+  const corners = face === undefined ? [] : model.outline(face);
+  const around = corners.length > 1 ? segmentsOf(model, corners, c => corners[(corners.indexOf(c) + 1) % corners.length]) : [];
+  const marksPoint = point !== undefined && (corners.length < 2 || isCorner) && model.isDrawable(point);
+  return Float32Array.from([...around, ...(marksPoint ? crossSegments(model.at(point).toArray(), scale) : [])]);
+}
+
+function crossSegments(middle, scale) {
+  const segments = [];
   for (let k = 0; k < 3; ++k)
-    for (const sign of [-1, 1]) segments.push(...p.map((x, i) => i === k ? x + sign * scale : x));
-  return Float32Array.from(segments);
+    for (const sign of [-1, 1]) segments.push(...middle.map((x, i) => i === k ? x + sign * scale : x));
+  return segments;
 }

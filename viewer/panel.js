@@ -7,6 +7,8 @@ function fillNames(header, models) {
     const hidden = model.hiddenFaces ? ", " + count(model.hiddenFaces, "face") + " cannot be drawn" : "";
     header.append(make("h1", model.name), make("p",
       (model.kind === "cloud" ? "" : count(model.faceCount, "face") + ", ") + count(model.pointCount, "point") + hidden));
+    if (model.rounding)
+      header.append(make("p", "real numbers rounded to 16 bits, positions by up to " + model.rounding.toPrecision(2)));
   }
 }
 

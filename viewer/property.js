@@ -9,13 +9,14 @@ class Property {
   constructor(description, values, indices) {
     Object.assign(this, {name: description.name, component: description.component, type: description.type,
       columns: description.columns, blended: description.blended, through: description.through, values, indices});
+    this.rowCount = values.length / this.columns;
     this.isReal = /^(float|double)/.test(this.type);
   }
 
   // The place of an element's value, -1 where it has none.
   index(element) {
     const index = this.indices ? this.indices[element] : element;
-    return index !== undefined && index < this.values.length / this.columns ? index : -1;
+    return index !== undefined && index < this.rowCount ? index : -1;
   }
 
   // The value of an element for people.
@@ -29,23 +30,31 @@ class Property {
       (this.indices ? "  (value " + index + ")" : "");
   }
 
-  // What the list of colours offers for it: an id that stays, words, and how it is drawn.
+  // One number for each value: of the column `k`, or the length of a vector.
+  column(k) {
+    const numbers = new Float64Array(this.rowCount), {values, columns} = this;
+    for (let i = 0; i < numbers.length; ++i) numbers[i] = Number(values[columns * i + k]);
+    return numbers;
+  }
+
+  lengths() {
+    const numbers = new Float64Array(this.rowCount), {values, columns} = this;
+    for (let i = 0; i < values.length; ++i) numbers[Math.floor(i / columns)] += Number(values[i]) ** 2;
+    return numbers.map(Math.sqrt);
+  }
+
+  // What the list of colours offers for it: a key that stays, words, and how it is drawn.
   looks() {
-    const {name, columns, type} = this, look = (style, words = "", pick = null) =>
-      ({key: name + (words ? ":" + words : ""), label: name + (words ? " (" + words + ")" : ""), style, pick});
+    const {name, columns, type} = this, look = (style, words = "", numbers = null) =>
+      ({key: name + (words ? ":" + words : ""), label: name + (words ? " (" + words + ")" : ""), style, numbers});
+    const axis = (k, words) => look("number", words, () => this.column(k));
     if (type === "string" || type === "bool") return [look("id")];
-    if (columns === 1) {
-      const number = look("number", this.isReal ? "" : "numbers", v => Number(v[0]));
-      return this.isReal ? [number] : [look("id"), number];
-    }
+    if (columns === 1) return this.isReal ? [axis(0, "")] : [look("id"), axis(0, "numbers")];
     if (isColorName(name) && (columns === 3 || columns === 4)) return [look("color")];
-    if (columns === 2 && type !== "float2x2" || isPlaneName(name) && columns <= 3)
-      return [look("checker"), look("number", "first", v => Number(v[0])), look("number", "second", v => Number(v[1]))];
-    if (isDirectionName(name) && columns === 3) return [look("direction")];
-    if (columns === 3 || columns === 4)
-      return [look("number", "length", v => Math.hypot(...Array.from(v, Number))),
-        ..."xyzw".slice(0, columns).split("").map((axis, k) => look("number", axis, v => Number(v[k])))];
-    return [];
+    if (columns === 2 || isPlaneName(name) && columns === 3) return [look("checker"), axis(0, "first"), axis(1, "second")];
+    if (columns > 4 || type.includes("x")) return [];
+    return [...(isDirectionName(name) && columns === 3 ? [look("direction")] : []), look("number", "length", () => this.lengths()),
+      ..."xyzw".slice(0, columns).split("").map((word, k) => axis(k, word))];
   }
 }
 

@@ -1,13 +1,15 @@
 // What runs on the graphics card.
 
 const LIGHT = `
-vec3 lit(vec3 color, vec3 n) {
+// A colour that says something is shaded less, so that it can be read.
+vec3 lit(vec3 color, vec3 n, bool says) {
   float key = max(0.0, dot(n, normalize(vec3(-0.35, 0.55, 0.75))));
   float fill = max(0.0, dot(n, normalize(vec3(0.7, -0.1, 0.5))));
   float sky = 0.5 + 0.5 * n.y;
   vec3 h = normalize(normalize(vec3(-0.35, 0.55, 0.75)) + vec3(0, 0, 1));
   float gloss = pow(max(0.0, dot(n, h)), 40.0);
-  return color * (0.36 + 0.16 * sky + 0.5 * key + 0.12 * fill) + 0.06 * gloss;
+  float light = 0.36 + 0.16 * sky + 0.5 * key + 0.12 * fill;
+  return says ? color * mix(light, 1.0, 0.45) : color * light + 0.06 * gloss;
 }
 `;
 
@@ -85,7 +87,7 @@ float lineShare(float wide, vec3 along, bool inner) {
   if (((sides & 2) == 0) == inner) far = min(far, pixels.x);
   if (((sides & 4) == 0) == inner) far = min(far, pixels.y);
   float small = max(along.x, max(along.y, along.z));
-  return (1.0 - smoothstep(wide - 0.5, wide + 0.5, far)) * smoothstep(1.2, 0.6, small) * usualShare();
+  return (1.0 - smoothstep(wide - 0.5, wide + 0.5, far)) * smoothstep(1.2, 0.6, small) * (showsFaces ? usualShare() : 0.35 + 0.65 * usualShare());
 }
 void main() {
   vec3 along = fwidth(share);
@@ -103,7 +105,7 @@ void main() {
   }
   vec3 base = colorOf(itsValue, picksTint ? nearestTint() : itsTint);
   if (back && style == 0) base = mix(base, vec3(0.55, 0.38, 0.32), 0.45);
-  color = vec4(mix(lit(base, n), ink, line), 1.0);
+  color = vec4(mix(lit(base, n, style != 0), ink, line), 1.0);
 }`;
 
 const SURFACE_ID_VERTEX = `#version 300 es
@@ -164,7 +166,7 @@ void main() {
   if (asId) { color = ${ID_COLOR}; return; }
   vec3 base = colorOf(itsValue, itsTint);
   vec3 n = vec3(p.x, -p.y, sqrt(max(0.0, 1.0 - r)));
-  color = vec4(mix(base, lit(base, n), smoothstep(4.0, 7.0, size)), cover);
+  color = vec4(mix(base, lit(base, n, style != 0), smoothstep(4.0, 7.0, size)), cover);
 }`;
 
 const LINE_VERTEX = `#version 300 es

@@ -55,12 +55,10 @@ class Surface {
     uniforms.style.value = !source ? 0 : {number: 1, checker: 3}[coloring.style] || 2;
     uniforms.picksTint.value = coloring.style === "id";
     if (!source) return;
-    const {component} = source.property;
-    for (let v = 0; v < 3 * count; ++v) {
-      const corner = corners[v];
-      const element = component === "corner" ? corner : component === "point" ? model.corners[corner] : faces[Math.floor(v / 3)];
-      coloring.write(source, element, v, values, tints);
-    }
+    const {component} = source.property, elements = component === "corner" ? corners.subarray(0, 3 * count) : new Uint32Array(3 * count);
+    if (component === "point") for (let v = 0; v < 3 * count; ++v) elements[v] = model.corners[corners[v]];
+    if (component === "face") for (let v = 0; v < 3 * count; ++v) elements[v] = faces[Math.floor(v / 3)];
+    scatter(source.property, coloring.rows(source), elements, values, new Uint32Array(tints.buffer));
     this.geometry.attributes.value.needsUpdate = true;
     this.geometry.attributes.tint.needsUpdate = true;
   }

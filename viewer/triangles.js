@@ -8,10 +8,14 @@ class Triangles {
   // As the kernels split faces, each into a fan around its first corner; or such that concave faces look as
   // they are.
   constructor(model, asFans) {
-    const most = Math.max(0, model.corners.length - 2 * model.faceCount) || model.corners.length;
-    this.corners = new Uint32Array(3 * Math.max(most, model.corners.length));
-    this.faces = new Uint32Array(this.corners.length / 3);
-    this.sides = new Uint8Array(this.faces.length);
+    let most = 0;
+    for (let face = 0; face < model.faceCount; ++face) {
+      const range = model.drawableFace(face);
+      if (range) most += range[1] - range[0] - 2;
+    }
+    this.corners = new Uint32Array(3 * most);
+    this.faces = new Uint32Array(most);
+    this.sides = new Uint8Array(most);
     this.count = 0;
     for (let face = 0; face < model.faceCount; ++face) {
       const range = model.drawableFace(face);
