@@ -13,6 +13,7 @@ PYBIND11_MODULE(_tessary, module)
     defineState(module);
     defineFiles(module);
     defineChecks(module);
+    definePages(module);
     defineOperations(module);
     definePlainArrays(module);
     definePrimitives(module);

@@ -10,6 +10,7 @@ void defineProperties(pybind11::module_& module);
 void defineState(pybind11::module_& module);
 void defineFiles(pybind11::module_& module);
 void defineChecks(pybind11::module_& module);
+void definePages(pybind11::module_& module);
 void defineOperations(pybind11::module_& module);
 void definePlainArrays(pybind11::module_& module);
 void definePrimitives(pybind11::module_& module);

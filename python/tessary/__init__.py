@@ -20,15 +20,16 @@ from .geometry import NONE, Geometry, Mesh, Parents, PointCloud, Properties, Pro
 from .operations import (Adjacency, Dual, Edges, Format, Sphere, Voxels, adjacency, bounding_sphere, demo_mesh, dual,
                          edges, formats, info, interpolate_to_cut_mesh, overlap, quads, read, sample, triangulate,
                          validate, voxels)
+from .pages import Page, view
 from .report import Place, Problem, Report
 from .solver import Multicollider
 
 __all__ = ["Adjacency", "ArgumentError", "ArrayError", "Cancelled", "Dual", "Edges", "Error", "FileError", "Format",
-           "Geometry", "InvalidMesh", "Mesh", "Multicollider", "NONE", "OutOfMemory", "Parents", "Place",
+           "Geometry", "InvalidMesh", "Mesh", "Multicollider", "NONE", "OutOfMemory", "Page", "Parents", "Place",
            "PointCloud", "Problem", "Properties", "Property", "QuadMesh", "Report", "Samples", "Sphere", "Voxels",
            "__version__", "adjacency", "arrays", "bounding_sphere", "demo_mesh", "dual", "edges", "formats",
            "from_open3d", "from_pyvista", "from_trimesh", "info", "interpolate_to_cut_mesh", "overlap", "quads",
-           "read", "sample", "triangulate", "validate", "voxels"]
+           "read", "sample", "triangulate", "validate", "view", "voxels"]
 
 
 def from_trimesh(mesh: Any, *, check: bool = True) -> Mesh:

@@ -21,6 +21,7 @@ __all__ = ["NONE", "Mesh", "Parents", "PointCloud", "Properties", "Property", "Q
 
 Progress = Callable[[int], object]
 Names = Union[str, "list[str]", "tuple[str, ...]"]
+_MOST_SHOWN_BYTES = 8_000_000  # of arrays, in a notebook
 _G = TypeVar("_G", bound="Geometry")
 
 
@@ -106,15 +107,24 @@ class Geometry:
         from .plot import plot
         return plot(self, **options)
 
+    def view(self, other: Any = None, path: Any = None, **options: Any) -> Any:
+        """A page that shows this, alone or beside another one: see `tessary.view`."""
+        from .pages import view
+        return view(self, other, path, **options)
+
     def _repr_html_(self) -> str:
-        """What a notebook shows: a picture where matplotlib is installed, and what there is."""
+        """What a notebook shows: the page of `view`, or only what there is where that would swell the notebook."""
         import html
-        text = f"<pre>{html.escape(repr(self))}</pre>"
-        try:
-            from .plot import to_html
-            return to_html(self) + text
-        except ImportError:
-            return text
+        text = html.escape(repr(self))
+        if self._array_bytes() > _MOST_SHOWN_BYTES:
+            return f"<pre>{text}\nlarge: view() shows it, view(path) writes a page to open beside the notebook</pre>"
+        return f"{self.view()._repr_html_()}<pre>{text}</pre>"
+
+    def _array_bytes(self) -> int:
+        arrays = [self.points] + ([self._data.corners, self._data.offsets] if self._data.has_faces else [])
+        arrays += [array for name in self.properties
+                   for array in (self.properties[name].values, self.properties[name].indices) if array is not None]
+        return sum(array.nbytes for array in arrays)
 
     def _rebuilt(self: _G, data: _tessary.Geometry) -> _G:
         made = object.__new__(type(self))

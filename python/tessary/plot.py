@@ -2,9 +2,7 @@
 
 from __future__ import annotations
 
-import base64
 import importlib
-import io
 from typing import Any, Optional
 
 import numpy as np
@@ -44,19 +42,6 @@ def plot(geometry: Geometry, *, color: Optional[str] = None, edges: bool = True,
     else:
         _draw_points(ax, geometry, color, most_faces)
     return ax
-
-
-def to_html(geometry: Geometry, most_faces: int = 5000) -> str:
-    """A picture as an element of HTML. Raises ImportError where matplotlib is not installed."""
-    figures = importlib.import_module("matplotlib.figure")
-    figure = figures.Figure(figsize=(5, 4))
-    axes = figure.add_subplot(projection="3d")
-    color = "color" if "color" in geometry.properties else None
-    plot(geometry, color=color, edges=isinstance(geometry, Mesh) and geometry.face_count < most_faces, ax=axes,
-         most_faces=most_faces)
-    picture = io.BytesIO()
-    figure.savefig(picture, format="png", dpi=80)
-    return f'<img src="data:image/png;base64,{base64.b64encode(picture.getvalue()).decode()}">'
 
 
 def _axes() -> Any:

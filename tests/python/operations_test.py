@@ -170,6 +170,20 @@ def test_pictures_show_meshes_and_points():
     polygons = axes.collections[0]
     assert len(polygons.get_array()) == DEMO.face_count
     DEMO.sample(count=50).plot(color="weight")
-    assert "<img" in DEMO._repr_html_() and "225" in DEMO._repr_html_()
     with pytest.raises(ts.ArgumentError, match="^color: there is no property 'uv'"):
         DEMO.plot(color="uv")
+
+
+def test_pages_show_meshes_in_notebooks_and_files(tmp_path):
+    path, samples = tmp_path / "page.html", DEMO.sample(count=50)
+    assert repr(ts.view(DEMO, samples, path)) == "<Page mesh, samples>"
+    assert b"samples" in path.read_bytes()
+    with pytest.raises(ts.FileError, match="page.html"):
+        ts.view(DEMO, path)
+    hostile = ts.view(DEMO, names=("</script><b>\u2603",)).html()
+    assert hostile.isascii() and "</script><b>" not in hostile
+    assert "<iframe srcdoc=" in DEMO._repr_html_() and "225" in DEMO._repr_html_()
+    for wrong, argument in ((lambda: ts.view(DEMO, 5), "mesh"), (lambda: ts.view(DEMO, names=("a", "b")), "names")):
+        with pytest.raises(ts.ArgumentError) as caught:
+            wrong()
+        assert caught.value.argument == argument
