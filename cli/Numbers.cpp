@@ -1,8 +1,9 @@
 #include "Numbers.h"
 
-#include "MeshFacts.h"
+#include "Session.h"
 
 #include <Korvane/Geometry.h>
+#include <Tessary/Primitives.h>
 
 #include <fast_float/fast_float.h>
 #include <CLI/CLI.hpp>
@@ -67,15 +68,11 @@ CLI::Validator validator(std::function<std::string(std::string&)> check)
     return CLI::Validator(std::move(check), "");
 }
 
-// Square roots are the same on every machine; std::hypot is not.
-double diagonalOf(const Korvane::Object& mesh)
+double radiusOf(const Korvane::Object& mesh)
 {
-    const std::optional<BoundingBox> box = boundingBoxOf(mesh);
-    if (!box)
-        return 0;
-    const double x = double{box->high.x} - box->low.x, y = double{box->high.y} - box->low.y,
-                 z = double{box->high.z} - box->low.z;
-    return std::sqrt(x * x + y * y + z * z);
+    const auto points = Korvane::Geometry::dataArray<Korvane::Math::float3>(
+        mesh, Korvane::Geometry::sPointPosition);
+    return points && !points->empty() ? Tessary::computeBoundingSphere(*points).getRadius() : 0;
 }
 
 }  // namespace
@@ -131,11 +128,11 @@ double lengthIn(const Korvane::Object& mesh, const std::string& text, const std:
     const auto length = parsedWithPercent(text);
     if (!length->isPercent)
         return length->number;
-    const double diagonal = diagonalOf(mesh);
-    if (diagonal == 0)
+    const double radius = radiusOf(mesh);
+    if (radius == 0)
         throw UsageError(option + " " + text +
-                         ": the bounding box has no diagonal to take percent of (give a number)");
-    return length->number / 100 * diagonal;
+                         ": the mesh has no radius to take percent of (give a number)");
+    return length->number / 100 * radius;
 }
 
 }  // namespace Cli

@@ -22,8 +22,8 @@ CLI::Validator realNumber(double least, double most);
 /// A length above zero: a number in the units of the mesh, or percent.
 CLI::Validator length();
 
-/// The length that `text`, which length() has let pass, is for this mesh: percent are of the diagonal of
-/// the bounding box of its points. Throws UsageError, which begins with `option`, where the box has none.
+/// The length that `text`, which length() has let pass, is for this mesh: percent are of the radius
+/// of the smallest sphere around its points. Throws UsageError, which begins with `option`, where that is 0.
 double lengthIn(const Korvane::Object& mesh, const std::string& text, const std::string& option);
 
 }  // namespace Cli

@@ -136,8 +136,8 @@ Run declareSample(CLI::App& verb, Session& session)
     CLI::Option* const distance =
         verb.add_option(
                 "--distance,-d", options->distance,
-                "No two samples are closer than this: a length, or percent of the diagonal of the "
-                "mesh's bounding box, as in 2%")
+                "No two samples are closer than this: a length, or percent of the radius of the "
+                "smallest sphere around the mesh, as in 2%")
             ->type_name("D")
             ->check(length());
     verb.add_option("--count,-n", options->count,

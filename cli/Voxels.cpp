@@ -89,8 +89,8 @@ Run declareVoxels(CLI::App& verb, Session& session)
     addFiles(verb, *options, voxelFormats());
     verb.add_option(
             "--cell", options->cell,
-            "Length of a cell's edges, or percent of the diagonal of the mesh's bounding box, "
-            "as in 2%")
+            "Length of a cell's edges, or percent of the radius of the smallest sphere around "
+            "the mesh, as in 2%")
         ->type_name("H")
         ->check(length())
         ->required();

@@ -327,7 +327,7 @@ class Mesh(Geometry):
         """The corners of each point: see `tessary.dual`."""
         return operations.dual(self, threads=threads)
 
-    def voxels(self, cell_size: float, *, threads: Optional[int] = None,
+    def voxels(self, cell_size: Union[float, str], *, threads: Optional[int] = None,
                progress: Optional[Progress] = None) -> Voxels:
         """The cells of a grid that the mesh touches: see `tessary.voxels`."""
         return operations.voxels(self, cell_size, threads=threads, progress=progress)

@@ -194,7 +194,7 @@ def sample(mesh: Mesh, *, distance: Union[float, str, None] = None, count: Optio
     """
     if (distance is None) == (count is None):
         raise ArgumentError("distance: either a distance or a count is wanted", "distance")
-    length, is_share = _distance(distance)
+    length, is_share = (0.0, False) if distance is None else _length(distance, "distance")
     data, parents, warnings, *figures = _tessary.sample(
         _mesh(mesh)._data, length, is_share, _count(count), _convert.integer(seed, "seed", 0, 2**32 - 1),
         _carry(mesh, properties), _convert.threads(threads), progress)
@@ -216,15 +216,13 @@ def _doubts(samples: Samples, count: Optional[int]) -> Iterator[str]:
                f"{min(100.0, 100 * samples.rounding_share):.0f} % of the distance (move it to the origin)")
 
 
-def _distance(distance: Union[float, str, None]) -> tuple[float, bool]:
-    if distance is None:
-        return 0.0, False
-    is_share = isinstance(distance, str) and distance.endswith("%")
-    number = distance[:-1] if is_share and isinstance(distance, str) else distance
-    length = _convert.number(number, "distance")
+def _length(given: Union[float, str], argument: str) -> tuple[float, bool]:
+    is_share = isinstance(given, str) and given.endswith("%")
+    number = given[:-1] if is_share and isinstance(given, str) else given
+    length = _convert.number(number, argument)
     if not 0 < length < np.inf:
-        raise ArgumentError(f"distance: a number above zero is wanted, or percent such as \"2%\", not {distance!r}",
-                            "distance")
+        raise ArgumentError(f"{argument}: a number above zero is wanted, or percent such as \"2%\", not {given!r}",
+                            argument)
     return length / 100 if is_share else length, is_share
 
 
@@ -316,9 +314,12 @@ def _stack(value: Any, argument: str, shape: tuple[int, int]) -> Array:
     return _convert.reals(value, argument, shape)
 
 
-def voxels(mesh: Mesh, cell_size: float, *, threads: Optional[int] = None,
+def voxels(mesh: Mesh, cell_size: Union[float, str], *, threads: Optional[int] = None,
            progress: Optional[Progress] = None) -> Voxels:
     """The cells of a grid of cubes that some face touches. Cell (x, y, z) reaches from x to x + 1 times the cell size.
+
+    cell_size : float or str
+        In the mesh's units, or "5%" of the radius of the smallest sphere around the mesh.
 
     Returns Voxels. Raises ArgumentError where the cells are too small for the mesh, InvalidMesh.
 
@@ -327,7 +328,9 @@ def voxels(mesh: Mesh, cell_size: float, *, threads: Optional[int] = None,
     >>> ts.voxels(square, 1).cells.tolist()
     [[0, 0, 0], [1, 0, 0]]
     """
-    size = _convert.number(cell_size, "cell_size")
+    size, is_share = _length(cell_size, "cell_size")
+    if is_share:
+        size *= bounding_sphere(mesh, threads=threads).radius
     if not 1e-30 <= size <= 1e30:
         raise ArgumentError(f"cell_size: a number from 1e-30 to 1e30 is wanted, not {size}", "cell_size")
     return Voxels(_tessary.voxels(_mesh(mesh)._data, size, _convert.threads(threads), progress), size)

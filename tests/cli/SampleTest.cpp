@@ -12,7 +12,7 @@ using nlohmann::json;
 
 namespace {
 
-// A square of area 4 as one face; the diagonal of its bounding box is 8^0.5.
+// A square of area 4 as one face; the sphere around it has the radius 2^0.5.
 const char* const kSquare = "v -1 -1 0\nv 1 -1 0\nv 1 1 0\nv -1 1 0\nf 1 2 3 4\n";
 
 struct SampleVerb : AtTheHouse {
@@ -36,7 +36,7 @@ TEST_F(SampleVerb, SamplesKeepTheDistanceAskedForAndAreMeasured)
         const json report = sampled(square, out, {"--distance", asked});
         const auto samples = pointsOf(out);
         const double distance = report["distance"], gap = report["smallest_distance"];
-        EXPECT_NEAR(distance, asked[3] == '%' ? 0.025 * 2.8284271 : std::stod(asked), 1e-6);
+        EXPECT_NEAR(distance, asked[3] == '%' ? 0.025 * 1.4142136 : std::stod(asked), 1e-6);
         EXPECT_GE(gap, distance * (1 - 1e-5));
         EXPECT_EQ(gap, TessaryMesh::smallestDistance(samples, distance));
         EXPECT_EQ(report["samples"], samples.size());
@@ -121,7 +121,7 @@ TEST_F(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
     expectLine(square, {"--distance", "1e-6"}, 2, "which 32 bits cannot number (take a distance ");
     expectLine(square, {"--distance", "1", "--seed", "4294967296"}, 2, "--seed");
     expectLine(square, {"--distance", "1", "--properties", "uv"}, 2, "no property \"uv\"");
-    expectLine(endless, {"--distance", "1000%"}, 2, "the distance 1000% is outside what single");
+    expectLine(endless, {"--distance", "2%"}, 2, "the distance 2% is outside what single");
     expectLine(cloud, {"--distance", "1"}, 4, "no faces, so there is no surface");
     expectLine(huge, {"--distance", "2%"}, 4, "scale the mesh down");
 }

@@ -92,6 +92,7 @@ def test_boxes_are_broadcast():
 
 def test_voxels_become_cubes():
     cells = DEMO.voxels(0.25)
+    assert DEMO.voxels("12.5%").cell_size == 0.125 * DEMO.bounding_sphere().radius
     cubes = cells.mesh()
     assert cubes.face_count == 6 * len(cells.cells) and cubes.validate().valid
     with pytest.raises(ts.ArgumentError, match="^cell_size: "):
