@@ -109,8 +109,18 @@ Multicollider solved(const std::vector<Body>& bodies, const std::vector<Contact>
     return solver;
 }
 
-int main()
+// "center half-size radius" a line, for whoever draws them.
+void print(const std::vector<Body>& bodies)
 {
+    for (const Body& body : bodies)
+        std::printf("%g %g %g  %g %g %g  %g\n", body.center.x, body.center.y, body.center.z,
+                    body.h.x, body.h.y, body.h.z, body.radius);
+}
+
+// With any argument the bodies themselves are printed, as they were and as they end.
+int main(int argc, char**)
+{
+    const bool printsBodies = argc > 1;
     std::mt19937 random(1);
     const auto unit = [&random] { return static_cast<float>(random()) * 0x1p-32f; };
     std::vector<Body> bodies;
@@ -121,9 +131,11 @@ int main()
         else
             bodies.push_back({center, {0.2f + 0.3f * unit(), 0.4f, 0.3f}, 0});
     }
+    if (printsBodies)
+        print(bodies);
     for (int round = 0;; ++round) {
         const std::vector<Contact> contacts = findContacts(bodies);
-        if (round % 10 == 0)
+        if (round % 10 == 0 && !printsBodies)
             std::printf("round %2d: largest penetration %.2f\n", round, deepest(contacts));
         if (round == 30)
             break;
@@ -131,4 +143,6 @@ int main()
         for (uint body = 0; body < bodies.size(); ++body)
             bodies[body].center = plus(bodies[body].center, solver.displacements[body]);
     }
+    if (printsBodies)
+        print(bodies);
 }

@@ -290,6 +290,7 @@ function loadLibrary(bytes) {
 const pause = () => new Promise(resolve => setTimeout(resolve, 0));
 
 async function main() {
+  document.body.classList.toggle("bare", new State().bare);
   loadLibrary(await inflate(bytesOfBase64(byId("library").textContent)));
   const contents = JSON.parse(byId("contents").textContent), arrays = new Arrays(contents.encoding), models = [];
   for (const description of contents.models) models.push(await Model.load(description, arrays));
