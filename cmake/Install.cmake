@@ -70,6 +70,19 @@ if(TESSARY_BUILD_PROGRAM)
   tessary_install_rpath(tessary_program ${CMAKE_INSTALL_FULL_BINDIR})
   install(TARGETS tessary_program)
 endif()
+if(TESSARY_BUILD_PROGRAM AND NOT CMAKE_CROSSCOMPILING)
+  set(tessary_shell ${PROJECT_BINARY_DIR}/cli/shell)
+  set(tessary_zsh_dir site-functions)
+  if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS /etc/debian_version)
+    set(tessary_zsh_dir vendor-completions)
+  endif()
+  install(FILES ${tessary_shell}/tessary.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${tessary_shell}/tessary
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES ${tessary_shell}/_tessary DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${tessary_zsh_dir})
+  install(FILES ${tessary_shell}/tessary.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endif()
 
 # Where Python looks: in Debian's prefixes, and in any other.
 if(TARGET tessary_python)
