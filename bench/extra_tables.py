@@ -1,7 +1,9 @@
 """Tables across families: small inputs, starts of arrays, and figures that others measured."""
 
 from pages import number_text, size_text, table, time_text
-from rows import good, grouped, own_rows
+from rows import good, grouped, own_rows, peer_rows
+
+MAIN_SIZE = 1000000
 
 SMALL_SIZES = (10, 100, 1000, 10000)
 
@@ -17,6 +19,39 @@ def with_ratio(row):
     """A time, with its ratio to the other way's where there is one."""
     ratio = row.figure("ratio")
     return time_text(row.figure("median_ms")) + (f" ({number_text(ratio)})" if ratio else "")
+
+
+def nearest(group, size):
+    return min(group, key=lambda row: abs(row.size - size))
+
+
+def main_lines(rows):
+    """For each kernel a row near the main size, in its usual input, and that beside the nearest library or None."""
+    kernels = {}
+    for (family, kernel, _), group in grouped(own_rows(rows)).items():
+        if family != "starts":
+            kernels.setdefault(kernel, nearest(group, MAIN_SIZE))
+    beside = {}
+    for (_, kernel, _), group in grouped(peer_rows(rows)).items():
+        size = nearest(group, MAIN_SIZE).size
+        beside.setdefault(kernel, []).extend(row for row in group if row.size == size)
+    return [(row, max(beside.get(kernel, [None]), key=lambda each: each.figure("ratio") if each else 0))
+            for kernel, row in kernels.items()]
+
+
+def main_table(rows):
+    groups = grouped(own_rows(rows))
+    lines = []
+    for row, peer in main_lines(rows):
+        group = groups[row.family, row.kernel, row.input]
+        known = {name: next((number_text(each.figure(name)) for each in reversed(group) if each.figure(name)), "")
+                 for name in ("B_per_element", "speed_up")}
+        library = f"{peer.beside}, {peer.input}" if peer else ""
+        lines.append([f"`{row.kernel}`", f"{row.input}, {size_text(row.size)}", time_text(row.figure("median_ms")),
+                      known["B_per_element"], known["speed_up"], library,
+                      f"{time_text(peer.figure('median_ms'))} : {time_text(peer.figure('other_ms'))}" if peer else ""])
+    heads = ["kernel", "input, size", "time", "B/element", "1 → N", "nearest library, its input", "ours : its time"]
+    return table(heads, lines)
 
 
 def small_table(rows):

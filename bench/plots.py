@@ -135,6 +135,25 @@ def picture(rows):
                       *made, "</svg>\n"])
 
 
+def bars(lines):
+    """A bar for each kernel that was measured beside a library: how many times as fast it is as the nearest."""
+    beside = [(row, peer, 1 / peer.figure("ratio")) for row, peer in lines if peer]
+    axis = Axis([1, *(times for *_, times in beside)], 190, 600)
+    bottom = 26 + 26 * len(beside)
+    made = [text(2, 14, "times as fast as the public library that comes nearest", "t"),
+            f'<path class="g" d="{"".join(f"M{axis.place(tick)} 22V{bottom}" for tick in axis.ticks)}"/>']
+    made += [text(axis.place(tick), bottom + 12, f"{tick:g}", "m") for tick in axis.ticks]
+    for i, (row, peer, times) in enumerate(beside):
+        y = 26 + 26 * i
+        end = axis.place(times)
+        made += [text(184, y + 14, row.kernel.split(" ")[0].replace("_with_axis_aligned_box", "..."), "e"),
+                 f'<path d="M190 {y + 11}H{end}" style="stroke:{OURS[0]};stroke-width:12;stroke-linecap:butt"/>',
+                 text(end + 6, y + 14, f"{times:.1f}  {peer.beside}")]
+    return "\n".join([f'<svg xmlns="http://www.w3.org/2000/svg" width="800" height="{bottom + 18}">',
+                      f'<style>{STYLE}</style><rect width="800" height="{bottom + 18}" fill="#fff"/>',
+                      *made, "</svg>\n"])
+
+
 def pictures_of(rows, output):
     """Draws the families' pictures; returns those that were drawn."""
     made = []

@@ -1,26 +1,27 @@
 #!/usr/bin/env python3
 """Makes a report of what the benchmark programs wrote.
 
-usage: report.py RAW OUTPUT [--docs FOLDER]
+usage: report.py RAW OUTPUT [--docs]
 
 RAW holds the programs' JSON files. OUTPUT gets report.md, report.json and a picture per family. With
---docs, the tables between the marks of FOLDER's benchmarks.md, and the pictures that it shows, are
-made anew too. Exit code 1 if a row failed, 2 if RAW holds no rows.
+--docs, the figures are kept in bench/results, where those of an earlier run that were not measured now stay, and
+the main ones are put into docs/benchmarks.md. Exit code 1 if a row failed, 2 if RAW holds no rows.
 """
 
 import argparse
 import json
-import shutil
 import sys
 from dataclasses import asdict
 from pathlib import Path
 
-from extra_tables import EXTRA_TABLES
+from extra_tables import main_lines, main_table
 from machine import describe, facts_text
 from pages import number_text, paste, size_text, table, time_text
-from plots import pictures_of
-from rows import FAMILIES, NotRows, grouped, own_rows, peer_rows, read_folder, speed_ups
+from plots import bars, pictures_of
+from rows import FAMILIES, NotRows, good, grouped, keep, merged, own_rows, peer_rows, read_folder, read_kept
 from rows import read_remarks
+
+ROOT = Path(__file__).resolve().parent.parent
 
 
 def full_line(row):
@@ -50,7 +51,6 @@ FULL_HEADS = ["kernel/input/size", "median", "±", "a second", "GB/s", "× copy"
 
 def summary_table(rows, sizes=(1000, 100000, 1000000, 8000000)):
     """A line for each kernel and input: times by size, the rest for the largest size."""
-    faster = speed_ups(rows)
     lines = []
     for (_, kernel, source), group in grouped(own_rows(rows)).items():
         times = {row.size: time_text(row.figure("median_ms")) for row in group}
@@ -60,7 +60,7 @@ def summary_table(rows, sizes=(1000, 100000, 1000000, 8000000)):
         lines.append([f"`{kernel}`", source + (f" ({'; '.join(others)})" if others else "")]
                      + [times.get(size, "") for size in sizes]
                      + [number_text(last.figure("x_copy")), number_text(last.figure("ratio")),
-                        number_text(faster.get(last.name)),
+                        number_text(last.figure("speed_up")),
                         number_text(last.figure("B_per_element"))])
     heads = ["kernel", "input"] + [size_text(size) for size in sizes]
     return table(heads + ["× copy", "ratio", "1 → N", "B/element"], lines)
@@ -104,28 +104,23 @@ def report_text(facts, rows, remarks, pictures):
     return "\n\n".join(parts) + "\n"
 
 
-def paste_docs(docs, facts, rows, remarks, output, pictures):
-    page = docs / "benchmarks.md"
+def keep_for_docs(root, facts, rows):
+    """Keeps the figures, and puts the main ones into the page about them."""
+    kept = root / "bench/results/benchmarks.csv"
+    measured = [row for row in good(rows) if not row.threads]
+    facts, rows = merged(facts, measured, *read_kept(kept))
+    keep(kept, facts, rows)
+    page = root / "docs/benchmarks.md"
     paste(page, "machine", facts_text(facts))
-    for mark, table_of in EXTRA_TABLES.items():
-        text = table_of(rows)
-        if text:
-            paste(page, mark, text)
-    for family in dict.fromkeys(row.family for row in own_rows(rows) if row.family != "starts"):
-        text = summary_table([row for row in rows if row.family == family])
-        if family in pictures:
-            shutil.copy(output / f"{family}.svg", docs / "pictures" / f"bench-{family}.svg")
-            text = f"![{family}](pictures/bench-{family}.svg)\n\n{text}"
-        paste(page, family, text)
-    if peer_rows(rows):
-        paste(page, "libraries", peer_table(rows, remarks))
+    paste(page, "main", main_table(rows))
+    (root / "docs/pictures/benchmarks.svg").write_text(bars(main_lines(rows)))
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("raw", type=Path)
     parser.add_argument("output", type=Path)
-    parser.add_argument("--docs", type=Path)
+    parser.add_argument("--docs", action="store_true")
     arguments = parser.parse_args()
     try:
         context, rows = read_folder(arguments.raw)
@@ -138,7 +133,7 @@ def main():
         (arguments.output / "report.json").write_text(
             json.dumps({"facts": facts, "rows": [asdict(row) for row in rows]}, indent=1))
         if arguments.docs:
-            paste_docs(arguments.docs, facts, rows, remarks, arguments.output, pictures)
+            keep_for_docs(ROOT, facts, rows)
     except NotRows as error:
         print(f"report.py: {error}", file=sys.stderr)
         return 2

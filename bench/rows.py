@@ -1,5 +1,6 @@
 """Rows of the benchmark programs, read from the JSON files that they write."""
 
+import csv
 import json
 import re
 from dataclasses import dataclass, field
@@ -9,6 +10,12 @@ FAMILIES = ["topology", "triangulation", "cutmesh", "sampling", "primitives", "s
 
 # What a row has at least; files of older programs have no such figures.
 NEEDED = ["median_ms", "low_ms", "high_ms", "elements"]
+
+
+# What is kept of a row, as words and as figures; kept files hold facts before the rows.
+KEPT_WORDS = ["unit", "other", "difference"]
+KEPT_FIGURES = ["elements", "median_ms", "other_ms", "ratio", "x_copy", "B_per_element", "speed_up", "process_MB"]
+KEPT = ["family", "kernel", "input", "size", "beside", *KEPT_FIGURES, *KEPT_WORDS, "error"]
 
 
 class NotRows(Exception):
@@ -121,8 +128,48 @@ def read_folder(folder):
         context.update(found)
         rows += more
     give_one_time(rows)
+    for name, ratio in speed_ups(rows).items():
+        next(row for row in rows if row.name == name).figures["speed_up"] = ratio
     order = {family: place for place, family in enumerate(FAMILIES)}
     return context, sorted(rows, key=lambda row: order.get(row.family, len(order)))
+
+
+def keep(path, facts, rows):
+    """Writes facts and rows into a file that read_kept() reads, figures with four digits."""
+    with path.open("w", newline="") as file:
+        file.writelines(f"# {name}: {text}\n" for name, text in facts.items() if text)
+        writer = csv.DictWriter(file, KEPT, extrasaction="ignore", lineterminator="\n")
+        writer.writeheader()
+        for row in rows:
+            figures = {key: f"{row.figures[key]:.4g}" for key in KEPT_FIGURES if key in row.figures}
+            figures["elements"] = f"{row.figures.get('elements', row.size):.0f}"
+            writer.writerow({**vars(row), **figures, **row.words})
+
+
+def read_kept(path):
+    """The facts and the rows of a kept file; none where there is no such file."""
+    lines = path.read_text().splitlines() if path.exists() else []
+    facts = dict(line[2:].split(": ", 1) for line in lines if line.startswith("# "))
+    rows = []
+    for line in csv.DictReader(line for line in lines if not line.startswith("# ")):
+        row = Row(line["family"], line["kernel"], line["input"], int(line["size"]), beside=line["beside"],
+                  error=line["error"])
+        row.words = {key: line[key] for key in KEPT_WORDS if line[key]}
+        row.figures = {key: float(line[key]) for key in KEPT_FIGURES if line[key]}
+        rows.append(row)
+    return facts, rows
+
+
+def merged(facts, rows, old_facts, old_rows):
+    """The rows, and those of an earlier run that were not measured now, in the order of the families."""
+    measured = {row.name for row in rows}
+    left = [row for row in old_rows if row.name not in measured]
+    facts = dict(facts)
+    if left:
+        facts["measured before"] = old_facts.get("measured before") or \
+            f"{len(left)} rows, at {old_facts.get('revision', '?')} on {old_facts.get('date', '?')}"
+    order = {family: place for place, family in enumerate(FAMILIES)}
+    return facts, sorted([*rows, *left], key=lambda row: order.get(row.family, len(order)))
 
 
 def key_without_size(row):

@@ -1,13 +1,12 @@
 #!/usr/bin/env python3
 """Measures kernels on ever larger inputs, until they do not fit, each in a process of its own.
 
-usage: scaling.py PROGRAMS OUTPUT [--resume] [--docs FOLDER] [--memory GB] [--seconds S]
+usage: scaling.py PROGRAMS OUTPUT [--resume] [--docs] [--memory GB] [--seconds S]
                   [arguments of the programs]
 
 PROGRAMS is the folder that holds the programs. OUTPUT gets raw/FAMILY.json, row by row, and
-scaling.md; with --resume, rows that are there already stay. With --docs, the tables between the marks
-of FOLDER's scaling.md are made anew too. Exit code 1 if a row failed for another reason than
-memory or time.
+scaling.md; with --resume, rows that are there already stay. With --docs, the figures are kept in
+bench/results. Exit code 1 if a row failed for another reason than memory or time.
 """
 
 import argparse
@@ -21,8 +20,8 @@ from math import log
 from pathlib import Path
 
 from machine import describe, facts_text
-from pages import number_text, paste, size_text, table, time_text
-from rows import NotRows, good, grouped, own_rows, parse_name, pattern_of, read_folder
+from pages import number_text, size_text, table, time_text
+from rows import NotRows, good, grouped, keep, own_rows, parse_name, pattern_of, read_folder
 
 # What is measured; the rest is done element by element, without memory of its own.
 CHOSEN = {
@@ -38,6 +37,7 @@ CHOSEN = {
 USUAL = ["--alone", "--min-size=100000", "--max-size=1000000000", "--row-seconds=0.3"]
 COLUMNS = [(100000, "10⁵"), (1000000, "10⁶"), (8000000, "8·10⁶"), (30000000, "3·10⁷"),
            (100000000, "10⁸")]
+KEPT = Path(__file__).resolve().parent / "results/scaling.csv"
 NO_MEMORY = "needs more memory"
 NO_TIME = "takes longer"
 LIMITS = (NO_MEMORY, NO_TIME)
@@ -163,12 +163,10 @@ def report(raw, output, docs):
     context, rows = read_folder(raw)
     if not good(rows):
         raise NotRows(f"{raw}: no rows; does any name fit the arguments?")
-    facts = facts_text(describe(context, rows))
-    text = scaling_table(rows)
-    (output / "scaling.md").write_text(f"# Scaling\n\n{facts}\n\n{text}\n")
+    facts = describe(context, rows)
+    (output / "scaling.md").write_text(f"# Scaling\n\n{facts_text(facts)}\n\n{scaling_table(rows)}\n")
     if docs:
-        paste(docs / "scaling.md", "machine", facts)
-        paste(docs / "scaling.md", "scaling", text)
+        keep(KEPT, facts, [row for row in rows if not row.threads])
     return [row for row in rows if row.error and row.error not in LIMITS]
 
 
@@ -177,7 +175,7 @@ def main():
     parser.add_argument("programs", type=Path)
     parser.add_argument("output", type=Path)
     parser.add_argument("--resume", action="store_true")
-    parser.add_argument("--docs", type=Path)
+    parser.add_argument("--docs", action="store_true")
     parser.add_argument("--memory", type=float, default=16)
     parser.add_argument("--seconds", type=float, default=300)
     arguments, more = parser.parse_known_args()

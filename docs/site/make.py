@@ -42,6 +42,7 @@ def gather(source, arguments):
     for group in made.values():
         for name, text in group.items():
             pages.add(name, text)
+    run(sys.executable, "-B", "bench/figures.py", source)
     pages.add_index({title: list(group) for title, group in made.items()})
     shutil.copytree(ROOT / "docs/pictures", source / "pictures")
     shutil.copytree(ROOT / "docs/site/_static", source / "_static")

@@ -6,6 +6,7 @@ from pathlib import Path
 
 LINK = re.compile(r"(?<!!)\[([^\]]*)\]\(([^)\s]+)\)")
 CODE = re.compile(r"(^```.*?^```)", re.MULTILINE | re.DOTALL)
+MADE = {"figures.md"}  # of other pages' figures
 KINDS = {"README.md": "index.md", "CHANGELOG.md": "changes.md", "CONTRIBUTING.md": "contributing.md"}
 
 
@@ -80,8 +81,11 @@ class Pages:
                                                    re.MULTILINE | re.DOTALL)}
         named = {name for names in groups.values() for name in names}
         for page in sorted(self.folder.glob("*.md")):
-            if page.name not in named | {"index.md"}:
+            if page.name not in named | MADE | {"index.md"}:
                 raise Faults(f"docs/index.md does not name {page.name}")
+        for names in groups.values():
+            if "benchmarks.md" in names:
+                names += sorted(MADE)
         for title, names in {**groups, **made}.items():
             lines = "\n".join(name for name in names if not name.startswith("cpp/") or name == "cpp/index.md")
             text += f"\n```{{toctree}}\n:hidden:\n:caption: {title}\n\n{lines}\n```\n"

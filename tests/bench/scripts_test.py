@@ -13,6 +13,7 @@ from xml.etree import ElementTree
 
 import compare
 import extra_tables
+import figures
 import pages
 import report
 import rows
@@ -60,25 +61,43 @@ class Report(InAFolder):
         self.write("peers_topology.json",
                    benchmark("addDual/grid/100000/beside:LIB fast", 5.0, other_ms=1.0, ratio=5.0),
                    benchmark("addDual/grid/100000/beside:LIB", 3.0, other_ms=6.0, ratio=0.5))
-        pages_folder = self.folder / "docs"
-        (pages_folder / "pictures").mkdir(parents=True)
-        marks = ("machine", "small", "topology", "libraries")
-        page = pages_folder / "benchmarks.md"
-        page.write_text("".join(f"<!-- {mark} -->\nold\n<!-- end of {mark} -->\n" for mark in marks))
-        code, text = self.report("--docs", pages_folder)
+        _, found = rows.read_folder(self.folder)
+        code, text = self.report()
         self.assertEqual(code, 0)
         self.assertIn("| addDual/grid/100000 | 4.00 ms | 10 % | 25.0 M triangles |", text)
         self.assertRegex(text, r"LIB fast \| 4.00 ms \| 1.00 ms \| 5.00 \|.*\*\*behind\*\*")
         self.assertRegex(text, r"LIB \| 4.00 ms \| 6.00 ms \| 0.50 \| the same work \|  \|")
-        self.assertNotIn("old", page.read_text())
-        self.assertIn("| 500 µs | 4.00 ms |  |  |  |  | 2.50 | 12.0 |", page.read_text())
-        picture = ElementTree.parse(pages_folder / "pictures/bench-topology.svg")
+        self.assertIn("| 500 µs | 4.00 ms |  |  |  |  | 2.50 | 12.0 |", report.summary_table(found))
+        picture = ElementTree.parse(self.folder / "topology.svg")
         words = [element.text for element in picture.iter() if element.tag.endswith("text")]
         self.assertLessEqual({"addDual", "ns per triangle, by number of triangles", "grid", "LIB fast"},
                              set(words))
         # 500 ns for each of 1000, 40 for 100000, between the 10 and the 500 of the scale
         lines = [element.get("d") for element in picture.iter() if element.get("class") == "o"]
         self.assertIn("M36 34L272 109", lines)
+
+    def test_figures_are_kept_for_the_pages_and_stay_where_they_are_not_measured_again(self):
+        for folder in ("bench/results", "docs/pictures"):
+            (self.folder / folder).mkdir(parents=True)
+        page = self.folder / "docs/benchmarks.md"
+        page.write_text("".join(f"<!-- {mark} -->\nold\n<!-- end of {mark} -->\n" for mark in ("machine", "main")))
+        beside = benchmark("addDual/grid/100000/beside:LIB", 3.0, other_ms=6.0, ratio=0.5)
+        self.write("topology.json", benchmark("addDual/grid/100000", 3.0), beside)
+        report.keep_for_docs(self.folder, {"revision": "one", "date": "then"}, rows.read_folder(self.folder)[1])
+        self.write("topology.json", benchmark("addDual/grid/100000", 2.0))
+        report.keep_for_docs(self.folder, {"revision": "two", "date": "now"}, rows.read_folder(self.folder)[1])
+        self.assertIn("| 2.00 ms |  |  | LIB, grid | 3.00 ms : 6.00 ms |", page.read_text())
+        self.assertRegex(page.read_text(), "revision: two\n[^<]*measured before: 1 rows, at one on then")
+        self.assertIn("2.0  LIB", (self.folder / "docs/pictures/benchmarks.svg").read_text())
+
+    def test_all_kept_figures_have_their_place_on_the_page_of_the_site(self):
+        code, _ = self.run_quietly(figures.main, self.folder)
+        page = (self.folder / "figures.md").read_text()
+        self.assertIsNone(code)
+        self.assertNotRegex(page, r"<!-- ([\w-]+) -->\s*<!-- end of \1 -->")
+        _, kept = rows.read_kept(Path(figures.__file__).parent / "results/benchmarks.csv")
+        self.assertGreater(len(kept), 400)
+        self.assertEqual([row.kernel for row in kept if f"`{row.kernel}`" not in page], [])
 
     def test_starts_and_quoted_figures_have_tables_of_their_own(self):
         self.write("starts.json", benchmark("addDual/start 0/10", 3.0, ratio=0.5),
