@@ -1,6 +1,8 @@
 #include "Conversion.h"
+#include "EachFile.h"
 #include "MeshFacts.h"
 #include "Verbs.h"
+#include "Words.h"
 
 #include <TessaryMesh/Operations.h>
 
@@ -29,6 +31,15 @@ std::size_t boundaryCount(const Pelon::Array<Pelon::uint>& triEdges)
     return count;
 }
 
+std::string summary(const Json& facts)
+{
+    const auto some = [&facts](const char* key, const char* what) {
+        return counted(facts[key].get<std::uint64_t>(), what);
+    };
+    return some("triangles", "triangle") + ", " + some("edges", "edge") + ", " +
+           facts["boundary_edges"].dump() + " of them boundary";
+}
+
 ExitCode adjacency(const FileOptions& options, Session& session)
 {
     Conversion conversion(options, session);
@@ -43,9 +54,7 @@ ExitCode adjacency(const FileOptions& options, Session& session)
                         {"triangles", tables.faceVertex->size() / 3},
                         {"edges", tables.triEdges->size() / 2},
                         {"boundary_edges", boundaryCount(*tables.triEdges)}};
-    return conversion.report(facts, facts["triangles"].dump() + " triangles, " +
-                                        facts["edges"].dump() + " edges, " +
-                                        facts["boundary_edges"].dump() + " of them boundaries");
+    return conversion.report(facts, summary(facts));
 }
 
 }  // namespace
@@ -55,7 +64,7 @@ Run declareAdjacency(CLI::App& verb, Session& session)
     const auto options = std::make_shared<FileOptions>();
     addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesArrays));
     verb.footer(kHelp);
-    return [options, &session] { return adjacency(*options, session); };
+    return eachFile(options, session, adjacency);
 }
 
 }  // namespace Cli

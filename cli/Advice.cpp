@@ -25,7 +25,39 @@ constexpr Advice kAdvice[] = {
      "split these faces another way before tessary adjacency or quads"},
 };
 
+// The messages of problems speak of many.
+struct One {
+    const char* code;
+    const char* message;
+};
+
+constexpr One kOne[] = {
+    {"topology-missing", "array that a mesh needs is missing"},
+    {"topology-type", "array of a mesh has another element type"},
+    {"offset-order", "face offset that is not in a rising list of corners"},
+    {"small-face", "face of fewer than three corners"},
+    {"index-out-of-range", "corner that names no point"},
+    {"point-not-finite", "point that is not finite"},
+    {"repeated-corner", "corner that repeats a point of its face"},
+    {"length-mismatch", "array whose length does not match its component"},
+    {"property-index", "index outside the values of its property"},
+    {"circular-target", "property whose targets lead round in a circle"},
+    {"diagonal-direction",
+     "inner edge of a face split into triangles that runs as another edge does"},
+    {"non-manifold-edge", "edge of more than two faces"},
+    {"same-direction", "edge along which two faces run in one direction"},
+};
+
 }  // namespace
+
+std::string countedMessage(const Problem& problem)
+{
+    if (problem.count == 1)
+        for (const One& one : kOne)
+            if (problem.code == one.code)
+                return std::string("1 ") + one.message;
+    return std::to_string(problem.count) + " " + problem.message;
+}
 
 std::string adviceOn(const Problem& problem, const std::string& verb)
 {

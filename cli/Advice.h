@@ -7,6 +7,9 @@
 /// What the program adds to the words of the library: the options and verbs that help.
 namespace Cli {
 
+/// "1 corner that names no point", "2 corners that name no point"
+std::string countedMessage(const TessaryMesh::Problem& problem);
+
 /// What to do about a problem that `verb` met.
 std::string adviceOn(const TessaryMesh::Problem& problem, const std::string& verb);
 

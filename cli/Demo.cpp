@@ -1,7 +1,7 @@
 #include "DemoKernels.h"
 #include "MeshFacts.h"
 #include "Numbers.h"
-#include "Options.h"
+#include "OutputNames.h"
 #include "Verbs.h"
 
 #include <TessaryMesh/Files.h>
@@ -104,17 +104,6 @@ void makeAndWrite(const Object& mesh, const std::filesystem::path& folder, Sessi
     write(*triangles, folder / "demo_triangles.ply", session, steps);
     write(*quads, folder / "demo_quads.ply", session, steps);
     write(*samples, folder / "demo_samples.ply", session, steps);
-}
-
-void makeFolder(const std::string& folder)
-{
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    using TessaryMesh::FileError;
-    if (error)
-        throw FileError(FileError::Code::Unwritable, folder,
-                        folder + ": cannot make this folder: " + error.message() +
-                            " (choose another with --output)");
 }
 
 ExitCode demo(const Options& options, Session& session)

@@ -1,6 +1,7 @@
 #include "MeshFacts.h"
 #include "Options.h"
 #include "Verbs.h"
+#include "Words.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -14,7 +15,9 @@ ExitCode info(const std::string& path, Session& session)
     session.beginStage("measuring");
     Json facts = {{"verb", "info"}, {"file", path}, {"format", input.format->name}};
     facts.update(factsOf(*input.mesh));
-    const std::string text = path + ": " + std::string(input.format->name) + "\n" + textOf(facts);
+    const std::string head = shown(path) + ": " + std::string(input.format->name);
+    const std::string text =
+        session.settings.isBatch ? head + "; " + lineOf(facts) + "\n" : head + "\n" + textOf(facts);
     session.finish(std::move(facts), text);
     return ExitCode::Done;
 }

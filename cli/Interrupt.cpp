@@ -65,6 +65,11 @@ bool Interrupt::isRequested() const
     return s_job.isCancelled();
 }
 
+Pelon::Job& Interrupt::job()
+{
+    return s_job;
+}
+
 void Interrupt::setLine(std::string line)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);

@@ -23,6 +23,9 @@ public:
 
     bool isRequested() const;
 
+    /// What a signal cancels, for further threads of the program to work under.
+    Pelon::Job& job();
+
     /// What to print where the work does not leave off.
     void setLine(std::string line);
 

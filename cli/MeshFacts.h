@@ -36,6 +36,9 @@ Json factsOf(const Korvane::Object& mesh);
 /// The same as lines for people.
 std::string textOf(const Json& facts);
 
+/// The most of it on one line.
+std::string lineOf(const Json& facts);
+
 /// A list of strings as "a, b, c".
 std::string joined(const Json& strings);
 

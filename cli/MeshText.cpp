@@ -1,4 +1,5 @@
 #include "MeshFacts.h"
+#include "Words.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -36,9 +37,14 @@ std::string propertyText(const Json& property)
 {
     const auto word = [&property](const char* key) { return property[key].get<std::string>(); };
     std::string text = property["type"].is_null() ? "unknown type" : word("type");
-    text += " on " + property["elements"].dump() + " " + word("component");
+    const std::string component = word("component");
+    const bool isPlural = component == "points" || component == "corners" || component == "faces";
+    text += " on " + (isPlural ? counted(property["elements"].get<std::uint64_t>(),
+                                         component.substr(0, component.size() - 1))
+                               : property["elements"].dump() + " " + component);
     if (!property["through"].is_null())
-        text += ", " + property["values"].dump() + " values through " + word("through");
+        text += ", " + counted(property["values"].get<std::uint64_t>(), "value") + " through " +
+                word("through");
     return text;
 }
 
@@ -48,11 +54,11 @@ std::string table(const Rows& rows)
 {
     std::size_t width = 0;
     for (const auto& row : rows)
-        width = std::max(width, row.first.size());
+        width = std::max(width, shown(row.first).size());
     std::ostringstream text;
     for (const auto& [name, value] : rows)
-        text << "  " << std::left << std::setw(static_cast<int>(width)) << name << "  " << value
-             << "\n";
+        text << "  " << std::left << std::setw(static_cast<int>(width)) << shown(name) << "  "
+             << shown(value) << "\n";
     return text.str();
 }
 
@@ -69,11 +75,12 @@ std::string edgesText(const Json& facts)
 {
     if (facts["edges"] == 0)
         return "0";
+    const std::string least = facts["valence"]["least"].dump(),
+                      most = facts["valence"]["most"].dump();
     return facts["edges"].dump() + ": " + facts["boundary_edges"].dump() + " boundary" +
            placesText(facts["non_manifold_edges"], "of more than two faces") +
            placesText(facts["same_direction_edges"], "along which faces run in one direction") +
-           "; " + facts["valence"]["least"].dump() + " to " + facts["valence"]["most"].dump() +
-           " at a point";
+           "; " + (least == most ? "" : least + " to ") + most + " at a point";
 }
 
 std::string shapeText(const Json& facts)
@@ -81,7 +88,7 @@ std::string shapeText(const Json& facts)
     if (facts["components"] == 0)
         return "no faces";
     const auto plural = [](const Json& count, const char* what) {
-        return count.dump() + " " + what + (count == 1 ? "" : "s");
+        return counted(count.get<std::uint64_t>(), what);
     };
     std::string text = plural(facts["components"], "component") +
                        (facts["closed"].get<bool>() ? ", closed" : ", open") +
@@ -124,6 +131,19 @@ std::string textOf(const Json& facts)
     if (!values.empty())
         text += "values\n" + table(values);
     return text;
+}
+
+std::string lineOf(const Json& facts)
+{
+    const auto some = [&facts](const char* key, const char* what) {
+        return counted(facts[key].get<std::uint64_t>(), what);
+    };
+    std::string names;
+    for (const Json& property : facts["properties"])
+        names += (names.empty() ? "" : ", ") + shown(property["name"].get<std::string>());
+    return some("points", "point") + ", " + some("corners", "corner") + ", " +
+           some("faces", "face") + "; " + shapeText(facts) + "; area " + facts["area"].dump() +
+           "; " + (names.empty() ? "no properties" : names);
 }
 
 std::string joined(const Json& strings)

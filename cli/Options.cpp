@@ -1,6 +1,8 @@
 #include "Options.h"
 
+#include "EachFile.h"
 #include "Help.h"
+#include "NameList.h"
 #include "Numbers.h"
 #include "Words.h"
 
@@ -10,7 +12,6 @@
 #include <algorithm>
 #include <cctype>
 #include <memory>
-#include <sstream>
 
 namespace Cli {
 namespace {
@@ -48,16 +49,21 @@ std::string namesOf(const Pelon::Array<Pelon::String>& names)
 {
     std::string list;
     for (const Pelon::String& name : names)
-        list += (list.empty() ? "" : ", ") + std::string(name.view());
+        list += (list.empty() ? "" : ", ") + asTyped(std::string(name.view()));
     return list.empty() ? "none" : list;
 }
 
-void addInput(CLI::App& verb, std::string& path)
+void addInputs(CLI::App& verb, FileOptions& files)
 {
-    verb.add_option("INPUT", path,
-                    "Mesh file to read (" + readableFormats(" or ") + "); - is standard input")
+    verb.add_option("INPUT", files.inputs,
+                    "Mesh files to read (" + readableFormats(" or ") + "); - is standard input")
         ->type_name("")
         ->required();
+    verb.add_option("--jobs,-j", files.jobs,
+                    "Work on this many files at a time, which share the threads, 1 to 1024; one "
+                    "without this option")
+        ->type_name("N")
+        ->check(wholeNumber(1, kMostThreads));
 }
 
 }  // namespace
@@ -94,18 +100,25 @@ void addSettings(CLI::App& verb, Settings& settings)
 Run declareReport(CLI::App& verb, Session& session,
                   ExitCode (*report)(const std::string& path, Session& session))
 {
-    const auto path = std::make_shared<std::string>();
-    addInput(verb, *path);
-    return [path, &session, report] { return report(*path, session); };
+    const auto files = std::make_shared<FileOptions>();
+    addInputs(verb, *files);
+    return [files, &session, report] {
+        return forEachFile(*files, session, [report](const FileTask& task, Session& one) {
+            return report(task.input, one);
+        });
+    };
 }
 
 void addFiles(CLI::App& verb, FileOptions& files, Formats formats)
 {
-    addInput(verb, files.input);
+    addInputs(verb, files);
     OutputOptions& output = files.output;
     output.formats = std::move(formats);
     const std::vector<std::string> names = namesOf(output.formats);
-    verb.add_option("--output,-o", output.path, "File to write; - is standard output")
+    verb.add_option(
+            "--output,-o", output.path,
+            "File to write, - for standard output; or folder to write to under the names of the "
+            "inputs, made where it is missing and the name ends in /")
         ->type_name("FILE")
         ->required();
     verb.add_option("--format", output.format,
@@ -119,14 +132,17 @@ void addMaps(CLI::App& verb, FileOptions& files, const std::string& element)
 {
     verb.add_option("--maps", files.maps,
                     "Write where each " + element +
-                        " comes from: its face in INPUT and the like, as arrays\n(.npz or .json)")
+                        " comes from: its face in INPUT and the like, as arrays "
+                        "(.npz or .json, or a folder for .npz)")
         ->type_name("FILE");
 }
 
 void addProperties(CLI::App& verb, std::string& selection)
 {
-    verb.add_option("--properties", selection,
-                    "What to carry: all (without this option), none, or names such as a,b")
+    verb.add_option(
+            "--properties", selection,
+            "What to carry: all (without this option), none, or names such as a,b; a name with "
+            "a comma stands in quotation marks")
         ->type_name("NAMES");
 }
 
@@ -160,11 +176,10 @@ TessaryMesh::Carry selectProperties(const Korvane::Object& mesh, const std::stri
         return TessaryMesh::Carry::none();
     const Pelon::Array<Pelon::String> present = TessaryMesh::carriedPropertyNames(mesh);
     Pelon::Array<Pelon::String> selected;
-    std::istringstream list(selection);
-    for (std::string name; std::getline(list, name, ',');) {
+    for (const std::string& name : namesIn(selection)) {
         if (std::find(present.begin(), present.end(), Pelon::String(name)) == present.end())
-            throw UsageError("the mesh has no property \"" + name +
-                             "\"; it has: " + namesOf(present));
+            throw UsageError("the mesh has no property " + asTyped(name) +
+                             "; it has: " + namesOf(present));
         selected.push_back(name);
     }
     return TessaryMesh::Carry(std::move(selected));

@@ -28,9 +28,11 @@ struct OutputOptions {
     Formats formats;  ///< those that the verb writes
 };
 
-/// What every verb that writes a file is told.
+/// What verbs that take files are told.
 struct FileOptions {
-    std::string input;
+    std::vector<std::string> inputs;
+    unsigned jobs = 0;  ///< inputs to work on at a time; 0: not asked for, which is one
+    std::string input;  ///< the one that is worked on
     OutputOptions output;
     std::string maps;  ///< where to write the parent maps; empty for nowhere
 };

@@ -22,6 +22,7 @@ struct Settings {
     bool json = false;
     bool quiet = false;
     unsigned threads = 0;  ///< 0: as many as the machine has
+    bool isBatch = false;  ///< several files: each is told in one line
 };
 
 /// What there is one of, however many files are worked on: settings, standard streams, the line of

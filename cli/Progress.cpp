@@ -53,6 +53,13 @@ void Progress::show(std::string line)
     m_since = Clock::now();
 }
 
+void Progress::change(std::string line, float share)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_line = std::move(line);
+    m_share = share;
+}
+
 std::unique_lock<std::mutex> Progress::clear()
 {
     std::unique_lock<std::mutex> lock(m_mutex);

@@ -22,6 +22,9 @@ public:
     /// What goes on from now on, of which nothing is done yet; an empty text for nothing worth telling.
     void show(std::string line);
 
+    /// How the line and the share that is done change while the same work goes on.
+    void change(std::string line, float share);
+
     /// What part of it is done, 0 to 1, which any thread may raise; 0 shows none.
     std::atomic<float>& share() { return m_share; }
 

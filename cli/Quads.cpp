@@ -1,7 +1,9 @@
 #include "Conversion.h"
+#include "EachFile.h"
 #include "MeshFacts.h"
 #include "Numbers.h"
 #include "Verbs.h"
+#include "Words.h"
 
 #include <TessaryMesh/Files.h>
 #include <TessaryMesh/Operations.h>
@@ -30,11 +32,13 @@ struct Options : FileOptions {
 
 std::string summary(const Json& facts)
 {
-    const Json& split = facts["split_edges"];
-    return facts["before"]["faces"].dump() + " faces -> " + facts["after"]["faces"].dump() +
-           " quads, " + facts["before"]["points"].dump() + " -> " +
-           facts["after"]["points"].dump() + " points, " + facts["creased_edges"].dump() + " of " +
-           facts["edges"].dump() + " edges creased" +
+    const auto some = [](const Json& count, const char* what) {
+        return counted(count.get<std::uint64_t>(), what);
+    };
+    const Json &before = facts["before"], &after = facts["after"], &split = facts["split_edges"];
+    return some(before["faces"], "face") + " -> " + some(after["faces"], "quad") + ", " +
+           before["points"].dump() + " -> " + some(after["points"], "point") + ", " +
+           facts["creased_edges"].dump() + " of " + some(facts["edges"], "edge") + " creased" +
            (split == 0 ? "" : ", " + split.dump() + " split") + "; " + carriedText(facts);
 }
 
@@ -135,10 +139,7 @@ Run declareQuads(CLI::App& verb, Session& session)
     addCreases(verb, *options);
     addCuts(verb, *options);
     verb.footer(kHelp);
-    return [options, &session] {
-        setInnerWeights(*options);
-        return quads(*options, session);
-    };
+    return eachFile(options, session, quads, setInnerWeights);
 }
 
 }  // namespace Cli

@@ -1,7 +1,9 @@
 #include "Conversion.h"
+#include "EachFile.h"
 #include "MeshFacts.h"
 #include "Numbers.h"
 #include "Verbs.h"
+#include "Words.h"
 
 #include <TessaryMesh/Operations.h>
 
@@ -31,7 +33,7 @@ struct Options : FileOptions {
     std::uint32_t seed = 0;
 };
 
-void check(const Options& options)
+void rejectNoDensity(Options& options)
 {
     if (options.distance.empty() == (options.count == 0))
         throw UsageError("say how dense the samples are to be: --distance D or --count N");
@@ -56,8 +58,9 @@ void warnAbout(const SampledSurface& surface, const SurfaceSamples& samples, con
     const std::uint64_t n = samples.count(), wanted = options.count;
     const bool isNear = (n > wanted ? n - wanted : wanted - n) * 50 <= wanted;
     if (options.distance.empty() && !isNear)
-        session.warn(std::to_string(wanted) + " samples were asked for; the nearest found is " +
-                     count + ", at the distance " + Json(briefly(samples.distance)).dump());
+        session.warn(counted(wanted, "sample") + (wanted == 1 ? " was" : " were") +
+                     " asked for; the nearest found is " + count + ", at the distance " +
+                     Json(briefly(samples.distance)).dump());
     else if (n == 0)
         session.warn("no sample at this distance (a smaller one gives some)");
     const double share = surface.roundingShare(samples.distance);
@@ -94,8 +97,8 @@ std::string brief(const Json& number)
 std::string summary(const Json& facts)
 {
     const Json& smallest = facts["smallest_distance"];
-    return facts["samples"].dump() + (facts["samples"] == 1 ? " sample" : " samples") +
-           " at distance " + facts["distance"].dump() +
+    return counted(facts["samples"].get<std::uint64_t>(), "sample") + " at distance " +
+           facts["distance"].dump() +
            (smallest.is_null() ? "" : ", smallest found " + brief(smallest)) + "; area " +
            brief(facts["area"]) + ", density " + brief(facts["density"]) + ", seed " +
            facts["seed"].dump() + "; with " + joined(facts["properties"]);
@@ -103,7 +106,6 @@ std::string summary(const Json& facts)
 
 ExitCode sample(const Options& options, Session& session)
 {
-    check(options);
     Conversion conversion(options, session);
     const Korvane::Object& mesh = conversion.mesh();
     const TessaryMesh::Carry carry = selectProperties(mesh, options.properties);
@@ -152,7 +154,7 @@ Run declareSample(CLI::App& verb, Session& session)
     addMaps(verb, *options, "sample");
     addProperties(verb, options->properties);
     verb.footer(kHelp);
-    return [options, &session] { return sample(*options, session); };
+    return eachFile(options, session, sample, rejectNoDensity);
 }
 
 }  // namespace Cli

@@ -1,42 +1,51 @@
 #include "Session.h"
 
 #include "Advice.h"
+#include "Threads.h"
 #include "Words.h"
 
 #include <Tessary/Progress.h>
 #include <TessaryMesh/Check.h>
 #include <TessaryMesh/Errors.h>
-#include <tbb/global_control.h>
 #include <nlohmann/json.hpp>
 
 #include <new>
-#include <optional>
 
 namespace Cli {
 
 void Session::setVerb(std::string verb)
 {
     m_verb = std::move(verb);
-    m_program.interrupt.setLine(interruption());
+    if (!m_held)
+        m_program.interrupt.setLine(interruption());
 }
 
 void Session::setSubject(const std::string& path)
 {
     m_subject = path == "-" ? "standard input" : path;
-    m_program.interrupt.setLine(interruption());
+    if (!m_held)
+        m_program.interrupt.setLine(interruption());
 }
 
 void Session::beginStage(const std::string& what)
 {
     TessaryMesh::throwIfCancelled();
-    m_program.progress.show(shown(about(named(what))));
+    if (!m_held)
+        m_program.progress.show(shown(about(named(what))));
+}
+
+void Session::tellProgress(const std::string& what, float share)
+{
+    m_state = what;
+    m_program.progress.change(shown(about(named(what))), share);
+    m_program.interrupt.setLine(interruption());
 }
 
 void Session::warn(const std::string& text)
 {
     m_warnings.push_back(shown(text));
     if (!settings.quiet)
-        m_program.say(about(named("warning: " + text)));
+        say(about(named("warning: " + text)));
 }
 
 void Session::warn(const std::vector<std::string>& texts)
@@ -48,31 +57,43 @@ void Session::warn(const std::vector<std::string>& texts)
 void Session::note(const std::string& text)
 {
     if (!settings.quiet && !settings.json)
-        m_program.say(about(named(text)));
+        say(about(named(text)));
 }
 
 void Session::fail(const std::string& text)
 {
-    m_program.say(about(text));
+    say(about(text));
+}
+
+std::string Session::product(Json facts, const std::string& text) const
+{
+    if (!settings.json)
+        return text;
+    facts["warnings"] = m_warnings;
+    return facts.dump(settings.isBatch ? -1 : 2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+void Session::finish(const std::string& product)
+{
+    if (m_held) {
+        m_held->product = product;
+        return;
+    }
+    m_program.progress.show("");
+    print(product);
+    m_program.interrupt.workIsOver();
 }
 
 void Session::finish(Json facts, const std::string& text)
 {
-    m_program.progress.show("");
-    if (settings.json) {
-        facts["warnings"] = m_warnings;
-        print(facts.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
-    } else {
-        print(text);
-    }
-    m_program.interrupt.workIsOver();
+    finish(product(std::move(facts), text));
 }
 
 ExitCode Session::run(const std::function<ExitCode()>& verb)
 {
-    std::optional<tbb::global_control> limit;
-    if (settings.threads > 0)
-        limit.emplace(tbb::global_control::max_allowed_parallelism, settings.threads);
+    if (m_held)
+        return runGuarded(verb);
+    const ThreadLimit limit(settings.threads);
     m_program.showProgress();
     const Tessary::ProgressScope progress(m_program.progress.share());
     const ExitCode code = runGuarded(verb);
@@ -89,18 +110,29 @@ std::string Session::about(const std::string& text) const
     return (m_verb.empty() ? "tessary: " : "tessary " + m_verb + ": ") + text;
 }
 
+void Session::say(const std::string& line)
+{
+    if (m_held)
+        m_held->lines.push_back(line);
+    else
+        m_program.say(line);
+}
+
 std::string Session::interruption() const
 {
-    return shown(about(named("interrupted; no file is left half written")));
+    return shown(about(named("interrupted" + (m_state.empty() ? "" : " after " + m_state) +
+                             "; no file is left half written")));
 }
 
 // Errors of files name their file themselves.
 ExitCode Session::failWith(ExitCode code, const std::string& text)
 {
-    m_program.progress.show("");
-    m_program.interrupt.workIsOver();
+    if (!m_held) {
+        m_program.progress.show("");
+        m_program.interrupt.workIsOver();
+    }
     if (m_program.interrupt.isRequested()) {
-        m_program.say(interruption());
+        say(interruption());
         return ExitCode::Interrupted;
     }
     fail(text);

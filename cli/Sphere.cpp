@@ -1,6 +1,7 @@
 #include "MeshFacts.h"
 #include "Options.h"
 #include "Verbs.h"
+#include "Words.h"
 
 #include <Korvane/Geometry.h>
 #include <Tessary/Primitives.h>
@@ -26,8 +27,11 @@ ExitCode sphere(const std::string& path, Session& session)
 
     const Json center = vectorOf(found.getCenter());
     const double radius = briefly(found.getRadius());
-    const std::string text = "center  " + center[0].dump() + " " + center[1].dump() + " " +
-                             center[2].dump() + "\nradius  " + Json(radius).dump() + "\n";
+    const std::string at = center[0].dump() + " " + center[1].dump() + " " + center[2].dump();
+    const std::string text =
+        session.settings.isBatch
+            ? shown(path) + ": center " + at + ", radius " + Json(radius).dump() + "\n"
+            : "center  " + at + "\nradius  " + Json(radius).dump() + "\n";
     session.finish({{"verb", "sphere"},
                     {"file", path},
                     {"points", points->size()},

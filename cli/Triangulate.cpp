@@ -1,4 +1,5 @@
 #include "Conversion.h"
+#include "EachFile.h"
 #include "MeshFacts.h"
 #include "Verbs.h"
 
@@ -61,7 +62,7 @@ Run declareTriangulate(CLI::App& verb, Session& session)
     addMaps(verb, *options, "face");
     addProperties(verb, options->properties);
     verb.footer(kHelp);
-    return [options, &session] { return triangulate(*options, session); };
+    return eachFile(options, session, triangulate);
 }
 
 }  // namespace Cli

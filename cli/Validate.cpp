@@ -1,6 +1,7 @@
 #include "Advice.h"
 #include "Options.h"
 #include "Verbs.h"
+#include "Words.h"
 
 #include <TessaryMesh/Check.h>
 
@@ -39,13 +40,30 @@ Json factsOf(const Problem& problem)
 std::string textOf(const std::string& file, const Problem& problem)
 {
     std::string text = file + ": " + severityName(problem.severity) + ": " +
-                       std::to_string(problem.count) + " " + problem.message + " [" + problem.code +
-                       "]\n";
+                       shown(countedMessage(problem)) + " [" + problem.code + "]\n";
     for (const Problem::Place& place : problem.places)
-        text += "    " + place.text + "\n";
+        text += "    " + shown(place.text) + "\n";
     if (problem.places.size() < problem.count && !problem.places.empty())
         text += "    ...\n";
-    return text + "    what to do: " + adviceOn(problem, "validate") + "\n";
+    return text + "    what to do: " + shown(adviceOn(problem, "validate")) + "\n";
+}
+
+std::string textOf(const std::string& file, const ValidationReport& report)
+{
+    std::string text = report.hasErrors() ? "" : file + ": valid\n";
+    for (const Problem& problem : report.problems)
+        text += textOf(file, problem);
+    return text;
+}
+
+// "roof.obj: valid; 10 edges along which ... [same-direction], first edge 3-4: ..."
+std::string lineOf(const std::string& file, const ValidationReport& report)
+{
+    std::string line = file + (report.hasErrors() ? ": invalid" : ": valid");
+    for (const Problem& problem : report.problems)
+        line += "; " + shown(countedMessage(problem)) + " [" + problem.code + "]" +
+                (problem.places.empty() ? "" : ", first " + shown(problem.places.front().text));
+    return line + "\n";
 }
 
 ExitCode validate(const std::string& path, Session& session)
@@ -66,12 +84,10 @@ ExitCode validate(const std::string& path, Session& session)
                   {"format", input.format->name},
                   {"valid", valid},
                   {"problems", Json::array()}};
-    std::string text = valid ? path + ": valid\n" : "";
-    for (const Problem& problem : report.problems) {
+    for (const Problem& problem : report.problems)
         facts["problems"].push_back(factsOf(problem));
-        text += textOf(path, problem);
-    }
-    session.finish(std::move(facts), text);
+    session.finish(std::move(facts), session.settings.isBatch ? lineOf(shown(path), report)
+                                                              : textOf(shown(path), report));
     return valid ? ExitCode::Done : ExitCode::CheckFailed;
 }
 

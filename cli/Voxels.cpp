@@ -1,6 +1,8 @@
 #include "Conversion.h"
+#include "EachFile.h"
 #include "Numbers.h"
 #include "Verbs.h"
+#include "Words.h"
 
 #include <Korvane/Math.h>
 #include <TessaryMesh/Operations.h>
@@ -66,8 +68,9 @@ void setCellSize(const Korvane::Object& mesh, Options& options)
                          ": the size of a cell is from 1e-30 to 1e30");
 }
 
-ExitCode voxels(Options options, Session& session)
+ExitCode voxels(const Options& asked, Session& session)
 {
+    Options options = asked;
     Conversion conversion(options, session);
     setCellSize(conversion.mesh(), options);
     const Cells cells = conversion.run("voxels", "finding cells", [&] {
@@ -78,7 +81,7 @@ ExitCode voxels(Options options, Session& session)
     });
     const Json facts = {{"cell_size", options.cellSize}, {"cells", cells.size()}};
     return conversion.report(facts,
-                             facts["cells"].dump() + " cells of " + facts["cell_size"].dump());
+                             counted(cells.size(), "cell") + " of " + facts["cell_size"].dump());
 }
 
 }  // namespace
@@ -95,7 +98,7 @@ Run declareVoxels(CLI::App& verb, Session& session)
         ->check(length())
         ->required();
     verb.footer(kHelp);
-    return [options, &session] { return voxels(*options, session); };
+    return eachFile(options, session, voxels);
 }
 
 }  // namespace Cli

@@ -120,7 +120,7 @@ TEST_F(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
     expectLine(square, {"--distance", "1", "--count", "9"}, 2, "--distance excludes --count");
     expectLine(square, {"--distance", "1e-6"}, 2, "which 32 bits cannot number (take a distance ");
     expectLine(square, {"--distance", "1", "--seed", "4294967296"}, 2, "--seed");
-    expectLine(square, {"--distance", "1", "--properties", "uv"}, 2, "no property \"uv\"");
+    expectLine(square, {"--distance", "1", "--properties", "uv"}, 2, "no property uv");
     expectLine(endless, {"--distance", "2%"}, 2, "the distance 2% is outside what single");
     expectLine(cloud, {"--distance", "1"}, 4, "no faces, so there is no surface");
     expectLine(huge, {"--distance", "2%"}, 4, "scale the mesh down");
