@@ -86,7 +86,7 @@ class Report(InAFolder):
         report.keep_for_docs(self.folder, {"revision": "one", "date": "then"}, rows.read_folder(self.folder)[1])
         self.write("topology.json", benchmark("addDual/grid/100000", 2.0))
         report.keep_for_docs(self.folder, {"revision": "two", "date": "now"}, rows.read_folder(self.folder)[1])
-        self.assertIn("| 2.00 ms |  |  | LIB, grid | 3.00 ms : 6.00 ms |", page.read_text())
+        self.assertIn("| grid, 100 000 | 3.00 ms | LIB | 6.00 ms | 2.00 |", page.read_text())
         self.assertRegex(page.read_text(), "revision: two\n[^<]*measured before: 1 rows, at one on then")
         self.assertIn("2.0  LIB", (self.folder / "docs/pictures/benchmarks.svg").read_text())
 
