@@ -8,8 +8,8 @@ from comments import Comments, code, table
 from pages import page_of_header
 
 LIBRARIES = {"include": "Kernels", "mesh/include": "Mesh library", "embedded/include": "Embedded host"}
-SCOPES = ("class", "struct", "namespace")
 WIDTH = 88  # of a declaration
+SHORT = 60  # of one in a table
 
 
 def words_of(node):
@@ -57,6 +57,7 @@ class Headers:
 
     def __init__(self, xml):
         self.entries = defaultdict(list)
+        self.scopes = defaultdict(set)
         self.files = {}
         for path in sorted(xml.glob("*.xml")):
             for compound in ElementTree.parse(path).iter("compounddef"):
@@ -67,16 +68,25 @@ class Headers:
         kind = compound.get("kind")
         if kind == "file":
             self.files[compound.find("location").get("file")] = compound
+        name = compound.findtext("compoundname")
         if kind in ("class", "struct") and compound.get("prot", "public") == "public":
-            self.entries[compound.find("location").get("file")].append(compound)
+            self.enter(name.rpartition("::")[0], compound)
         if kind == "namespace":
             for member in compound.iter("memberdef"):
-                self.entries[member.find("location").get("file")].append(member)
+                self.enter(name, member)
+
+    def enter(self, scope, entry):
+        header = entry.find("location").get("file")
+        self.entries[header].append(entry)
+        if entry.tag == "memberdef":
+            self.scopes[header].add(scope)
 
     def page(self, header):
         entries = sorted(self.entries[header], key=lambda entry: int(entry.find("location").get("line")))
         about = self.files[header]
         text = f"# {header}\n\n```cpp\n#include <{header}>\n```\n\n" + self.about(about)
+        scopes = sorted(self.scopes[header])
+        text += f"Functions and types in {' and '.join(map(code, scopes))}.\n\n" if scopes else ""
         for entry in entries:
             text += self.class_text(entry) if entry.tag == "compounddef" else self.member_text(entry, "##")
         return text
@@ -106,7 +116,8 @@ class Headers:
 
     @staticmethod
     def is_short(member):
-        return words_of(member.find("detaileddescription")) == "" and "\n" not in declaration(member) \
+        said = declaration(member).removeprefix(template_of(member))
+        return words_of(member.find("detaileddescription")) == "" and len(said) < SHORT \
             and member.get("kind") != "enum"
 
 
