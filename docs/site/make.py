@@ -37,7 +37,7 @@ def gather(source, arguments):
     pages.add("command-line.md", with_help(pages.text("command-line.md"), arguments.program))
     pages.add("changes.md", pages.rewritten(ROOT / "CHANGELOG.md"))
     pages.add("contributing.md", pages.rewritten(ROOT / "CONTRIBUTING.md"))
-    made = {"C++": cpp_pages(ROOT, ROOT / "build/doxygen/xml"), "Python": python_pages(),
+    made = {"C++": cpp_pages(ROOT, ROOT / "build/doxygen/xml"), "Python": python_pages(arguments.python),
             "Examples": example_pages(ROOT / "examples", arguments.examples)}
     for group in made.values():
         for name, text in group.items():

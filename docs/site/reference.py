@@ -1,7 +1,10 @@
 """The pages that are made of docstrings, the program's help, and examples."""
 
+import importlib
+import inspect
 import re
 import subprocess
+import sys
 
 from pages import Faults
 
@@ -18,14 +21,34 @@ def underlined(title, line="="):
     return f"{title}\n{line * len(title)}\n\n"
 
 
-def python_pages():
-    """A page for each module that people meet."""
+def is_error(thing):
+    return inspect.isclass(thing) and issubclass(thing, BaseException)
+
+
+SECTIONS = {"Operations": inspect.isfunction, "Types": lambda thing: inspect.isclass(thing) and not is_error(thing),
+            "Errors": is_error}
+
+
+def package_page(module):
+    """What the package itself offers, by what it is; other names are in other modules' pages."""
+    text = f".. automodule:: {module.__name__}\n\n"
+    for title, fits in SECTIONS.items():
+        names = [name for name in module.__all__ if fits(getattr(module, name))]
+        kind = "autofunction" if title == "Operations" else "autoclass"
+        options = "" if title == "Operations" else "   :members:\n   :undoc-members:\n   :show-inheritance:\n"
+        text += underlined(title, "-")
+        text += "".join(f".. {kind}:: {module.__name__}.{name}\n{options}\n" for name in names)
+    return text
+
+
+def python_pages(folder):
+    """A page for each module that people meet; `folder` holds the package."""
+    sys.path.insert(0, str(folder.resolve()))
     pages = {}
-    for module, title in PYTHON.items():
-        name = f"python/{module.replace('.', '-')}.rst"
-        imported = "   :imported-members:\n" if module == "tessary" else ""
-        pages[name] = (underlined(f"{module}: {title.lower()}") + f".. automodule:: {module}\n"
-                       f"   :members:\n   :undoc-members:\n{imported}")
+    for name, title in PYTHON.items():
+        text = package_page(importlib.import_module(name)) if name == "tessary" else \
+            f".. automodule:: {name}\n   :members:\n   :undoc-members:\n"
+        pages[f"python/{name.replace('.', '-')}.rst"] = underlined(f"{name}: {title.lower()}") + text
     return pages
 
 
