@@ -34,7 +34,8 @@ Formats voxelFormats()
 {
     Formats formats = formatsThat(&TessaryMesh::Format::writesMeshes);
     for (const TessaryMesh::Format* const format : formatsThat(&TessaryMesh::Format::writesArrays))
-        formats.push_back(format);
+        if (!format->writesMeshes)
+            formats.push_back(format);
     return formats;
 }
 
@@ -53,7 +54,7 @@ TessaryMesh::NamedArrays arraysOf(const Cells& cells, double cellSize)
 std::vector<std::string> write(const Cells& cells, const Options& options,
                                const TessaryMesh::Format& format, TessaryMesh::OutputFile& output)
 {
-    if (format.writesMeshes)
+    if (!format.writesArrays)
         return TessaryMesh::writeMesh(*TessaryMesh::makeCubes(cells, options.cellSize), format,
                                       output);
     TessaryMesh::writeArrays(arraysOf(cells, options.cellSize), format, output);

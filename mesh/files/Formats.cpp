@@ -62,6 +62,27 @@ std::vector<std::string> writePlyAs(const Object& mesh, OutputFile& output)
     return writePly(mesh, encoding, output);
 }
 
+bool recognisesNpz(const FileSigns& file)
+{
+    return isNpz(file.bytes);
+}
+
+template <ZipWriter::Packing packing>
+std::vector<std::string> writeNpzAs(const Object& mesh, OutputFile& output)
+{
+    return writeNpz(mesh, packing, output);
+}
+
+template <ZipWriter::Packing packing>
+void writeNpzArraysAs(const NamedArrays& arrays, OutputFile& output)
+{
+    writeNpzArrays(arrays, packing, output);
+}
+
+template <ZipWriter::Packing packing>
+constexpr FormatFunctions kNpz{recognisesNpz, readNpz, writeNpzAs<packing>, writeNpzAs<packing>,
+                               writeNpzArraysAs<packing>};
+
 template <Encoding encoding>
 constexpr FormatFunctions kPly{recognisesPly, readPly, writePlyAs<encoding>, writePlyAs<encoding>,
                                nullptr};
@@ -80,8 +101,8 @@ const auto& table()
             {recognisesAsciiStl, readStl, writeAsciiStl, nullptr, nullptr}, false),
         row("off", "OFF", ".off", {recognisesOff, readOff, writeOff, nullptr, nullptr}, false),
         row("json", "JSON arrays", ".json", {nullptr, nullptr, nullptr, nullptr, writeJsonArrays}),
-        row("npz", "NumPy arrays", ".npz",
-            {nullptr, nullptr, nullptr, writeNpzCloud, writeNpzArrays}),
+        row("npz", "NumPy arrays", ".npz", kNpz<ZipWriter::Packing::Stored>),
+        row("npz-compressed", "NumPy arrays, compressed", "", kNpz<ZipWriter::Packing::Deflated>),
     };
     return kRows;
 }

@@ -8,18 +8,18 @@ namespace {
 
 void refuseLongTexts(const NamedArray& array, const Array<String>& texts, const OutputFile& output)
 {
-    const std::size_t width = NpzWriter::longestOf(texts);
-    if (width > NpzWriter::kLongestText)
+    if (!fitIntoRows(texts))
         failToWrite(FileError::Code::Unsupported, output.path(),
-                    "array " + quoted(array.name) + " has texts of up to " + std::to_string(width) +
-                        " characters (leave it out)");
+                    "array " + quoted(array.name) + " has texts of up to " +
+                        std::to_string(longestOf(texts)) +
+                        " characters, or bytes that are none (leave it out)");
 }
 
 }  // namespace
 
-void writeNpzArrays(const NamedArrays& arrays, OutputFile& output)
+void writeNpzArrays(const NamedArrays& arrays, ZipWriter::Packing packing, OutputFile& output)
 {
-    NpzWriter writer(output);
+    NpzWriter writer(output, packing);
     for (const NamedArray& array : arrays)
         visitValues(array, [&](const auto& values, const Shape& shape) {
             if constexpr (std::is_same_v<std::decay_t<decltype(values)>, Array<String>>)

@@ -3,52 +3,43 @@
 #include "base/Host.h"
 #include "base/Scalars.h"
 #include "files/ArrayShape.h"
-#include <TessaryMesh/Files.h>
+#include "files/npz/NpyHeader.h"
+#include "files/npz/Texts.h"
+#include "files/npz/ZipWriter.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
-#include <type_traits>
 
 namespace TessaryMesh {
 
-/// Writes arrays under names as one .npz file.
-///
-/// Arrays go out as they are added; finish() writes the archive's list of contents, without which it
-/// is none. Throws FileError where the system refuses, and where the file would need more than 4 GB.
+/// Writes arrays under names as one .npz file. Arrays go out as they are added; finish() writes the
+/// archive's list of contents. Throws as ZipWriter does.
 class NpzWriter {
 public:
-    explicit NpzWriter(OutputFile& output) : m_output(output) {}
+    NpzWriter(OutputFile& output, ZipWriter::Packing packing) : m_zip(output, packing) {}
 
     /// Numbers or bool in C order.
     template <class T>
     void add(const std::string& name, const Shape& shape, const Array<T>& values)
     {
-        using S = typename Scalars<T>::Type;
-        constexpr char kKind = std::is_same_v<S, bool>       ? 'b'
-                               : std::is_floating_point_v<S> ? 'f'
-                               : std::is_signed_v<S>         ? 'i'
-                                                             : 'u';
-        const std::string type = (sizeof(S) == 1 ? "|" : "<") + (kKind + std::to_string(sizeof(S)));
-        add(name, type, shape, values.data(), sizeof(T) * values.size());
+        m_zip.add(name + ".npy", npyHeader(npyType<typename Scalars<T>::Type>(), shape),
+                  values.data(), sizeof(T) * values.size());
     }
 
-    /// Texts of so many characters at most.
-    static constexpr std::size_t kLongestText = 256;
-    static std::size_t longestOf(const Array<String>& texts);
-    void add(const std::string& name, const Shape& shape, const Array<String>& texts);
+    /// Texts as rows of characters.
+    void add(const std::string& name, const Shape& shape, const Array<String>& texts)
+    {
+        const std::size_t width = longestOf(texts);
+        const auto rows = paddedTexts(texts, width);
+        const std::string type =
+            npyType<std::uint32_t>().substr(0, 1) + "U" + std::to_string(width);
+        m_zip.add(name + ".npy", npyHeader(type, shape), rows.data(),
+                  sizeof(char32_t) * rows.size());
+    }
 
-    void finish();
+    void finish() { m_zip.finish(); }
 
 private:
-    void add(const std::string& name, const std::string& type, const Shape& shape,
-             const void* bytes, std::size_t count);
-    void write(const std::string& bytes);
-
-    OutputFile& m_output;
-    std::string m_contents;  // the archive's list, so far
-    std::uint64_t m_size = 0;
-    unsigned m_count = 0;
+    ZipWriter m_zip;
 };
 
 }  // namespace TessaryMesh
