@@ -1,6 +1,6 @@
-"""Every kernel's result as a page of its own, and one page with all of them: gallery.py PROGRAM SEPARATE FOLDER
+"""Every kernel's result as a page of its own, and one page with all of them: gallery.py SEPARATE FOLDER
 
-PROGRAM is tessary, which writes the pages, SEPARATE the example that takes a pile of bodies apart.
+SEPARATE is the example that takes a pile of bodies apart.
 """
 import subprocess
 import sys
@@ -23,84 +23,87 @@ def bunny():
 
 def triangulation(separate):
     mesh = ts.demo_mesh(12)
-    mesh.properties["face"] = ts.Property(np.arange(mesh.face_count, dtype=np.int32), component="face")
-    return [mesh, mesh.triangulate()], {"color": "face", "camera": "0.5,0.42,3.6,0,0,0"}
+    mesh.properties["face"] = ts.Property(np.arange(mesh.face_count), component="face")
+    return {"polygons": mesh, "triangles": mesh.triangulate()}, {"color": "face", "camera": "0.5,0.42,3.6,0,0,0"}
 
 
 def seams(separate):
     mesh = ts.demo_mesh(16)
-    return [mesh, mesh.triangulate()], {"color": "texcoord", "marks": "seam"}
+    return {"polygons": mesh, "triangles": mesh.triangulate()}, {"color": "texcoord", "marks": "seam"}
 
 
 def dual(separate):
     mesh = ts.demo_mesh(12)
-    lists = ts.dual(mesh)
-    mesh.properties["corners"] = np.diff(lists.offsets.astype(int)).astype(np.float32)
-    return [mesh], {"color": "corners", "points": 1, "size": 0.6}
+    mesh.properties["corners"] = np.diff(ts.dual(mesh).offsets.astype(int)).astype(np.float32)
+    return {"corners of each point": mesh}, {"color": "corners", "points": 1, "size": 0.6}
 
 
 def edges(separate):
     mesh = ts.demo_mesh(16)
     kept = [mesh.face(k) for k in range(mesh.face_count) if k % 97 > 3]
-    return [ts.Mesh(mesh.points, kept)], {"marks": "boundary"}
+    return {"boundaries": ts.Mesh(mesh.points, kept)}, {"marks": "boundary"}
 
 
 def neighbours(separate):
     mesh = bunny()
     tables = ts.adjacency(mesh)
     across = tables.face_vertex_adjacent_tri.reshape(-1, 3)
-    steps = np.full(len(across), -1)
+    steps = np.full(len(across), np.nan, np.float32)  # stays so for what hangs together with nothing
     front, step = np.array([0]), 0
     while len(front):
         steps[front] = step
         near = across[front].ravel()
         near = near[near != ts.NONE]
-        front, step = np.unique(near[steps[near] < 0]), step + 1
-    mesh.properties["steps"] = ts.Property(steps[np.unique(tables.face, return_index=True)[1]].astype(np.float32), component="face")
-    return [mesh], {"color": "steps", "edges": 0}
+        front, step = np.unique(near[np.isnan(steps[near])]), step + 1
+    mesh.properties["steps"] = ts.Property(steps[np.unique(tables.face, return_index=True)[1]], component="face")
+    return {"steps from the first face": mesh}, {"color": "steps", "edges": 0}
 
 
 def quads(separate):
     mesh = house()
-    return [mesh, mesh.quads(crease_angle=30, gap=0.125)], {"camera": "0.55,0.3,4.4,0,0,0"}
+    return {"faces": mesh, "quads, parted at creases": mesh.quads(crease_angle=30, gap=0.125)}, {"camera": "0.55,0.3,4.4,0,0,0"}
 
 
 def cut(separate):
     mesh = ts.demo_mesh(8)
-    return [mesh, mesh.quads()], {"color": "texcoord", "marks": "seam"}
+    return {"polygons": mesh, "quads": mesh.quads()}, {"color": "texcoord", "marks": "seam"}
 
 
 def samples(separate):
     mesh = bunny()
-    return [mesh, mesh.sample(distance="2.5%", seed=7)], {"layout": "together", "edges": 0, "shading": "smooth", "color": ""}
+    view = {"layout": "together", "edges": 0, "shading": "smooth", "color": ""}
+    return {"surface": mesh, "samples": mesh.sample(distance="2.5%", seed=7)}, view
 
 
 def attributes(separate):
     mesh = ts.demo_mesh(48)
-    return [mesh, mesh.sample(distance="2.5%", seed=1)], {"color": "color", "edges": 0, "shading": "smooth"}
+    return {"surface": mesh, "samples": mesh.sample(distance="2.5%", seed=1)}, {"color": "color", "edges": 0, "shading": "smooth"}
 
 
 def sphere(separate):
     mesh = bunny()
     found = mesh.bounding_sphere()
     away = np.linalg.norm(mesh.points - found.center, axis=1)
-    return [mesh, globe(found.center, found.radius, mesh.points[away > found.radius * (1 - 1e-5)])], {"layout": "together", "edges": 0, "shading": "smooth"}
+    around = globe(found.center, found.radius, mesh.points[away > found.radius * (1 - 1e-5)])
+    return {"points": mesh, "smallest sphere": around}, {"layout": "together", "edges": 0, "shading": "smooth"}
 
 
 def voxels(separate):
     mesh = bunny()
-    size = float(np.ptp(mesh.points, axis=0).max()) / 40
-    return [mesh, ("voxels", size)], {"edges": 1}
+    cells = ts.voxels(mesh, float(np.ptp(mesh.points, axis=0).max()) / 40)
+    return {"surface": mesh, "cells": cells.mesh()}, {}
 
 
 def pile(separate):
     text = subprocess.run([separate, "bodies"], check=True, capture_output=True, text=True).stdout
     rows = np.array([line.split() for line in text.splitlines()], float)
-    return [bodies_mesh(part) for part in np.split(rows, 2)], {"color": "body", "edges": 0, "shading": "smooth"}
+    before, after = np.split(rows, 2)
+    view = {"color": "body", "edges": 0, "shading": "smooth"}
+    return {"overlapping": bodies_mesh(before), "taken apart": bodies_mesh(after)}, view
 
 
 def problems(separate):
-    return [broken_mesh()], {"marks": "boundary,nonmanifold,samedirection"}
+    return {"faulty mesh": broken_mesh()}, {"marks": "boundary,nonmanifold,samedirection"}
 
 
 # name, kernels, what is to be seen
@@ -110,8 +113,8 @@ SCENES = [
     (seams, "copyPropertiesToTriangulatedMesh",
      "Texture coordinates follow with their indices, so seams (green) stay where they were."),
     (dual, "constructDualMesh, addDual", "Every point lists the corners that use it; here is how many they are."),
-    (edges, "computeTriEdges, half-edges", "Each edge is listed once, with both sides; those that have but one are the boundaries (blue)."),
-    (neighbours, "populateAdjacentTri, findAdjacentHalfEdge", "From face to face across edges: how many steps each is from the first."),
+    (edges, "computeTriEdges, polyEdgeToTriEdge, triEdgeToPolyEdge", "Each edge is listed once, with both sides; those that have but one are the boundaries (blue)."),
+    (neighbours, "populateAdjacentTri, addAdjacentTri, findAdjacentHalfEdge", "From face to face across edges: how many steps each is from the first."),
     (quads, "computeQuadMesh, quadFaceIndexedInterpolation",
      "Every triangle becomes three quads; along creased edges the surface parts, here by an eighth of each edge."),
     (cut, "interpolatePropertiesToCutMesh", "Every property is carried to the points that cutting makes, and seams stay seams."),
@@ -122,20 +125,6 @@ SCENES = [
     (pile, "Multicollider", "A pile of spheres and boxes that overlap, and the same pile taken apart."),
     (problems, "validateMesh, edgeWarnings", "What is wrong with a mesh, marked where it is: the list leads to each place."),
 ]
-
-
-def page_of(scene, program, separate, folder):
-    """Writes a scene's meshes and their page into the folder; returns how the page begins."""
-    models, view = scene(separate)
-    ending = "obj" if "seam" in view.get("marks", "") else "ply"  # which of the two keeps indices
-    files = [folder / f"{scene.__name__}{'-after' * k}.{ending}" for k in range(len(models))]
-    for model, file in zip(models, files):
-        if isinstance(model, tuple):
-            subprocess.run([program, model[0], files[0], "--cell", str(model[1]), "-o", file, "-fq"], check=True)
-        else:
-            model.save(file, overwrite=True)
-    subprocess.run([program, "view", *files, "-o", folder / f"{scene.__name__}.html", "-fq"], check=True)
-    return view
 
 
 HEAD = """<!doctype html>
@@ -154,18 +143,26 @@ iframe { width: 100%; aspect-ratio: 3 / 2; border: 1px solid #8884; border-radiu
 </style>
 <h1>Every kernel's result</h1>
 <p>Drag to turn, scroll to zoom, point at a face to see its values. Every picture is a page of its own, which
-<code>tessary view</code> wrote.</p>
+<code>tessary.view</code> wrote.</p>
 <main>
 """
 
 
+def write(scene, separate, folder):
+    """Writes the page of a scene; returns its file and how it begins."""
+    models, view = scene(separate)
+    file = folder / f"{scene.__name__}.html"
+    ts.view(*models.values(), path=file, names=tuple(models), overwrite=True)
+    return file, view
+
+
 def main():
-    program, separate, folder = sys.argv[1], sys.argv[2], Path(sys.argv[3])
+    separate, folder = sys.argv[1], Path(sys.argv[2])
     folder.mkdir(parents=True, exist_ok=True)
     page = HEAD
     for scene, kernels, sentence in SCENES:
-        view = page_of(scene, program, separate, folder)
-        link = escape(f"{scene.__name__}.html#" + urlencode(view))
+        file, view = write(scene, separate, folder)
+        link = escape(f"{file.name}#{urlencode(view)}")
         page += (f'<section><iframe src="{link}&amp;bare=1" loading="lazy" title="{escape(sentence)}"></iframe>\n'
                  f'<h2>{escape(kernels)}</h2>\n<p>{escape(sentence)} <a href="{link}">Open it</a></p></section>\n')
     (folder / "index.html").write_text(page + "</main>\n</html>\n")
