@@ -50,11 +50,16 @@ py::object overlap(const py::array& triangles, const py::array& boxes, unsigned 
     return moveToNumpy(compute({threads, progress}, count, [=](Stage&) {
         Pelon::Array<bool> meets(count);
         parallelPieces(count, [&](std::size_t begin, std::size_t end) {
+            // What the loop reads is in its hands: a written bool might be any of it.
+            const float3x3* const triangle = corners->data();
+            const float2x3* const boxOf = bounds->data();
+            bool* const out = meets.data();
+            const std::size_t next = cornerStep, nextBox = boxStep;
             for (std::size_t i = begin; i < end; ++i) {
-                const float3* const p = (*corners)[i * cornerStep].row;
-                const float3* const box = (*bounds)[i * boxStep].row;
-                meets[i] = Tessary::intersect_triangle_with_axis_aligned_box(p[0], p[1], p[2],
-                                                                             box[0], box[1]);
+                const float3* const p = triangle[i * next].row;
+                const float3* const box = boxOf[i * nextBox].row;
+                out[i] = Tessary::intersect_triangle_with_axis_aligned_box(p[0], p[1], p[2], box[0],
+                                                                           box[1]);
             }
         });
         return meets;
