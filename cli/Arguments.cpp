@@ -53,6 +53,18 @@ std::size_t valuesAfter(const CLI::App& program, const Words& arguments, std::si
     return count;
 }
 
+// The first argument that belongs to no option; their number where there is none.
+std::size_t firstWord(const CLI::App& program, const Words& arguments)
+{
+    std::size_t i = 0;
+    while (i < arguments.size() && isOption(arguments[i])) {
+        if (arguments[i] == "--version")
+            return arguments.size();
+        i += 1 + valuesAfter(program, arguments, i);
+    }
+    return i;
+}
+
 Words verbsOf(const CLI::App& program)
 {
     Words names;
@@ -85,17 +97,10 @@ std::string verbsAre(const CLI::App& program)
 
 Words verbFirst(const CLI::App& program, Words arguments)
 {
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        if (isOption(arguments[i])) {
-            if (arguments[i] == "--version")
-                break;
-            i += valuesAfter(program, arguments, i);
-            continue;
-        }
-        if (findVerb(program, arguments[i]))
-            std::rotate(arguments.begin(), arguments.begin() + static_cast<std::ptrdiff_t>(i),
-                        arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1);
-        break;
+    const std::size_t i = firstWord(program, arguments);
+    if (i < arguments.size() && findVerb(program, arguments[i])) {
+        const auto verb = arguments.begin() + static_cast<std::ptrdiff_t>(i);
+        std::rotate(arguments.begin(), verb, verb + 1);
     }
     return arguments;
 }
@@ -130,14 +135,20 @@ std::string whatIsWrong(const CLI::App& program, const std::string& parsersWords
     const bool hasVerb = !program.get_subcommands().empty();
     const CLI::App& app = hasVerb ? *program.get_subcommands().front() : program;
     const Words rest = app.remaining();
-    if (!rest.empty() && isOption(rest.front())) {
-        const std::string name = rest.front().substr(0, rest.front().find('='));
-        return "there is no option " + name + meant(name, optionsOf(app));
+    for (const std::string& argument : rest) {
+        const std::string name = argument.substr(0, argument.find('='));
+        const bool isLong = name.rfind("--", 0) == 0;
+        const bool isKnown = !hasVerb && findOption(program, isLong ? name : name.substr(0, 2));
+        if (isOption(argument) && !isKnown)
+            return "there is no option " + name + meant(name, optionsOf(app));
+        if (hasVerb)
+            return "there is nothing to do with " + argument;
     }
     if (hasVerb)
-        return rest.empty() ? parsersWords : "there is nothing to do with " + rest.front();
-    return rest.empty() ? "a verb is missing; " + verbsAre(program)
-                        : noSuchVerb(program, rest.front());
+        return parsersWords;
+    const std::size_t word = firstWord(program, rest);
+    return word == rest.size() ? "a verb is missing; " + verbsAre(program)
+                               : noSuchVerb(program, rest[word]);
 }
 
 }  // namespace Cli

@@ -42,7 +42,7 @@ std::string brieflyUsed(const CLI::Option& option)
 
 bool takesMany(const CLI::Option& option)
 {
-    return option.get_items_expected_max() >= CLI::detail::expected_max_vector_size;
+    return option.get_positional() && option.get_items_expected_max() > 1;
 }
 
 // "INPUT...", "[VERB]"

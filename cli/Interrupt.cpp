@@ -10,6 +10,7 @@
 #include <poll.h>
 #include <unistd.h>
 #include <chrono>
+#include <climits>
 #include <csignal>
 #include <initializer_list>
 #include <utility>
@@ -21,6 +22,13 @@ constexpr std::chrono::milliseconds kPatience{180};
 
 Pelon::Job s_job;
 int s_wake[2] = {-1, -1};  // closed when there is nothing left to watch
+
+// A pipe that is ready takes so many bytes without waiting for its reader.
+bool hasRoom(int descriptor, std::size_t bytes)
+{
+    pollfd wanted = {descriptor, POLLOUT, 0};
+    return bytes <= PIPE_BUF && poll(&wanted, 1, 0) == 1 && (wanted.revents & POLLOUT) != 0;
+}
 
 void cancelJob(int)
 {
@@ -70,10 +78,11 @@ Pelon::Job& Interrupt::job()
     return s_job;
 }
 
-void Interrupt::setLine(std::string line)
+void Interrupt::setLastWords(std::string line, std::string document)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_line = std::move(line);
+    m_document = std::move(document);
 }
 
 void Interrupt::workIsOver()
@@ -95,6 +104,8 @@ void Interrupt::watch()
         return;
     TessaryMesh::removeUnfinishedFiles();
     writeAll(STDERR_FILENO, (isatty(STDERR_FILENO) ? "\r\033[K" : "") + m_line + "\n");
+    if (hasRoom(STDOUT_FILENO, m_document.size()))
+        writeAll(STDOUT_FILENO, m_document);
     _exit(static_cast<int>(ExitCode::Interrupted));
 }
 

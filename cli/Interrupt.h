@@ -26,8 +26,9 @@ public:
     /// What a signal cancels, for further threads of the program to work under.
     Pelon::Job& job();
 
-    /// What to print where the work does not leave off.
-    void setLine(std::string line);
+    /// What to print where the work does not leave off: a line on standard error, and on standard output
+    /// a document, if there is room for it.
+    void setLastWords(std::string line, std::string document);
 
     /// The work is over, and whoever calls says so. Does not return where the program is being ended.
     void workIsOver();
@@ -38,7 +39,7 @@ private:
     Pelon::JobScope m_scope;
     std::mutex m_mutex;  // stays locked by whoever ends the work
     std::condition_variable m_over;
-    std::string m_line;
+    std::string m_line, m_document;
     bool m_isOver = false;
     std::thread m_thread;
 };

@@ -1,30 +1,29 @@
 #include "Session.h"
 
-#include "Advice.h"
+#include "Console.h"
+#include "Failures.h"
 #include "Threads.h"
 #include "Words.h"
 
 #include <Tessary/Progress.h>
-#include <TessaryMesh/Check.h>
 #include <TessaryMesh/Errors.h>
 #include <nlohmann/json.hpp>
 
-#include <new>
+#include <unistd.h>
 
 namespace Cli {
 
 void Session::setVerb(std::string verb)
 {
     m_verb = std::move(verb);
-    if (!m_held)
-        m_program.interrupt.setLine(interruption());
+    prepareInterruption();
 }
 
 void Session::setSubject(const std::string& path)
 {
+    m_file = path;
     m_subject = path == "-" ? "standard input" : path;
-    if (!m_held)
-        m_program.interrupt.setLine(interruption());
+    prepareInterruption();
 }
 
 void Session::beginStage(const std::string& what)
@@ -38,7 +37,7 @@ void Session::tellProgress(const std::string& what, float share)
 {
     m_state = what;
     m_program.progress.change(shown(about(named(what))), share);
-    m_program.interrupt.setLine(interruption());
+    prepareInterruption();
 }
 
 void Session::warn(const std::string& text)
@@ -58,11 +57,6 @@ void Session::note(const std::string& text)
 {
     if (!settings.quiet && !settings.json)
         say(about(named(text)));
-}
-
-void Session::fail(const std::string& text)
-{
-    say(about(text));
 }
 
 std::string Session::product(Json facts, const std::string& text) const
@@ -118,48 +112,55 @@ void Session::say(const std::string& line)
         m_program.say(line);
 }
 
-std::string Session::interruption() const
+Failure Session::interruption() const
 {
-    return shown(about(named("interrupted" + (m_state.empty() ? "" : " after " + m_state) +
-                             "; no file is left half written")));
+    return Cli::interruption(named("interrupted" + (m_state.empty() ? "" : " after " + m_state) +
+                                   "; no file is left half written"));
 }
 
-// Errors of files name their file themselves.
-ExitCode Session::failWith(ExitCode code, const std::string& text)
+std::string Session::document(const Failure& failure) const
 {
-    if (!m_held) {
-        m_program.progress.show("");
-        m_program.interrupt.workIsOver();
-    }
-    if (m_program.interrupt.isRequested()) {
-        say(interruption());
-        return ExitCode::Interrupted;
-    }
-    fail(text);
-    return code;
+    if (!settings.json)
+        return "";
+    const Json facts = {{"verb", m_verb.empty() ? Json() : Json(m_verb)},
+                        {"file", m_file.empty() ? Json() : Json(m_file)},
+                        {"error", failure.error},
+                        {"warnings", m_warnings}};
+    return facts.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+// For the case that there will be nobody to make them.
+void Session::prepareInterruption()
+{
+    if (m_held)
+        return;
+    const Failure failure = interruption();
+    m_program.interrupt.setLastWords(shown(about(failure.line)), document(failure));
+}
+
+// A failure of standard output itself is told on standard error alone.
+ExitCode Session::fail(const Failure& failure)
+{
+    say(about(failure.line));
+    const std::string text = document(failure);
+    if (m_held)
+        m_held->product = text;
+    else
+        writeAll(STDOUT_FILENO, text);
+    return failure.exit;
 }
 
 ExitCode Session::runGuarded(const std::function<ExitCode()>& verb)
 {
     try {
         return verb();
-    } catch (const UsageError& error) {
-        return failWith(ExitCode::Usage,
-                        std::string(error.what()) + " (see tessary " + m_verb + " --help)");
-    } catch (const TessaryMesh::FileError& error) {
-        return failWith(ExitCode::File, lineOf(error));
-    } catch (const TessaryMesh::InvalidMesh& error) {
-        const std::string line = lineOf(error, m_verb);
-        return failWith(ExitCode::InvalidMesh, error.name().empty() ? named(line) : line);
-    } catch (const TessaryMesh::OutOfMemory& error) {
-        return failWith(ExitCode::File, error.name().empty() ? named(error.what()) : error.what());
-    } catch (const std::bad_alloc&) {
-        return failWith(ExitCode::File,
-                        named("needs more memory than there is (use a smaller mesh)"));
-    } catch (const std::exception& error) {
-        return failWith(ExitCode::CheckFailed, named(std::string("unexpected: ") + error.what()));
     } catch (...) {
-        return failWith(ExitCode::CheckFailed, named("unexpected failure"));
+        const Failure failure = currentFailure(m_subject, m_verb);
+        if (!m_held) {
+            m_program.progress.show("");
+            m_program.interrupt.workIsOver();
+        }
+        return fail(m_program.interrupt.isRequested() ? interruption() : failure);
     }
 }
 

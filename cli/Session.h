@@ -19,6 +19,8 @@ public:
 
 using Json = nlohmann::ordered_json;
 
+struct Failure;
+
 /// What a session has to say and its product, kept until it is its turn.
 struct Held {
     std::vector<std::string> lines;
@@ -60,8 +62,8 @@ public:
     /// Tells people what was done.
     void note(const std::string& text);
 
-    /// Says why the verb fails; `text` names its file itself.
-    void fail(const std::string& text);
+    /// Says why the verb fails, with --json as a document, too; returns the exit code.
+    ExitCode fail(const Failure& failure);
 
     /// What the work ends with: `facts` and the warnings so far as JSON, or `text`.
     std::string product(Json facts, const std::string& text) const;
@@ -77,15 +79,17 @@ private:
     void say(const std::string& line);
     std::string named(const std::string& text) const;
     std::string about(const std::string& text) const;
-    std::string interruption() const;
-    ExitCode failWith(ExitCode code, const std::string& text);
+    Failure interruption() const;
+    std::string document(const Failure& failure) const;
+    void prepareInterruption();
     ExitCode runGuarded(const std::function<ExitCode()>& verb);
 
     Program& m_program;
     Held* m_held = nullptr;  // null where everything goes out at once
     std::string m_verb;
-    std::string m_subject;
-    std::string m_state;  // how far it is: "3 of 14 files"
+    std::string m_file;     // as it was given; empty before there is one
+    std::string m_subject;  // how messages call it
+    std::string m_state;    // how far it is: "3 of 14 files"
     std::vector<std::string> m_warnings;
 };
 

@@ -1,5 +1,6 @@
 #include "Arguments.h"
 #include "Console.h"
+#include "Failures.h"
 #include "Help.h"
 #include "Options.h"
 #include "Session.h"
@@ -51,11 +52,9 @@ int printed(const std::string& text, Session& session)
 
 int wrongUsage(const CLI::App& program, const CLI::ParseError& error, Session& session)
 {
-    const std::string verb = verbOf(program);
-    session.setVerb(verb);
-    session.fail(whatIsWrong(program, error.what()) + " (see tessary " +
-                 (verb.empty() ? "" : verb + " ") + "--help)");
-    return static_cast<int>(ExitCode::Usage);
+    session.setVerb(verbOf(program));
+    return static_cast<int>(
+        session.fail(usageFailure(whatIsWrong(program, error.what()), session.verb())));
 }
 
 int parseAndRun(CLI::App& program, const std::map<std::string, Run>& runs, Session& session,
@@ -69,6 +68,7 @@ int parseAndRun(CLI::App& program, const std::map<std::string, Run>& runs, Sessi
     } catch (const CLI::CallForVersion&) {
         return printed(std::string("tessary " TESSARY_VERSION "\n") + kVersionText + "\n", session);
     } catch (const CLI::ParseError& error) {
+        session.settings.json = asksForJson(arguments);
         return wrongUsage(program, error, session);
     }
     session.setVerb(verbOf(program));

@@ -53,12 +53,12 @@ TEST_F(SeveralInputs, AreReportedInTheirOrderWhateverIsReadyFirst)
 {
     const std::string large = folder / "large";
     ASSERT_EQ(run({"demo", "-o", large, "--resolution", "128"}).exitCode, 0);
-    const Names inputs = {large + "/demo.obj", house, turned, large + "/demo.ply"};
+    const Names inputs = {large + "/demo.obj", house, broken, turned, large + "/demo.ply"};
     for (const char* jobs : {"1", "4"}) {
         Names arguments = {"validate", "--json", "--jobs", jobs};
         arguments.insert(arguments.end(), inputs.begin(), inputs.end());
         const Outcome outcome = run(arguments);
-        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_EQ(outcome.exitCode, 3);
         Names told;
         for (const json& document : lines(outcome))
             told.push_back(document["file"]);
@@ -97,7 +97,8 @@ TEST_F(SeveralInputs, EndTogetherAtASignal)
     const Folder streams;
     const std::string pipe = folder / "pipe.obj", other = folder / "other.obj";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600) + mkfifo(other.c_str(), 0600), 0);
-    Started program({"triangulate", house, pipe, other, "-o", out, "--jobs", "2"}, streams, {});
+    Started program({"triangulate", house, pipe, other, "-o", out, "--jobs", "2", "--json"},
+                    streams, {});
     for (int i = 0; i < 60000 && !std::filesystem::exists(out + "house.obj"); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -106,6 +107,7 @@ TEST_F(SeveralInputs, EndTogetherAtASignal)
     EXPECT_EQ(outcome.exitCode, 130);
     EXPECT_TRUE(contains(outcome.err, "interrupted after 1 of 3 files; no file is left half"));
     EXPECT_EQ(made(), Names{"house.obj"});
+    EXPECT_EQ(lines(outcome).back()["error"]["code"], "interrupted");
 }
 
 TEST_F(SeveralInputs, ShowControlCharactersOfNamesInPlainText)

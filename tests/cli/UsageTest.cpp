@@ -17,6 +17,9 @@ TEST_F(Usage, MistakesExitWithTwoAndOneLineThatPointsToTheHelp)
     } mistakes[] = {
         {{}, "a verb is missing; the verbs are info, validate, triangulate, "},
         {{"fold", house}, "there is no verb fold; the verbs are info, "},
+        {{"--json", "-o", out, "-q"}, "a verb is missing"},
+        {{"--quiet", "fold", house}, "there is no verb fold"},
+        {{"--loud", "fold", house}, "there is no option --loud"},
         {{"traingulate", house}, "there is no verb traingulate; did you mean triangulate?"},
         {{"help", "fold"}, "there is no verb fold"},
         {{"info", house, "--treads=3"}, "there is no option --treads; did you mean --threads?"},
@@ -37,7 +40,8 @@ TEST_F(Usage, MistakesExitWithTwoAndOneLineThatPointsToTheHelp)
         {{"demo", "--output", out, "--resolution", "7"}, "a whole number from 8 to 2048"},
     };
     for (const auto& mistake : mistakes) {
-        const Outcome outcome = run(mistake.arguments);
+        Outcome outcome = run(mistake.arguments);
+        outcome.out.clear();  // where --json is asked for, a document
         expectRefusal(outcome, 2, mistake.part);
         EXPECT_TRUE(contains(outcome.err, "--help)"));
     }
