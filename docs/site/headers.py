@@ -3,6 +3,7 @@
 import re
 import xml.etree.ElementTree as ElementTree
 from collections import defaultdict
+from itertools import groupby
 
 from comments import Comments, code, table
 from pages import page_of_header
@@ -49,7 +50,8 @@ def declaration(member):
         return template_of(member) + f"using {name} = {before};"
     if kind == "enum":
         return f"enum class {name};"
-    return f"{before} {name}{(' ' + member.findtext('initializer')) if member.find('initializer') is not None else ''};"
+    value = f" {words_of(member.find('initializer'))}" if member.find("initializer") is not None else ""
+    return f"{before} {name}{member.findtext('argsstring') or ''}{value};"
 
 
 class Headers:
@@ -59,6 +61,7 @@ class Headers:
         self.entries = defaultdict(list)
         self.scopes = defaultdict(set)
         self.files = {}
+        self.namespaces = set()
         for path in sorted(xml.glob("*.xml")):
             for compound in ElementTree.parse(path).iter("compounddef"):
                 self.add(compound)
@@ -72,6 +75,7 @@ class Headers:
         if kind in ("class", "struct") and compound.get("prot", "public") == "public":
             self.enter(name.rpartition("::")[0], compound)
         if kind == "namespace":
+            self.namespaces.add(name)
             for member in compound.iter("memberdef"):
                 self.enter(name, member)
 
@@ -87,9 +91,27 @@ class Headers:
         text = f"# {header}\n\n```cpp\n#include <{header}>\n```\n\n" + self.about(about)
         scopes = sorted(self.scopes[header])
         text += f"Functions and types in {' and '.join(map(code, scopes))}.\n\n" if scopes else ""
-        for entry in entries:
-            text += self.class_text(entry) if entry.tag == "compounddef" else self.member_text(entry, "##")
+        for is_name, run in groupby(entries, self.is_name):
+            run = list(run)
+            if is_name and len(run) > 2:
+                text += self.names_text(run)
+                continue
+            for entry in run:
+                text += self.class_text(entry) if entry.tag == "compounddef" else self.member_text(entry, "##")
         return text
+
+    def is_name(self, entry):
+        """Whether it is one of many names that need not have a heading each."""
+        return entry.get("kind") in ("typedef", "variable") and self.is_short(entry)
+
+    def names_text(self, members):
+        anchors = "".join(f"({member.get('id')})=\n" for member in members)
+        heading = f"## {members[0].findtext('name')} to {members[-1].findtext('name')}\n\n"
+        return anchors + heading + table(("name", ""), map(self.row, members))
+
+    def row(self, member):
+        return (code(declaration(member).removeprefix(template_of(member))),
+                self.comments.short(member.find("briefdescription")))
 
     def about(self, node):
         brief = node.find("briefdescription")
@@ -102,23 +124,29 @@ class Headers:
         return text + (table(("value", ""), values) if values else "")
 
     def class_text(self, compound):
-        name = compound.findtext("compoundname").split("::", 1)[-1]
-        text = f"({compound.get('id')})=\n## {name}\n\n```cpp\n{template_of(compound)}{compound.get('kind')} {name};\n```\n\n"
+        name = compound.findtext("compoundname")
+        scope = max((each for each in self.namespaces if name.startswith(each + "::")), key=len, default="")
+        name = name.removeprefix(scope + "::")
+        bases = ", ".join(f"{base.get('prot')} {base.text}" for base in compound.findall("basecompoundref"))
+        said = f"{template_of(compound)}{compound.get('kind')} {name}{' : ' * bool(bases)}{bases};"
+        text = f"({compound.get('id')})=\n## {name}\n\n```cpp\n{said}\n```\n\n"
         text += self.about(compound)
         members = [member for member in compound.iter("memberdef")
-                   if member.get("prot") != "private" and member.get("kind") != "friend"]
+                   if member.get("prot") != "private" and member.get("kind") != "friend"
+                   and not (member.findtext("name").startswith("~") and self.is_silent(member))]
         short = [member for member in members if self.is_short(member)]
-        rows = [(code(declaration(member).removeprefix(template_of(member))), self.comments.short(member.find("briefdescription")))
-                for member in short]
-        if rows:
-            text += table(("member", ""), rows)
+        if short:
+            text += table(("member", ""), map(self.row, short))
         return text + "".join(self.member_text(member, "###") for member in members if member not in short)
+
+    @staticmethod
+    def is_silent(member):
+        return not words_of(member.find("briefdescription"))
 
     @staticmethod
     def is_short(member):
         said = declaration(member).removeprefix(template_of(member))
-        return words_of(member.find("detaileddescription")) == "" and len(said) < SHORT \
-            and member.get("kind") != "enum"
+        return not words_of(member.find("detaileddescription")) and len(said) < SHORT and member.get("kind") != "enum"
 
 
 def cpp_pages(root, xml):

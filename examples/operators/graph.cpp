@@ -44,6 +44,7 @@ std::vector<Shape> Graph::evaluate(const std::vector<Node>& wanted) const
         results[node] = m_nodes[node].run(std::move(inputs), m_log);
     }
     std::vector<Shape> found;
+    found.reserve(wanted.size());
     for (const Node node : wanted)
         found.push_back(take(node));
     return found;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Lists the pages of the documentation, and checks them: links lead to files, the code of examples is that of
-# the file named above it, or a part of it, and every ./dev verb exists.
+# the file named above it, or a part of it, every ./dev verb exists, and docs/index.md names every page.
 set -euo pipefail
 
 faults=0
@@ -52,6 +52,10 @@ check_verbs() {
     done < <(grep -oE '\./dev [a-z]+' "$page" | sed 's/.* //' | sort -u)
 }
 
+for page in docs/*.md; do
+    [[ $page == docs/index.md ]] || grep -qF "](${page#docs/})" docs/index.md ||
+        fault docs/index.md "does not name $page"
+done
 mapfile -t pages < <(find . -path ./build -prune -o -name '*.md' -print | sort)
 for page in "${pages[@]}"; do
     printf '%-34s %s\n' "${page#./}" "$(sed -n 's/^# //p' "$page" | head -n 1)"

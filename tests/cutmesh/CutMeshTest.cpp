@@ -108,6 +108,8 @@ TEST(CutMesh, WhatCannotBeInterpolatedIsDeclaredWithItsDefault)
     Geometry::addDataGeoProperty<int>(source, "no mode", Geometry::sFaceComp, shared({4}), 5);
     remove("no mode", Geometry::sInterp);
     Geometry::addDataGeoProperty<char>(source, "char", Geometry::sFaceComp, shared({'a'}), 'b');
+    Tessary::addDual(source, Geometry::sPointComp, Geometry::sFaceVertex, "dual",
+                     "dual_face_vertex", "dual_face_offset");
     cut.interpolate();
 
     const Object& target = *cut.target;
@@ -119,6 +121,8 @@ TEST(CutMesh, WhatCannotBeInterpolatedIsDeclaredWithItsDefault)
     EXPECT_TRUE(dataOf<float>(target, "elsewhere")->empty());
     EXPECT_EQ(*dataOf<int>(target, "no default"), (Array<int>(3, 0)));
     EXPECT_EQ(*dataOf<int>(target, "no mode"), (Array<int>(3, 4)));
+    EXPECT_EQ(*dataOf<uint>(target, "dual_face_offset"), Array<uint>(12)) << "none of the quads";
+    EXPECT_TRUE(dataOf<uint>(target, "dual_face_vertex")->empty());
     EXPECT_FALSE(target.hasProperty("char"));
     EXPECT_FALSE(target.hasProperty("indexed off range"));
 }
