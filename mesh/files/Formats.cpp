@@ -1,6 +1,7 @@
 #include "files/Formats.h"
 
 #include "base/MessageText.h"
+#include "files/gltf/Gltf.h"
 #include "files/json/Json.h"
 #include "files/npz/Npz.h"
 #include "files/obj/Obj.h"
@@ -62,6 +63,16 @@ std::vector<std::string> writePlyAs(const Object& mesh, OutputFile& output)
     return writePly(mesh, encoding, output);
 }
 
+bool recognisesGlb(const FileSigns& file)
+{
+    return isGlb(file.bytes);
+}
+
+bool recognisesGltf(const FileSigns& file)
+{
+    return isGltf(file.bytes);
+}
+
 bool recognisesNpz(const FileSigns& file)
 {
     return isNpz(file.bytes);
@@ -100,6 +111,9 @@ const auto& table()
         row("stl-ascii", "STL, ASCII", "",
             {recognisesAsciiStl, readStl, writeAsciiStl, nullptr, nullptr}, false),
         row("off", "OFF", ".off", {recognisesOff, readOff, writeOff, nullptr, nullptr}, false),
+        row("glb", "glTF 2.0, binary", ".glb",
+            {recognisesGlb, readGltf, writeGlb, writeGlb, nullptr}),
+        row("gltf", "glTF 2.0", ".gltf", {recognisesGltf, readGltf, writeGltf, writeGltf, nullptr}),
         row("json", "JSON arrays", ".json", {nullptr, nullptr, nullptr, nullptr, writeJsonArrays}),
         row("npz", "NumPy arrays", ".npz", kNpz<ZipWriter::Packing::Stored>),
         row("npz-compressed", "NumPy arrays, compressed", "", kNpz<ZipWriter::Packing::Deflated>),

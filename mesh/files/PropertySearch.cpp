@@ -30,7 +30,7 @@ std::optional<String> PropertySearch::findText(const char* name)
     const String* const text = value.get<String>();
     if (!text)
         return std::nullopt;
-    m_handled.push_back(name);
+    m_handled.insert(name);
     return *text;
 }
 
@@ -38,8 +38,7 @@ std::vector<std::string> PropertySearch::leftOut() const
 {
     std::vector<std::string> warnings;
     for (const String& name : m_mesh.propertyNames()) {
-        const bool isHandled =
-            std::find(m_handled.begin(), m_handled.end(), name.view()) != m_handled.end();
+        const bool isHandled = m_handled.count(name.c_str()) > 0;
         if (isTopology(name) || isHandled || isComponent(m_mesh, name))
             continue;
         const std::string warning = describe(name);

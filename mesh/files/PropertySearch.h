@@ -3,6 +3,7 @@
 #include "base/Host.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -56,7 +57,7 @@ public:
         const std::size_t covered = result.indices ? result.indices->size() : values->size();
         if (chain.size() > 1 || (chain.size() == 1 && !result.indices) || covered != count)
             return false;
-        m_handled.push_back(name);
+        m_handled.insert(name);
         found = std::move(result);
         return true;
     }
@@ -65,7 +66,7 @@ public:
     std::optional<String> findText(const char* name);
 
     /// Whatever else is known of the property, no warning is due.
-    void handle(const char* name) { m_handled.push_back(name); }
+    void handle(const char* name) { m_handled.insert(name); }
 
     /// A warning for each property that was not found; the topology and components need none.
     std::vector<std::string> leftOut() const;
@@ -76,7 +77,7 @@ private:
 
     const Object& m_mesh;
     std::string m_format;
-    std::vector<std::string_view> m_handled;
+    std::set<std::string> m_handled;
 };
 
 }  // namespace TessaryMesh

@@ -27,7 +27,7 @@ TEST(Off, LettersSayWhatFollowsAPoint)
               (Array<float4>{{grey, grey, grey, 1}, {.5f, 0, 1, .25f}}));
     std::vector<std::string> warnings;
     const std::string bytes = written(*mesh, "off", &warnings);
-    EXPECT_TRUE(contains(bytes, "STCNOFF\n3 2 0\n0 0 0 0 0 1 255 0 51 0.5 1\n"));
+    EXPECT_TRUE(contains(bytes, "STCNOFF\n3 2 0\n0 0 0 0 0 1 255 0 51 255 0.5 1\n"));
     EXPECT_EQ(firstDifference(*mesh, *parsed(bytes).mesh), "");
     EXPECT_EQ(warnings, std::vector<std::string>());
 }
@@ -41,8 +41,8 @@ TEST(Off, ColoursComeBackWhateverTheirNumbers)
         addValues<float3>(*mesh, "color", sPointComp, {colour, {0, 0, 0}, {0, 0, 1}});
         EXPECT_EQ(firstDifference(*mesh, *parsed(written(*mesh, "off")).mesh), "") << colour.x;
     }
-    const auto plain = parsed("OFF 1 0 0\n0 0 0 255 128 0 255\n").mesh;
-    EXPECT_EQ((*dataArray<float4>(*plain, "color"))[0], (float4{1, 128 / 255.0f, 0, 1}));
+    const auto plain = parsed("OFF 1 0 0\n0 0 0 255 128 0 51\n").mesh;
+    EXPECT_EQ((*dataArray<float4>(*plain, "color"))[0], (float4{1, 128 / 255.0f, 0, 0.2f}));
 }
 
 TEST(Off, WrongAndOtherFilesAreRefusedByName)

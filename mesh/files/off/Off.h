@@ -13,8 +13,8 @@ namespace TessaryMesh {
 /// OFF in ASCII, with what the letters before the word promise of each point. Properties:
 ///
 ///   ST      s t          "texcoord", float2 on points
-///   C       r g b [a]    "color", float3 or float4 on points, 0 to 1; read also where the letter is
-///                        missing and the numbers are there
+///   C       r g b [a]    "color", float3 on points, 0 to 1, float4 where one is not opaque; read also
+///                        where the letter is missing and the numbers are there
 ///   N       nx ny nz     "normal", float3 on points
 ///   faces   r g b [a]    behind the corners: "face_color", float3 or float4 on faces
 ///

@@ -82,18 +82,30 @@ public:
             for (std::size_t i = 0; i < m_numbers.size(); ++i)
                 if (!m_opaque[i])
                     m_numbers[i] /= 255;
-        if (m_width == 3)
+        if (m_width == 3 || (component == Geometry::sPointComp && m_width == 4 && isOpaque()))
             store<float3>(mesh, name, component);
         else if (m_width == 4)
             store<Korvane::Math::float4>(mesh, name, component);
     }
 
 private:
+    // Points have to have four numbers for some programs.
+    bool isOpaque() const
+    {
+        for (std::size_t i = 3; i < m_numbers.size(); i += m_width)
+            if (m_numbers[i] != 1)
+                return false;
+        return true;
+    }
+
     template <class T>
     void store(Object& mesh, const char* name, const String& component) const
     {
+        constexpr std::size_t kWidth = sizeof(T) / sizeof(float);
         const auto values = makeMutable<Array<T>>(m_numbers.size() / m_width);
-        std::copy(m_numbers.begin(), m_numbers.end(), reinterpret_cast<float*>(values->data()));
+        auto* const to = reinterpret_cast<float*>(values->data());
+        for (std::size_t i = 0; i < values->size() * kWidth; ++i)
+            to[i] = m_numbers[i / kWidth * m_width + i % kWidth];
         Geometry::addDataGeoProperty<T>(mesh, name, component, values);
     }
 

@@ -15,10 +15,11 @@ using Korvane::Math::float4;
 using Korvane::Math::uchar3;
 using Korvane::Math::uchar4;
 
-/// A property of three or four numbers for each element, from 0 to 1.
+/// A property of three or four numbers for each element, from 0 to 1. Programs expect four for points.
 class Colours {
 public:
     Colours(PropertySearch& search, const char* name, const String& component, std::size_t count)
+        : m_isForPoints(component == Geometry::sPointComp)
     {
         takeIf<float3>(search, name, component, count, 1) ||
             takeIf<float4>(search, name, component, count, 1) ||
@@ -30,20 +31,17 @@ public:
             areLevels = areLevels && levelOf(number) / 255 == number;
             largest = std::max(largest, number);
         }
-        m_areWhole = areLevels && levelOf(largest) > 1;
+        m_areWhole = areLevels && (levelOf(largest) > 1 || (m_isForPoints && m_width == 3));
     }
 
     explicit operator bool() const { return m_width > 0; }
 
     void put(std::size_t i, TextBuffer& out) const
     {
-        for (std::size_t k = i * m_width; k < (i + 1) * m_width; ++k) {
-            out << ' ';
-            if (m_areWhole)
-                out << static_cast<int>(levelOf(m_numbers[k]));
-            else
-                putFraction(m_numbers[k], out);
-        }
+        for (std::size_t k = i * m_width; k < (i + 1) * m_width; ++k)
+            putNumber(m_numbers[k], out);
+        if (m_isForPoints && m_width == 3)
+            putNumber(1, out);
     }
 
 private:
@@ -63,6 +61,15 @@ private:
         return true;
     }
 
+    void putNumber(float number, TextBuffer& out) const
+    {
+        out << ' ';
+        if (m_areWhole)
+            out << static_cast<int>(levelOf(number));
+        else
+            putFraction(number, out);
+    }
+
     static float levelOf(float number)
     {
         return number >= 0 && number <= 1 ? std::floor(number * 255 + 0.5f) : -1;
@@ -77,6 +84,7 @@ private:
         out << found << (found.find_first_of(".eni") == std::string_view::npos ? ".0" : "");
     }
 
+    bool m_isForPoints;
     std::size_t m_width = 0;
     bool m_areWhole = false;
     Array<float> m_numbers;
