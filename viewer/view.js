@@ -142,8 +142,9 @@ class View {
   }
 
   select(hit) {
+    const place = hit && placeOf(hit), scale = place && place.size > 0 ? 0.2 * place.size : 0.008 * this.orbit.distance;
     for (const {model, selection} of this.layers)
-      selection.set(hit && hit.model === model ? outlineSegments(model, hit, 0.03 * this.orbit.distance / 4) : new Float32Array(0));
+      selection.set(hit && hit.model === model ? outlineSegments(model, hit, scale) : new Float32Array(0));
     this.change();
   }
 }
