@@ -17,6 +17,7 @@ class Page {
     document.body.classList.toggle("two", models.length > 1);
     byId("layout-row").hidden = models.length < 2;
     for (const id of ["show-chips", "marks-field", "problems-field"]) byId(id).hidden = isCloud;
+    if (isCloud) byId("go-element").value = "point";
     fillColors(byId("color"), models);
     this.bindPanel();
     this.bindCanvas();

@@ -36,7 +36,7 @@ class Orbit {
     this.distance = 4;
     this.aim(aspect);
     const tan = Math.tan(this.camera.fov * Math.PI / 360), view = this.camera.matrixWorldInverse, p = new THREE.Vector3();
-    let distance = 0.01;
+    let distance = 0.2;  // of a single point, too
     for (let i = 0; i < 8; ++i) {
       p.set(...this.half.map((h, k) => i >> k & 1 ? h : -h)).applyMatrix4(view);
       const depth = p.z + this.distance;

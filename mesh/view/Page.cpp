@@ -15,7 +15,7 @@ namespace {
 
 using Write = std::function<void(std::string_view)>;
 
-constexpr std::size_t kAllowance = 1000 * 1000;  // beside the arrays
+constexpr std::size_t kAllowance = 1000000;  // beside the arrays
 constexpr std::string_view kBeforePart =
     "<script type=\"application/octet-stream\" class=\"part\">";
 constexpr std::string_view kAfterPart = "</script>\n";
@@ -31,6 +31,7 @@ Filling fillingOf(const std::vector<PageModel>& models, bool quantise)
 {
     PageArrays arrays(quantise);
     std::vector<std::string> contents;
+    contents.reserve(models.size());
     for (const PageModel& model : models)
         contents.push_back(contentsOf(model, arrays));
     return {jsonList(contents), arrays.compressed(), arrays.byteCount()};

@@ -68,6 +68,7 @@ std::vector<Range> rangesOf(const Real* values, std::size_t count, std::size_t c
 std::string scaleOf(const std::vector<Range>& ranges)
 {
     std::vector<std::string> scale;
+    scale.reserve(ranges.size());
     for (const Range& range : ranges)
         scale.push_back("[" + jsonNumber(range.least) + "," + jsonNumber(range.step()) + "]");
     return jsonList(scale);

@@ -76,7 +76,7 @@ std::string indicesOf(const Object& mesh, const String& range, Ranges& ranges, P
         if (name == range)
             return text;
     const Ptr<Array<uint>> indices = getRangeGeoPropIndices(*getRangeGeoProperty(mesh, range));
-    const std::string text = indices ? arrays.add(*indices) : "null";
+    std::string text = indices ? arrays.add(*indices) : "null";
     ranges.emplace_back(range, text);
     return text;
 }

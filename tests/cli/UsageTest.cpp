@@ -56,7 +56,7 @@ TEST_F(Usage, HelpWithAnExampleAndTheVersionGoToStandardOutput)
     EXPECT_TRUE(contains(run({"--help"}).out, "130 interrupted"));
     EXPECT_EQ(run({"help"}).out, run({"--help"}).out);
     for (const char* verb :
-         {"info", "validate", "triangulate", "sphere", "voxels", "sample", "demo"}) {
+         {"info", "validate", "triangulate", "sphere", "voxels", "sample", "view", "demo"}) {
         const Outcome help = run({verb, "--help"});
         EXPECT_EQ(run({"help", verb}).out, help.out);
         EXPECT_EQ(help.exitCode, 0);
