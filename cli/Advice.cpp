@@ -16,13 +16,15 @@ struct Advice {
 constexpr Advice kAdvice[] = {
     {"same-direction", "validate",
      "turn one of the faces round or give it points of its own; there is no edge table of such a "
-     "mesh: tessary adjacency refuses it, tessary quads takes it with --split-edges"},
+     "mesh: tessary adjacency and quads take it with --split-edges"},
     {"same-direction", "adjacency",
-     "turn one of the faces round or give it points of its own; tessary validate lists more"},
+     "turn one of the faces round or give it points of its own (tessary validate lists more), or "
+     "use "
+     "--split-edges or --no-edges"},
     {"same-direction", "quads",
      "turn one of the faces round, give it points of its own, or use --split-edges"},
     {"diagonal-direction", "validate",
-     "split these faces another way before tessary adjacency or quads"},
+     "split these faces another way before tessary adjacency or quads, or use their --split-edges"},
 };
 
 // The messages of problems speak of many.

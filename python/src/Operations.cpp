@@ -170,12 +170,13 @@ py::tuple sample(const Geometry& mesh, double distance, bool isShare, std::uint6
 }
 
 // rows of 3 points, 2 corners and 3 triangles; offsets and corners of the dual; faces
-py::tuple adjacency(const Geometry& mesh, unsigned threads, const py::object& progress)
+py::tuple adjacency(const Geometry& mesh, bool splitEdges, bool withEdges, unsigned threads,
+                    const py::object& progress)
 {
-    const auto tables = operate(mesh, {threads, progress}, 4 * effortOf(mesh),
-                                [](const Korvane::Object& object, Stage&) {
-                                    return TessaryMesh::makeTriangleTables(object);
-                                });
+    const auto tables = operate(
+        mesh, {threads, progress}, 4 * effortOf(mesh), [=](const Korvane::Object& object, Stage&) {
+            return TessaryMesh::makeTriangleTables(object, {splitEdges, withEdges});
+        });
     return py::make_tuple(orNone(tables.faceVertex, 3), orNone(tables.triEdges, 2),
                           orNone(tables.adjacentTri, 3), orNone(tables.dualFaceOffset),
                           orNone(tables.dualFaceVertex), orNone(tables.face));
@@ -268,7 +269,8 @@ void defineOperations(py::module_& module)
                arg("properties"), threads, progress);
     module.def("sample", &sample, arg("mesh"), arg("distance"), arg("is_share"), arg("count"),
                arg("seed"), arg("properties"), threads, progress);
-    module.def("adjacency", &adjacency, arg("mesh"), threads, progress);
+    module.def("adjacency", &adjacency, arg("mesh"), arg("split_edges"), arg("with_edges"), threads,
+               progress);
     module.def("voxels", &voxels, arg("mesh"), arg("cell_size"), threads, progress);
     module.def("cubes", &cubes, arg("cells"), arg("cell_size"), threads);
     module.def("demo_mesh", &demoMesh, arg("resolution"));

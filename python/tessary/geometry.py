@@ -315,13 +315,13 @@ class Mesh(Geometry):
         """Scatters points over the surface: see `tessary.sample`."""
         return operations.sample(self, **options)
 
-    def adjacency(self, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Adjacency:
+    def adjacency(self, **options: Any) -> Adjacency:
         """Triangles, their edges and neighbours: see `tessary.adjacency`."""
-        return operations.adjacency(self, threads=threads, progress=progress)
+        return operations.adjacency(self, **options)
 
-    def edges(self, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Edges:
+    def edges(self, **options: Any) -> Edges:
         """Edges of the triangles: see `tessary.edges`."""
-        return operations.edges(self, threads=threads, progress=progress)
+        return operations.edges(self, **options)
 
     def dual(self, *, threads: Optional[int] = None) -> Dual:
         """The corners of each point: see `tessary.dual`."""

@@ -230,10 +230,14 @@ def _count(count: Optional[int]) -> int:
     return 0 if count is None else _convert.integer(count, "count", 1, 4_000_000_000)
 
 
-def adjacency(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Adjacency:
+def adjacency(mesh: Mesh, *, split_edges: bool = False, with_edges: bool = True, threads: Optional[int] = None,
+              progress: Optional[Progress] = None) -> Adjacency:
     """Splits faces into fans of triangles and finds their edges, their neighbours and the corners of each point.
 
-    Raises InvalidMesh where two faces run along an edge in one direction ("same-direction").
+    Edges along which two faces run in one direction are in the edge table once for each face with
+    `split_edges`; without it such a mesh raises InvalidMesh ("same-direction"). `with_edges=False` makes no edge
+    table: neighbours need none. These run along their common edge in opposite directions; of several the
+    one with the lowest corner counts.
 
     >>> import tessary as ts
     >>> square = ts.Mesh([[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0]], [[0, 1, 2, 3]])
@@ -242,13 +246,16 @@ def adjacency(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[P
     array([[4294967295, 4294967295,          1],
            [         0, 4294967295, 4294967295]], dtype=uint32)
     """
-    return Adjacency(*_tessary.adjacency(_mesh(mesh)._data, _convert.threads(threads), progress))
+    corners, table, *others = _tessary.adjacency(_mesh(mesh)._data, split_edges, with_edges,
+                                                 _convert.threads(threads), progress)
+    return Adjacency(corners, np.empty((0, 2), np.uint32) if table is None else table, *others)
 
 
-def edges(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[Progress] = None) -> Edges:
+def edges(mesh: Mesh, *, split_edges: bool = False, threads: Optional[int] = None,
+          progress: Optional[Progress] = None) -> Edges:
     """The edges of the fan triangles of a mesh, each once, in a defined order.
 
-    Raises InvalidMesh as `adjacency` does, which makes the table.
+    `split_edges` and InvalidMesh are as of `adjacency`, which makes the table.
 
     >>> import tessary as ts
     >>> square = ts.Mesh([[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0]], [[0, 1, 2, 3]])
@@ -256,7 +263,7 @@ def edges(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[Progr
     >>> edges.points.tolist(), edges.is_boundary.sum()
     ([[0, 1], [2, 0], [1, 2], [3, 0], [2, 3]], 4)
     """
-    tables = adjacency(mesh, threads=threads, progress=progress)
+    tables = adjacency(mesh, split_edges=split_edges, threads=threads, progress=progress)
     return Edges(tables.tri_edges, tables.face_vertex)
 
 

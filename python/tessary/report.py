@@ -8,9 +8,9 @@ __all__ = ["Place", "Problem", "Report"]
 
 # What helps in Python, where the libraries speak of no function in particular.
 _ADVICE = {
-    "same-direction": "turn one of the faces round or give it points of its own; quads() takes such a mesh "
-                      "with split_edges=True",
-    "diagonal-direction": "split these faces another way before adjacency() or quads()",
+    "same-direction": "turn one of the faces round or give it points of its own; quads(), adjacency() "
+                      "and edges() take such a mesh with split_edges=True",
+    "diagonal-direction": "split these faces another way before adjacency() or quads(), or give them split_edges=True",
 }
 
 

@@ -37,7 +37,8 @@ class Adjacency(NamedTuple):
 
     #: (triangles, 3) points
     face_vertex: Array
-    #: (edges, 2) corners: the smaller one, then the opposite one, or none on a boundary
+    #: (edges, 2) corners: the smaller one, then the opposite one, or none on a boundary; no rows
+    #: without an edge table
     tri_edges: Array
     #: (triangles, 3) triangles: what lies across the edge of each corner
     face_vertex_adjacent_tri: Array

@@ -54,4 +54,24 @@ TEST(Adjacency, AMeshWithoutEdgeTableExitsWithFourAndNamesThePlaces)
     EXPECT_EQ(folder.names(), Names{"turned.obj"});
 }
 
+TEST(Adjacency, EdgesInOneDirectionAreSplitOrLeftOut)
+{
+    const Folder folder;
+    const std::string turned = folder.file("turned.obj", kTurned), out = folder / "out.json";
+    expectReport(reportOf({"adjacency", turned, "-fo", out, "--split-edges"}),
+                 R"({"triangles": 2, "edges": 6, "boundary_edges": 6, "split_edges": 1})");
+    expectReport(nlohmann::json::parse(contentOf(out)), R"({
+        "tri_edges": [[0, null], [3, null], [2, null], [1, null], [5, null], [4, null]],
+        "face_vertex_adjacent_tri": [[null, null, null], [null, null, null]]})");
+
+    // The third face runs along 0-1 the other way, so both have it as their neighbour.
+    const std::string three = folder.file("three.obj", std::string(kTurned) + "f 2 1 5\nv 0 0 1\n");
+    expectReport(reportOf({"adjacency", three, "-fo", out, "--no-edges"}),
+                 R"({"triangles": 3, "edges": null, "split_edges": null})");
+    const auto arrays = nlohmann::json::parse(contentOf(out));
+    EXPECT_FALSE(arrays.contains("tri_edges"));
+    expectReport(arrays, R"({
+        "face_vertex_adjacent_tri": [[2, null, null], [2, null, null], [0, null, null]]})");
+}
+
 }  // namespace

@@ -61,6 +61,8 @@ def test_meshes_without_an_edge_table_are_told_where():
             operation(twisted())
         assert caught.value.report.find("same-direction").count == 1
     assert twisted().quads(split_edges=True).split_edges == 1
+    assert len(twisted().edges(split_edges=True).corners) == len(twisted().adjacency(split_edges=True).tri_edges) > 0
+    assert ts.adjacency(twisted(), with_edges=False).tri_edges.shape == (0, 2)
     assert twisted().validate().valid and twisted().validate().warnings[0].code == "same-direction"
     with pytest.raises(ts.InvalidMesh):
         ts.arrays.edges(twisted().faces)

@@ -307,23 +307,35 @@ TESSARY_MESH_API Pelon::MutablePtr<Korvane::Object> makeCubes(const Pelon::Array
 /// The triangles of a mesh and what lies beside them, as the kernels lay it out (see
 /// Tessary/Topology.h). 0xFFFFFFFF stands for none.
 struct TriangleTables {
-    IndexArray faceVertex;      ///< 3 points per triangle
-    IndexArray triEdges;        ///< 2 corners per edge
-    IndexArray adjacentTri;     ///< 3 triangles per triangle
-    IndexArray dualFaceOffset;  ///< where the corners of each point begin, and the end
-    IndexArray dualFaceVertex;  ///< the corners of each point
-    IndexArray face;            ///< the face of each triangle
+    IndexArray faceVertex;         ///< 3 points per triangle
+    IndexArray triEdges;           ///< 2 corners per edge; null where it was not asked for
+    IndexArray adjacentTri;        ///< 3 triangles per triangle
+    IndexArray dualFaceOffset;     ///< where the corners of each point begin, and the end
+    IndexArray dualFaceVertex;     ///< the corners of each point
+    IndexArray face;               ///< the face of each triangle
+    std::uint64_t splitEdges = 0;  ///< edges that are in triEdges once for each face
 
-    /// "face_vertex", "tri_edges", "face_vertex_adjacent_tri", "dual_face_offset" and
+    /// "face_vertex", "tri_edges" if there is one, "face_vertex_adjacent_tri", "dual_face_offset" and
     /// "dual_face_vertex"; rows of 3, 2 and 3, and two plain lists.
     TESSARY_MESH_API NamedArrays arrays() const;
 };
 
-/// Makes the tables of a mesh's fan triangles.
+struct TableOptions {
+    /// Whether edges along which two faces run in one direction are in the edge table once for each face,
+    /// as boundaries. Without it a mesh with such edges is refused.
+    bool splitEdges = false;
+
+    /// Whether an edge table is made at all. Nothing else needs one, so without it no mesh is refused.
+    bool withEdges = true;
+};
+
+/// Makes the tables of a mesh's fan triangles. Neighbours run along their common edge in opposite
+/// directions; of several the one with the lowest corner counts.
 ///
 /// @param[in] mesh  without errors
 /// @throws InvalidMesh  with the first places, where there is no edge table ("same-direction")
-TESSARY_MESH_API TriangleTables makeTriangleTables(const Korvane::Object& mesh);
+TESSARY_MESH_API TriangleTables makeTriangleTables(const Korvane::Object& mesh,
+                                                   const TableOptions& options = {});
 
 /// A closed mesh that shows everything a mesh file can carry: quads, triangles and larger polygons,
 /// indexed corner UVs with a seam ("texcoord"), indexed corner normals ("normal"), a material name
