@@ -60,17 +60,16 @@ const MARKS = [
   {key: "samedirection", label: "Faces run the same way", color: 0xd14fc9},
   {key: "crease", label: "Creases", color: 0xf08c00},
   {key: "seam", label: "Seams", color: 0x12a594},
+  {key: "places", label: "Other problems", color: 0xf7b500},
 ];
 
-// The corners at which marked edges start, by kind, and how many edges there are.
+// Segments of marked edges by kind, how many they are, and which kinds of this mesh there could be.
 function findMarks(model) {
   const sides = new Sides(model), {next} = sides;
   const marks = Object.fromEntries(MARKS.map(({key}) => [key, []]));
   const creases = model.properties.filter(p => p.component === "corner" && p.columns === 1 && /crease/i.test(p.name));
   const seamed = model.properties.filter(p => p.component === "corner" && p.indices);
-  let edges = 0;
   sides.forEach(list => {
-    ++edges;
     const first = list[0], isLoop = model.corners[first] === model.corners[next[first]];
     if (list.length === 1 && !isLoop) marks.boundary.push(first);
     if (list.length > 2 && !isLoop) marks.nonmanifold.push(first);
@@ -78,5 +77,24 @@ function findMarks(model) {
     if (creases.some(p => list.some(c => p.index(c) >= 0 && Number(p.values[p.index(c)]) > 0))) marks.crease.push(first);
     if (seamed.some(p => isSeam(p, next, list))) marks.seam.push(first);
   });
-  return {edges, marks, next, hasCreases: creases.length > 0, hasSeams: seamed.length > 0};
+  const segments = Object.fromEntries(MARKS.map(({key}) => [key, segmentsOf(model, marks[key], c => next[c])]));
+  const places = placesOfProblems(model);
+  const shown = {crease: creases.length > 0, seam: seamed.length > 0, places: places.length > 0};
+  segments.places = Float32Array.from(places.flatMap(part => [...part]));
+  const counts = Object.fromEntries(MARKS.map(({key}) => [key, key === "places" ? places.length : marks[key].length]));
+  return {segments, counts, shown};
+}
+
+// What the list of problems names beside edges that are marked anyway: outlines of faces, crosses at points.
+function placesOfProblems(model) {
+  const parts = [];
+  for (const {code, places} of model.problems) {
+    if (code === "same-direction" || code === "non-manifold-edge") continue;
+    for (const {element, index} of places) {
+      const hit = element ? elementHit(model, element, index) : null, place = hit && placeOf(hit);
+      const segments = place ? outlineSegments(model, hit, place.size > 0 ? 0.2 * place.size : 0.03) : [];
+      if (segments.length > 0) parts.push(segments);
+    }
+  }
+  return parts;
 }

@@ -184,6 +184,7 @@ class Page {
     const box = byId("inspector");
     box.hidden = !hit;
     box.classList.toggle("kept", !!this.kept);
+    box.setAttribute("aria-live", this.kept ? "polite" : "off");  // nobody wants to hear all that a pointer passes
     box.replaceChildren(...(hit ? describe(hit, this.models) : []));
   }
 
@@ -232,8 +233,8 @@ class Page {
   // Edges are looked through once the first picture is there: a large mesh takes a second.
   findMarks() {
     this.found = this.models.map(findMarks);
-    this.found.forEach(({marks, next}, i) => {
-      for (const {key} of MARKS) this.view.layers[i].marks[key].set(segmentsOf(this.models[i], marks[key], c => next[c]));
+    this.found.forEach(({segments}, i) => {
+      for (const {key} of MARKS) this.view.layers[i].marks[key].set(segments[key]);
     });
     const show = () => {
       for (const {marks} of this.view.layers)

@@ -30,9 +30,8 @@ function firstColor(models) {
 
 function fillMarks(box, found, state, onChange) {
   for (const {key, label, color} of MARKS) {
-    const n = found.reduce((sum, {marks}) => sum + marks[key].length, 0);
-    const isKnown = key === "crease" ? found.some(f => f.hasCreases) : key === "seam" ? found.some(f => f.hasSeams) : true;
-    if (!isKnown) continue;
+    const n = found.reduce((sum, {counts}) => sum + counts[key], 0);
+    if (found.every(({shown}) => shown[key] === false)) continue;
     const row = make("label", "", {className: n ? "" : "none"}), input = make("input", "", {type: "checkbox", id: "mark-" + key});
     input.checked = n > 0 && state.marks.has(key);
     input.disabled = n === 0;

@@ -3,7 +3,7 @@
 class State {
   constructor() {
     Object.assign(this, {color: null, shading: "flat", faces: true, edges: true, fan: false, points: null, size: 0, up: "y",
-      layout: "beside", theme: "", bare: false, marks: new Set(["nonmanifold", "samedirection", "crease"]),
+      layout: "beside", theme: "", bare: false, marks: new Set(["nonmanifold", "samedirection", "crease", "places"]),
       camera: null, select: ""});
     const words = new URLSearchParams(location.hash.slice(1));
     for (const [key, text] of words) this.read(key, text);

@@ -66,7 +66,7 @@ def test_the_bunny(show):
 
 
 def test_marked_problems(show):
-    expect_stored(show(PROBLEMS, bare=1, marks="boundary,nonmanifold,samedirection", camera="0.5,0.6,5.5,0,0,0"), "problems")
+    expect_stored(show(PROBLEMS, bare=1, marks="boundary,nonmanifold,samedirection,places", camera="0.5,0.6,5.5,0,0,0"), "problems")
 
 
 def test_a_wrong_color_and_a_missing_face_exceed_the_tolerance(show, demo, tmp_path):
