@@ -320,6 +320,7 @@ struct TriangleTables {
     TESSARY_MESH_API NamedArrays arrays() const;
 };
 
+/// How makeTriangleTables() takes edges.
 struct TableOptions {
     /// Whether edges along which two faces run in one direction are in the edge table once for each face,
     /// as boundaries. Without it a mesh with such edges is refused.
@@ -332,7 +333,8 @@ struct TableOptions {
 /// Makes the tables of a mesh's fan triangles. Neighbours run along their common edge in opposite
 /// directions; of several the one with the lowest corner counts.
 ///
-/// @param[in] mesh  without errors
+/// @param[in] mesh     without errors
+/// @param[in] options  what becomes of edges that fit no table
 /// @throws InvalidMesh  with the first places, where there is no edge table ("same-direction")
 TESSARY_MESH_API TriangleTables makeTriangleTables(const Korvane::Object& mesh,
                                                    const TableOptions& options = {});
