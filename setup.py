@@ -1,6 +1,7 @@
 """Builds the Python package with CMake: pip install --no-build-isolation .
 
-What pip cannot install has to be there: a C++ compiler, CMake, Ninja, TBB, fast_float, zlib and pybind11 (./dev setup).
+What pip cannot install has to be there: a C++ compiler, CMake, Ninja, TBB, fast_float, zlib, three.js r111 and
+pybind11 (./dev setup).
 TESSARY_CMAKE_BUILD names a build folder to use in the place of a new one.
 """
 

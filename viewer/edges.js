@@ -56,7 +56,7 @@ function isSeam(property, next, sides) {
 
 const MARKS = [
   {key: "boundary", label: "Boundaries", color: 0x1f8fff},
-  {key: "nonmanifold", label: "More than two faces", color: 0xe5484d},
+  {key: "nonmanifold", label: "More than two faces", color: 0xe5484d, width: 6},  // others may lie on it
   {key: "samedirection", label: "Faces run the same way", color: 0xd14fc9},
   {key: "crease", label: "Creases", color: 0xf08c00},
   {key: "seam", label: "Seams", color: 0x12a594},
@@ -92,7 +92,7 @@ function placesOfProblems(model) {
     if (code === "same-direction" || code === "non-manifold-edge") continue;
     for (const {element, index} of places) {
       const hit = element ? elementHit(model, element, index) : null, place = hit && placeOf(hit);
-      const segments = place ? outlineSegments(model, hit, place.size > 0 ? 0.2 * place.size : 0.03) : [];
+      const segments = place ? outlineSegments(model, hit, place.size > 0 ? 0.1 * place.size : 0.03) : [];
       if (segments.length > 0) parts.push(segments);
     }
   }

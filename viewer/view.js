@@ -24,7 +24,7 @@ class View {
     const scene = new THREE.Scene(), {shared} = this;
     const surface = new Surface(model, shared), points = new PointLayer(model, shared);
     const selection = new LineLayer(shared, 0xff7a00, 3.5, 8);
-    const marks = Object.fromEntries(MARKS.map(({key, color}, i) => [key, new LineLayer(shared, color, 3, 4 + 0.3 * i)]));
+    const marks = Object.fromEntries(MARKS.map(({key, color, width = 3}, i) => [key, new LineLayer(shared, color, width, 4 + 0.3 * i)]));
     scene.add(surface.mesh, points.mesh, selection.group, ...Object.values(marks).map(layer => layer.group));
     for (const layer of [selection, ...Object.values(marks)]) layer.group.visible = false;
     return {model, scene, surface, points, selection, marks};
@@ -142,7 +142,7 @@ class View {
   }
 
   select(hit) {
-    const place = hit && placeOf(hit), scale = place && place.size > 0 ? 0.2 * place.size : 0.008 * this.orbit.distance;
+    const place = hit && placeOf(hit), scale = place && place.size > 0 ? 0.1 * place.size : 0.008 * this.orbit.distance;
     for (const {model, selection} of this.layers)
       selection.set(hit && hit.model === model ? outlineSegments(model, hit, scale) : new Float32Array(0));
     this.change();
