@@ -93,6 +93,18 @@ std::string verbsAre(const CLI::App& program)
     return "the verbs are " + listOf(verbsOf(program), " and ");
 }
 
+// The parser tells how many values it misses, and not which ones.
+std::string inOurWords(const CLI::App& app, const std::string& parsersWords)
+{
+    const std::string name = parsersWords.substr(0, parsersWords.find(':'));
+    const CLI::Option* const option = app.get_option_no_throw(name);
+    const bool isMissing = parsersWords.find(" required ") != std::string::npos;
+    if (!option || name == parsersWords || !isMissing)
+        return parsersWords;
+    const std::string value = option->get_type_name();
+    return name + " takes a value, " + value.substr(0, value.find(':'));
+}
+
 }  // namespace
 
 Words verbFirst(const CLI::App& program, Words arguments)
@@ -145,7 +157,7 @@ std::string whatIsWrong(const CLI::App& program, const std::string& parsersWords
             return "there is nothing to do with " + argument;
     }
     if (hasVerb)
-        return parsersWords;
+        return inOurWords(app, parsersWords);
     const std::size_t word = firstWord(program, rest);
     return word == rest.size() ? "a verb is missing; " + verbsAre(program)
                                : noSuchVerb(program, rest[word]);

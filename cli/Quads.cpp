@@ -9,7 +9,6 @@
 #include <TessaryMesh/Operations.h>
 
 #include <CLI/CLI.hpp>
-#include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -83,11 +82,8 @@ void setInnerWeights(Options& options)
     if (options.innerWeights.empty())
         return;
     double sum = 0;
-    for (const float weight : options.innerWeights) {
-        if (!(weight >= 0 && std::isfinite(weight)))
-            throw UsageError("--inner-weights takes three finite numbers that are not negative");
+    for (const float weight : options.innerWeights)
         sum += weight;
-    }
     if (sum == 0)
         throw UsageError("--inner-weights takes three numbers that are not all 0");
     for (int k = 0; k < 3; ++k)
@@ -119,10 +115,13 @@ void addCuts(CLI::App& verb, Options& options)
                     "Cut edges here: the share of their lower-numbered point, 0 to 1; 0.5 without")
         ->type_name("T")
         ->transform(share(0, 1));
-    verb.add_option("--inner-weights", options.innerWeights,
-                    "Cut triangles here: the ratio of their corners' shares; 1,1,1 without")
+    verb.add_option(
+            "--inner-weights", options.innerWeights,
+            "Cut triangles here: the ratio of their corners' shares, each 0 to 1e+30; 1,1,1 "
+            "without")
         ->type_name("A,B,C")
         ->delimiter(',')
+        ->check(realNumber(0, 1e30))
         ->expected(3);
     verb.add_flag("--split-edges", options.quads.splitEdges,
                   "Cut edges along which faces run in one direction once for each face");

@@ -67,7 +67,7 @@ TEST_F(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
         {{"--gap", "2"}, "a number from 0 to 1"},
         {{"--edge-weight", "-0.1"}, "a number from 0 to 1"},
         {{"--inner-weights", "1,1"}, "--inner-weights"},
-        {{"--inner-weights", "1,-1,1"}, "not negative"},
+        {{"--inner-weights", "1,-1,1"}, "from 0 to 1e+30, found"},
         {{"--inner-weights", "0,0,0"}, "not all 0"},
         {{"--crease-property", "sharp"}, "\"sharp\" is missing; expected a bool, uchar or float"},
         {{"--crease-property", "group"}, "is string on faces; expected"},
