@@ -1,10 +1,13 @@
 """What pages let people do: look at values, find problems, turn the view; and what pages do not let meshes do."""
 
+import io
 import json
 import random
 import struct
 
+import numpy
 import pytest
+from PIL import Image
 
 from conftest import PROBLEMS, SQUARES, program
 
@@ -131,6 +134,27 @@ def test_rounded_pages_say_how_far_off_they_are(show):
     browser.run("go.querySelector('#go-element').value = 'point', go.querySelector('#go-number').value = 4, go.requestSubmit()")
     shown = [float(x) for x in text_of(browser, "inspector").split("position\t")[1].split()]
     assert shown == pytest.approx([1, 1, 0], abs=2 / 65534)
+
+
+# A square of n x n quads with a wave in it, seen from so near the middle that a quad is some pixels large.
+def test_a_million_triangles_are_drawn_and_told_apart(show, tmp_path):
+    n = 707
+    x, y = (grid.ravel().astype("f4") for grid in numpy.meshgrid(numpy.arange(n + 1), numpy.arange(n + 1)))
+    points = numpy.stack([x, y, 5 * numpy.sin(x / 50)], 1).astype("<f4")
+    first = (numpy.arange(n)[:, None] * (n + 1) + numpy.arange(n)).ravel()
+    faces = numpy.zeros(n * n, [("size", "u1"), ("corners", "<i4", 4)])
+    faces["size"], faces["corners"] = 4, first[:, None] + [0, 1, n + 2, n + 1]
+    header = (f"ply\nformat binary_little_endian 1.0\nelement vertex {len(points)}\nproperty float x\nproperty float y\n"
+              f"property float z\nelement face {n * n}\nproperty list uchar int vertex_indices\nend_header\n")
+    browser = show(header.encode() + points.tobytes() + faces.tobytes(), name="wave.ply", bare=1, camera="0,0,0.05,0,0,0")
+    arrays = points.nbytes + 4 * (n * n + 1) + 16 * n * n
+    assert (tmp_path / "page.html").stat().st_size < arrays + 1e6
+    middle = (n * n - 1) // 2
+    for column in (-4, 0, 3):
+        browser.hover(160 + 20.8 * column, 120)
+        assert f"Face {middle + column} " in text_of(browser, "inspector")
+    browser.key("0")
+    assert len(Image.open(io.BytesIO(browser.screenshot())).convert("RGB").getcolors(1 << 20)) > 50
 
 
 def distance(browser):
