@@ -16,7 +16,7 @@ FLAGS = ["--headless=new", "--no-sandbox", "--use-gl=angle", "--use-angle=swifts
          "--ignore-gpu-blocklist", "--disable-dev-shm-usage", "--no-first-run", "--disable-background-networking",
          "--disable-component-update", "--disable-default-apps", "--disable-sync", "--disable-extensions", "--mute-audio",
          "--hide-scrollbars", "--force-color-profile=srgb", "--font-render-hinting=none", "--remote-debugging-port=0",
-         "--allow-file-access-from-files=false", "about:blank"]
+         "--disable-features=IsolateSandboxedIframes", "about:blank"]
 
 
 def executable():
@@ -104,6 +104,20 @@ class Browser:
                 raise RuntimeError(f"waited {PATIENCE} s for {condition}; {self.faults}")
             time.sleep(0.05)
         return value
+
+    def wait_for_frame(self, condition):
+        """A function that evaluates expressions in the page's only frame, once the condition holds there."""
+        end = time.monotonic() + PATIENCE
+        while time.monotonic() < end:
+            frames = self.call("Page.getFrameTree")["frameTree"].get("childFrames", [])
+            if frames:
+                world = self.call("Page.createIsolatedWorld", frameId=frames[0]["frame"]["id"])["executionContextId"]
+                evaluate = lambda text: self.call("Runtime.evaluate", expression=text, contextId=world,
+                                                  returnByValue=True)["result"].get("value")
+                if evaluate(condition):
+                    return evaluate
+            time.sleep(0.1)
+        raise RuntimeError(f"waited {PATIENCE} s for {condition} in a frame; {self.faults}")
 
     def open(self, page, **view):
         """Opens a page from disk, with what it should show first (see viewer/state.js), and waits until it has drawn."""

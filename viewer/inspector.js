@@ -42,6 +42,7 @@ function describe(hit, models) {
 
 // An element of a model by its number, as something that can be selected; null where there is none.
 function elementHit(model, kind, index) {
+  if (!Number.isInteger(index) || index < 0) return null;
   if (kind === "point") return index < model.pointCount ? {model, point: index} : null;
   if (kind === "corner") {
     if (index >= model.corners.length) return null;

@@ -120,18 +120,22 @@ class Page {
         if (id === "up" || id === "layout") this.view.orbit.fit(this.view.aspect());
       });
     byId("size").addEventListener("input", () => this.set({size: Number(byId("size").value)}));
-    byId("go").addEventListener("submit", event => {
-      event.preventDefault();
-      const kind = byId("go-element").value, index = Number(byId("go-number").value);
-      const hit = this.models.map(model => elementHit(model, kind, index)).find(h => h);
-      if (hit) this.goTo(hit); else this.say("There is no " + kind + " " + index + ".");
-    });
+    // No form: where a notebook shows the page, forms are forbidden.
+    byId("go").querySelector("button").addEventListener("click", () => this.goToNumber());
+    byId("go-number").addEventListener("keydown", event => event.key === "Enter" && this.goToNumber());
+  }
+
+  goToNumber() {
+    const kind = byId("go-element").value, index = Number(byId("go-number").value);
+    const hit = this.models.map(model => elementHit(model, kind, index)).find(h => h);
+    if (hit) this.goTo(hit); else this.say("There is no " + kind + " " + index + ".");
   }
 
   bindButtons() {
     byId("reset").addEventListener("click", () => this.reset());
     byId("theme").addEventListener("click", () => this.toggleTheme());
-    byId("about").addEventListener("click", () => byId("help").showModal());
+    byId("about").addEventListener("click", () => this.showHelp());
+    byId("help").querySelector("button").addEventListener("click", () => byId("help").close());
     byId("fold").addEventListener("click", () => this.set({bare: !this.state.bare}));
     matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => this.apply());
     addEventListener("resize", () => this.apply());
@@ -148,7 +152,7 @@ class Page {
       "-": () => this.view.orbit.zoom(1.15), f: () => this.set({faces: !state.faces}), e: () => this.set({edges: !state.edges}),
       d: () => this.set({fan: !state.fan}), p: () => this.set({points: !state.points}), t: () => this.toggleTheme(),
       s: () => this.set({shading: state.shading === "flat" ? "smooth" : "flat"}), c: () => this.nextColor(),
-      n: () => this.nextProblem(), h: () => this.set({bare: !state.bare}), "?": () => byId("help").showModal(), Escape: () => this.keep(null),
+      n: () => this.nextProblem(), h: () => this.set({bare: !state.bare}), "?": () => this.showHelp(), Escape: () => this.keep(null),
     };
     if (actions[event.key]) {
       actions[event.key]();
@@ -210,6 +214,11 @@ class Page {
     this.problemAt = (this.problemAt + 1) % this.problemPlaces.length;
     const {model, place} = this.problemPlaces[this.problemAt];
     this.goTo(elementHit(model, place.element, place.index));
+  }
+
+  showHelp() {
+    byId("help").showModal();
+    byId("help").querySelector("button").focus();
   }
 
   nextColor() {

@@ -1,5 +1,6 @@
 """What pages let people do: look at values, find problems, turn the view; and what pages do not let meshes do."""
 
+import html
 import io
 import json
 import random
@@ -44,7 +45,7 @@ def test_every_face_that_is_gone_to_is_under_the_pointer(show, demo):
     middle = browser.run("[canvas.clientWidth / 2, canvas.clientHeight / 2]")
     faces = json.loads(program("info", demo / "demo.obj", "--json"))["faces"]
     for face in random.Random(1).sample(range(faces), 12):
-        browser.run(f"go.querySelector('#go-number').value = {face}, go.requestSubmit()")
+        browser.run(f"go.querySelector('#go-number').value = {face}, go.querySelector('button').click()")
         browser.key("Escape")
         browser.hover(*middle)
         assert f"Face {face}\n" in text_of(browser, "inspector").replace(" ", "\n", 2).replace("Face\n", "Face ")
@@ -102,6 +103,20 @@ def test_faulty_meshes_are_shown_as_far_as_they_go(show):
     assert "no place" in text_of(browser, "state")
 
 
+def test_a_page_inside_a_notebook_draws_and_answers(show, tmp_path):
+    browser = show(SQUARES)
+    page = (tmp_path / "page.html").read_text()
+    (tmp_path / "outer.html").write_text(f'<iframe srcdoc="{html.escape(page)}" sandbox="allow-scripts" width="600" height="300"></iframe>')
+    browser.resize(700, 400)
+    browser.call("Page.navigate", url=(tmp_path / "outer.html").as_uri())
+    frame = browser.wait_for_frame("document.documentElement?.dataset.ready || ''")
+    assert frame("document.documentElement.dataset.ready") == "yes"
+    frame("document.getElementById('go-number').value = 4, document.querySelector('#go button').click()")
+    assert "Face 4" in frame("document.getElementById('inspector').innerText")
+    frame("document.getElementById('about').click(), document.querySelector('#help button').click()")
+    assert not frame("document.getElementById('help').open")
+
+
 def test_names_from_elsewhere_stay_text(show):
     names = f"g {HOSTILE}\nusemtl {HOSTILE}\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"
     file = ply("vertex", ["float x", "float y", "float z", f"float {HOSTILE}\nelement face 1", "list uchar int vertex_indices"],
@@ -123,7 +138,7 @@ def test_pages_of_bytes_hold_every_bit(show, tmp_path):
     browser = show(header.encode() + struct.pack("<720000f", *values), name="noise.ply")
     assert browser.run("document.characterSet") == "windows-1252"
     for point in (0, 123456, 239999):
-        browser.run(f"go.querySelector('#go-element').value = 'point', go.querySelector('#go-number').value = {point}, go.requestSubmit()")
+        browser.run(f"go.querySelector('#go-element').value = 'point', go.querySelector('#go-number').value = {point}, go.querySelector('button').click()")
         shown = text_of(browser, "inspector").split("position\t")[1].split()
         assert [float(x) for x in shown] == pytest.approx(values[3 * point:3 * point + 3], rel=1e-6)
 
@@ -131,7 +146,7 @@ def test_pages_of_bytes_hold_every_bit(show, tmp_path):
 def test_rounded_pages_say_how_far_off_they_are(show):
     browser = show(SQUARES, options=["--quantise"], size=(900, 600))
     assert "rounded" in text_of(browser, "names")
-    browser.run("go.querySelector('#go-element').value = 'point', go.querySelector('#go-number').value = 4, go.requestSubmit()")
+    browser.run("go.querySelector('#go-element').value = 'point', go.querySelector('#go-number').value = 4, go.querySelector('button').click()")
     shown = [float(x) for x in text_of(browser, "inspector").split("position\t")[1].split()]
     assert shown == pytest.approx([1, 1, 0], abs=2 / 65534)
 
