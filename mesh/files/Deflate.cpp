@@ -1,5 +1,8 @@
 #include "files/Deflate.h"
 
+#include "base/MachineMemory.h"
+#include "files/FileErrors.h"
+
 #include <zlib.h>
 
 #include <algorithm>
@@ -11,6 +14,82 @@ namespace TessaryMesh {
 namespace {
 
 constexpr std::size_t kPiece = std::size_t{1} << 18;
+
+/// Unpacks a file as it is read, part by part.
+class Unpacking {
+public:
+    Unpacking(const Input& input, const std::string& path) : m_input(input), m_path(path)
+    {
+        if (inflateInit2(&m_z, 15 + 16) != Z_OK)
+            throw std::bad_alloc();
+    }
+    ~Unpacking() { inflateEnd(&m_z); }
+    Unpacking(const Unpacking&) = delete;
+    Unpacking& operator=(const Unpacking&) = delete;
+
+    Array<char> bytes()
+    {
+        Array<char> bytes;
+        std::size_t size = 0;
+        int state = Z_OK;
+        while (state != Z_STREAM_END || hasMore()) {
+            if (state == Z_STREAM_END)
+                inflateReset(&m_z);
+            if (size == bytes.size())
+                bytes.resize(grown(size));
+            m_z.next_out = reinterpret_cast<Bytef*>(bytes.data() + size);
+            const std::size_t room = std::min(bytes.size() - size, 64 * kPiece);
+            m_z.avail_out = static_cast<uInt>(room);
+            refill();
+            state = inflate(&m_z, Z_NO_FLUSH);
+            size += room - m_z.avail_out;
+            if (state != Z_OK && state != Z_STREAM_END)
+                fail();
+        }
+        bytes.resize(size);
+        return bytes;
+    }
+
+private:
+    [[noreturn]] void fail() const
+    {
+        const std::size_t at = m_read - m_z.avail_in;
+        failToRead(FileError::Code::Malformed, m_path,
+                   "byte " + std::to_string(at) +
+                       ": the gzip data is damaged or cut off here; copy the file again",
+                   atByte(at));
+    }
+
+    std::size_t grown(std::size_t size) const
+    {
+        const std::size_t more = std::max(2 * size, 4 * kPiece);
+        if (more > machineMemory() / 2)
+            failToRead(FileError::Code::TooLarge, m_path,
+                       "unpacks to more than " + memoryText(static_cast<double>(size)) +
+                           ", which does not fit into memory twice; split the mesh");
+        return more;
+    }
+
+    bool hasMore() const { return m_z.avail_in > 0 || m_read < m_input.size(); }
+
+    void refill()
+    {
+        throwIfCancelled();
+        if (m_z.avail_in > 0 || m_read == m_input.size())
+            return;
+        const std::size_t end = std::min(m_read + kPiece, m_input.size());
+        const std::string_view part = m_input.part(m_read, end, m_buffer);
+        m_z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(part.data()));
+        m_z.avail_in = static_cast<uInt>(part.size());
+        m_read = end;
+    }
+
+    const Input& m_input;
+    const std::string& m_path;
+    InputBuffer m_buffer;
+    std::size_t m_read = 0;
+    z_stream m_z{};
+};
 
 }  // namespace
 
@@ -69,6 +148,24 @@ void Deflater::run(std::string_view bytes, int flush)
 bool isGzip(std::string_view bytes)
 {
     return bytes.substr(0, 3) == "\x1F\x8B\x08";
+}
+
+Array<char> unpackedGzip(const Input& input, const std::string& path)
+{
+    return Unpacking(input, path).bytes();
+}
+
+bool endsWithGz(std::string_view path)
+{
+    if (path.size() <= 3)
+        return false;
+    const std::string_view ending = path.substr(path.size() - 3);
+    return ending[0] == '.' && (ending[1] | 32) == 'g' && (ending[2] | 32) == 'z';
+}
+
+std::string_view withoutGz(std::string_view path)
+{
+    return path.substr(0, path.size() - (endsWithGz(path) ? 3 : 0));
 }
 
 // An empty array may have no address, by which zlib would begin anew.

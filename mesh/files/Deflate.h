@@ -1,5 +1,8 @@
 #pragma once
 
+#include "base/Host.h"
+#include "files/Input.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -37,6 +40,14 @@ private:
 
 /// Whether the bytes are the beginning of a gzip file.
 bool isGzip(std::string_view bytes);
+
+/// What a gzip file holds, of one part or of several one behind the other. Throws FileError where it is
+/// damaged or cut off, or holds more than half of the memory that there is; Cancelled.
+Array<char> unpackedGzip(const Input& input, const std::string& path);
+
+/// Whether a file name ends in ".gz", in upper or lower case; and the name without it.
+bool endsWithGz(std::string_view path);
+std::string_view withoutGz(std::string_view path);
 
 /// The checksum of zip and gzip; `before` is that of the bytes before these.
 std::uint32_t checksumOf(const void* bytes, std::size_t count, std::uint32_t before = 0);

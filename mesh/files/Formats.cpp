@@ -1,6 +1,7 @@
 #include "files/Formats.h"
 
 #include "base/MessageText.h"
+#include "files/Deflate.h"
 #include "files/gltf/Gltf.h"
 #include "files/json/Json.h"
 #include "files/npz/Npz.h"
@@ -175,7 +176,8 @@ const Format* findFormat(std::string_view name)
 
 const Format* formatOfName(std::string_view path)
 {
-    return findIf([path](const Format& format) { return endsWith(path, format.ending); });
+    return findIf(
+        [path](const Format& format) { return endsWith(withoutGz(path), format.ending); });
 }
 
 }  // namespace TessaryMesh

@@ -4,7 +4,9 @@
 #include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MessageText.h"
+#include "files/Deflate.h"
 #include "files/FileErrors.h"
+#include "files/ForeignFormats.h"
 #include "files/Formats.h"
 #include "files/Input.h"
 
@@ -37,14 +39,37 @@ void refuseErrors(const Object& mesh, const std::string& name)
         "files of " + std::string(format.title) + " hold no " + what + "; choose another format");
 }
 
-// ".obj, .ply": where a mesh can go by the ending of a file's name.
-std::string meshEndings()
+// ".obj, .ply": the endings of formats that hold or read something.
+std::string endingsThat(bool Format::*holds)
 {
     std::string list;
     for (const Format* const format : formats())
-        if (format->writesMeshes && !format->ending.empty())
+        if (format->*holds && !format->ending.empty())
             list += (list.empty() ? "" : ", ") + std::string(format->ending);
     return list;
+}
+
+// A file of a format that nobody here knows is best told by its name.
+void refuseForeign(const FileSigns& signs, const std::string& path)
+{
+    const std::string_view title = foreignFormat(signs);
+    if (!title.empty())
+        failToRead(FileError::Code::Unsupported, path,
+                   "is " + std::string(title) + ", which is not read; save it as one of " +
+                       endingsThat(&Format::readsMeshes));
+}
+
+MeshRead readContent(const Input& input, const std::string& path)
+{
+    InputBuffer buffer;
+    const FileSigns signs{input.head(kBytesThatTell, buffer), input.size(), withoutGz(path)};
+    const FormatRow& row = rowOfContent(signs);
+    if (!row.functions.recognises)
+        refuseForeign(signs, path);
+    MeshRead read = row.functions.read(input, path);
+    if (!read.format)
+        read.format = &row.format;
+    return read;
 }
 
 }  // namespace
@@ -54,12 +79,12 @@ MeshRead readMeshUnchecked(const std::string& path)
     try {
         const Input input(path.c_str());
         InputBuffer buffer;
-        const FormatRow& row =
-            rowOfContent({input.head(kBytesThatTell, buffer), input.size(), path});
-        MeshRead read = row.functions.read(input, path);
-        if (!read.format)
-            read.format = &row.format;
-        return read;
+        if (!isGzip(input.head(kBytesThatTell, buffer)))
+            return readContent(input, path);
+        const Array<char> bytes = unpackedGzip(input, path);
+        if (bytes.empty())
+            failToRead(FileError::Code::Empty, path, "is empty; a mesh file was expected");
+        return readContent(Input(std::string_view(bytes.data(), bytes.size())), path);
     } catch (const std::bad_alloc&) {
         throw OutOfMemory(inputName(path), "does not fit into memory; split the mesh into parts");
     }
@@ -94,7 +119,8 @@ std::vector<std::string> saveMesh(const Object& mesh, const std::string& path, b
     const Format* const format = formatOfName(path);
     if (!format)
         failToWrite(FileError::Code::Unsupported, path,
-                    "the ending names no format of meshes; choose one of " + meshEndings());
+                    "the ending names no format of meshes; choose one of " +
+                        endingsThat(&Format::writesMeshes));
     OutputFile output(path, overwrite);
     std::vector<std::string> warnings = writeMesh(mesh, *format, output);
     output.commit();

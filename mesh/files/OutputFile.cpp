@@ -1,5 +1,6 @@
 #include <TessaryMesh/Files.h>
 
+#include "files/Deflate.h"
 #include "files/FileErrors.h"
 #include "files/UnfinishedFiles.h"
 
@@ -84,6 +85,9 @@ bool writeAll(int descriptor, std::string_view bytes)
 OutputFile::OutputFile(std::string path, bool overwrite)
     : m_path(std::move(path)), m_overwrite(overwrite)
 {
+    if (endsWithGz(m_path))
+        m_packer = std::make_unique<Deflater>(Deflater::Wrapping::Gzip,
+                                              [this](std::string_view packed) { put(packed); });
     if (m_path == "-") {
         m_descriptor = STDOUT_FILENO;
         return;
@@ -140,12 +144,24 @@ OutputFile::~OutputFile()
 
 void OutputFile::write(const void* bytes, std::size_t count)
 {
-    if (!writeAll(m_descriptor, {static_cast<const char*>(bytes), count}))
+    const std::string_view view(static_cast<const char*>(bytes), count);
+    if (m_packer)
+        m_packer->write(view);
+    else
+        put(view);
+}
+
+void OutputFile::put(std::string_view bytes)
+{
+    if (!writeAll(m_descriptor, bytes))
         failBySystem(m_path, "cannot be written", errno);
 }
 
 void OutputFile::commit()
 {
+    if (m_packer)
+        m_packer->finish();
+    m_packer.reset();
     close();
     if (m_temporary.empty())
         return;

@@ -97,6 +97,8 @@ TEST(Gltf, HostileAndForeignFilesAreRefusedByName)
         {replaced("\"bufferView\": 0, \"c", "\"bufferView\": 9, \"c"), "f: "},
         {replaced("\"2.0\"", "\"1.1\""), "is glTF of version \"1.1\""},
         {replaced("data:", "../x:"), "f: is no valid glTF 2.0"},
+        {replaced("\"data:", "\"x.bin\", \"name\": \""),
+         "f: its file \"x.bin\": there is no such file; check the name"},
         {std::string("glTF\1\0\0\0", 8), "is binary glTF of version 1"},
         {"{\"asset\": ", "f: is no valid glTF 2.0"},
     };

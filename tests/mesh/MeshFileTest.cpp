@@ -18,7 +18,7 @@ using Code = FileError::Code;
 
 TEST(MeshFile, KnowsTheMarksOfContentsAndTheEndingsOfNames)
 {
-    for (const char* content : {"ply", "ply\n", "ply\r\nformat"})
+    for (const char* content : {"ply", "ply\n", "ply\r\nformat", "\xEF\xBB\xBFply\n"})
         EXPECT_EQ(rowOfContent(content).format.name, "ply") << content;
     for (const char* content : {"plyv", "pl", "", "PK"})
         EXPECT_EQ(rowOfContent(content).format.name, "obj") << content;
@@ -60,8 +60,10 @@ TEST(MeshFile, EveryFormatHoldsWhatItSaysAndRefusesTheRest)
         EXPECT_FALSE(holdsObject(Object())) << "no points";
         EXPECT_EQ(holdsObject(cloud), format->writesClouds);
         EXPECT_EQ(holdsObject(*mesh), format->writesMeshes);
+        const std::string mark = format->name == "ply-ascii" ? "\xEF\xBB\xBF" : "";
+        const std::string marked = folder.file("marked", mark + contentOf(path));
         if (format->readsMeshes) {
-            const MeshRead read = readMesh(path);
+            const MeshRead read = readMesh(marked);
             EXPECT_EQ(read.format, format);
             for (const String& name : mesh->propertyNames())  // of STL has normals beside
                 EXPECT_TRUE(sameProperty(*mesh, *read.mesh, name)) << name.c_str();
@@ -79,6 +81,43 @@ TEST(MeshFile, IsSavedByItsEnding)
     for (const char* name : {"a.xyz", "a.json"})
         EXPECT_EQ(fileErrorOf([&] { saveMesh(*mesh, folder / name); }).code(), Code::Unsupported);
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.PLY"});
+}
+
+TEST(MeshFile, IsPackedWhereItsNameSaysSoAndTheSameBytesEachTime)
+{
+    const Folder folder;
+    const auto mesh = meshOf(3, {{0, 1, 2}});
+    for (const char* const name : {"a.obj.gz", "b.obj.gz", "c.PLY.GZ"}) {
+        saveMesh(*mesh, folder / name);
+        EXPECT_EQ(firstDifference(*mesh, *readMesh(folder / name).mesh), "");
+    }
+    const std::string packed = contentOf(folder / "a.obj.gz");
+    EXPECT_EQ(packed, contentOf(folder / "b.obj.gz"));
+    EXPECT_EQ(packed.substr(0, 8), std::string("\x1F\x8B\x08\0\0\0\0\0", 8)) << "no name, no time";
+    const std::string twice = folder.file("d.obj", packed + packed);
+    EXPECT_EQ(getElementCount(*readMesh(twice).mesh, sFaceComp), 2u);
+    for (const std::size_t size : {packed.size() - 1, packed.size() / 2, std::size_t{5}})
+        EXPECT_EQ(fileErrorOf([&] { readMesh(folder.file("e", packed.substr(0, size))); }).code(),
+                  Code::Malformed);
+}
+
+TEST(MeshFile, OfAnotherFormatIsNamed)
+{
+    const struct {
+        std::string bytes, message;
+    } files[] = {
+        {"Kaydara FBX Binary  ", "is a binary FBX file, which is not read; save it as one of .obj"},
+        {"<?xml version=\"1.0\"?>\n<COLLADA>", "is a COLLADA file"},
+        {std::string("MM\x08\0\0\0ab", 8), "is a 3DS file"},
+        {std::string("PK\x03\x04\x14\0\0\0 3D/3dmodel.model", 26), "is a 3MF file"},
+        {std::string("a\0b", 3), "byte 1 is 0: this is binary data"},
+    };
+    const Folder folder;
+    for (const auto& file : files) {
+        const auto error = fileErrorOf([&] { readMesh(folder.file("f.obj", file.bytes)); });
+        EXPECT_EQ(error.code(), Code::Unsupported);
+        EXPECT_TRUE(contains(error.what(), file.message));
+    }
 }
 
 TEST(MeshFile, RefusesMeshesWithErrorsOnBothWays)

@@ -167,7 +167,6 @@ TEST(ObjReader, NamesTheLineOfAnErrorAndItsKind)
         {kSquare + "f 1 2/x 3\n", "5: \"x\"" + form},
         {kSquare + "f 1 2/1/1/1 3\n", "5: \"2/1/1/1\"" + form},
         {"s x\n", "1: \"x\" is no smoothing group; write a number or \"off\""},
-        {"\ng caf\xE9\n", "2: group name \"caf?\" is not valid UTF-8; convert the file"},
         {"# text\nDear reader\n", "2: \"Dear\" begins no OBJ statement; is this a mesh file?",
          Code::Unsupported},
         {std::string("v 0 0\0 0\n", 9),
@@ -237,6 +236,13 @@ TEST(ObjWriter, ReadsBackEqual)
                     "f 1 2 4\no x\ns 1\nf 1 2 3\n",
           kSquare + "g\nusemtl\no\ns 0\nmtllib\nf 1 2 3\n"})
         EXPECT_EQ(roundTrip(text), "") << text;
+}
+
+TEST(ObjWriter, KeepsNamesOfOtherEncodingsByteForByte)
+{
+    const auto read = parsed("v 0 0 0\nusemtl caf\xE9\nf 1 1 1\n");
+    EXPECT_EQ(read.warnings, (Strings{"1 name not in UTF-8, kept byte for byte, first at line 2"}));
+    EXPECT_TRUE(contains(written(*read.mesh), "\nusemtl caf\xE9\n"));
 }
 
 TEST(ObjWriter, WritesPlainValuesValuesOfPointsAndClouds)

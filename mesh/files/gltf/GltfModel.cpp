@@ -44,8 +44,19 @@ void refuseDeepJson(std::string_view json, const std::string& path)
 /// Files beside a .gltf: those of its folder, and of folders in it.
 struct Folder {
     std::string path;
+    const std::string& file;  // the .gltf
     std::exception_ptr error;
 };
+
+std::exception_ptr asErrorOf(const Folder& folder, std::string_view beside, const FileError& error)
+{
+    const std::string_view what = error.what();
+    const std::size_t begin = folder.path.size() + beside.size() + 2;  // behind "FILE: "
+    return std::make_exception_ptr(
+        FileError(error.code(), folder.file,
+                  inputName(folder.file) + ": its file " + TessaryMesh::quoted(beside) + ": " +
+                      std::string(what.substr(std::min(begin, what.size())))));
+}
 
 bool isInFolder(const std::string& name)
 {
@@ -67,9 +78,9 @@ bool readBeside(std::vector<unsigned char>* out, std::string* error, const std::
                 void* data)
 {
     auto& folder = *static_cast<Folder*>(data);
+    const std::string_view relative =
+        std::string_view(name).substr(std::min(name.size(), folder.path.size()));
     try {
-        const std::string_view relative =
-            std::string_view(name).substr(std::min(name.size(), folder.path.size()));
         if (!isInFolder(std::string(relative))) {
             *error = "lies outside of the file's folder";
             return false;
@@ -78,6 +89,9 @@ bool readBeside(std::vector<unsigned char>* out, std::string* error, const std::
         out->resize(input.size());
         input.read(0, input.size(), reinterpret_cast<char*>(out->data()));
         return true;
+    } catch (const FileError& found) {
+        folder.error = asErrorOf(folder, relative, found);
+        return false;
     } catch (...) {
         folder.error = std::current_exception();
         return false;
@@ -163,7 +177,7 @@ tinygltf::Model parseGltf(const Input& input, const std::string& path)
         failToRead(Code::Unsupported, path,
                    "is binary glTF of version " + std::to_string(numberAt(bytes, 4)) +
                        "; convert it to version 2");
-    Folder folder{folderOf(path), nullptr};
+    Folder folder{folderOf(path), path, nullptr};
     tinygltf::Model model;
     std::string error;
     bool isLoaded = false;

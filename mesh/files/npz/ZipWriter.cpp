@@ -12,7 +12,7 @@ constexpr std::uint64_t kMost = 0xFFFFFFFF;  // stands for: see the 64-bit field
 void append(std::string& out, std::uint64_t value, int bytes)
 {
     for (int i = 0; i < bytes; ++i)
-        out += static_cast<char>(value >> (8 * i) & 0xFF);
+        out += static_cast<char>(i < 8 ? value >> (8 * i) & 0xFF : 0);
 }
 
 std::uint64_t fieldOf(std::uint64_t value)

@@ -29,7 +29,7 @@ namespace TessaryMesh {
 /// A property exists only if the file has a line of its kind; texture coordinates and normals that
 /// no face names are kept. Numbers are the nearest floats; "nan" and "inf" are read as such. Points,
 /// lines, curves and other statements are counted in a warning each, lines that are no statement in
-/// one for all of them. Names must be UTF-8; comments need not be.
+/// one for all of them. Names that are not UTF-8 are kept byte for byte, with a warning.
 ///
 /// `path` stands for the file in messages. Throws FileError with the first line of the file that is
 /// wrong; Cancelled. Memory is that of the mesh and 32 MiB a thread. Runs on all threads: the text is

@@ -158,15 +158,15 @@ private:
     bool readState(std::string_view keyword)
     {
         if (keyword == "usemtl")
-            set(m_block.material, readName("material"));
+            set(m_block.material, readName());
         else if (keyword == "g")
-            set(m_block.group, readName("group"));
+            set(m_block.group, readName());
         else if (keyword == "o")
-            set(m_block.object, readName("object"));
+            set(m_block.object, readName());
         else if (keyword == "s")
             set(m_block.smoothing, readSmoothing());
         else if (keyword == "mtllib")
-            m_block.libraries.push_back(readName("material library"));
+            m_block.libraries.push_back(readName());
         else
             return false;
         return true;
@@ -178,14 +178,12 @@ private:
         runs.emplace_back(m_block.faceEnds.size(), std::move(value));
     }
 
-    String readName(const char* what)
+    String readName()
     {
         const std::uint64_t line = m_scanner.line();
         std::string name = m_scanner.restOfLine();
         if (!isUtf8(name))
-            m_scanner.fail(std::string(what) + " name " + quoted(name) +
-                               " is not valid UTF-8; convert the file",
-                           line);
+            m_tallies.otherNames.add(line);
         return name;
     }
 
@@ -241,6 +239,7 @@ void ObjTallies::add(const ObjTallies& later, std::uint64_t linesBefore)
         notHeld[i].add(later.notHeld[i], linesBefore);
     unknown.add(later.unknown, linesBefore);
     extraNumbers.add(later.extraNumbers, linesBefore);
+    otherNames.add(later.otherNames, linesBefore);
     misplacedSigns.add(later.misplacedSigns, linesBefore);
 }
 

@@ -19,7 +19,7 @@ inline constexpr const char* kObjStatementsNotHeld[] = {
     "curv2", "surf",  "parm",   "trim",   "hole",     "scrv",     "sp",         "end",
     "con",   "mg",    "lod",    "bevel",  "c_interp", "d_interp", "shadow_obj", "trace_obj",
     "ctech", "stech", "usemap", "maplib", "call",     "csh",      "res",        "bsp",
-    "bzp",   "cdc",   "cdp",    "fo"};
+    "bzp",   "cdc",   "cdp",    "fo",     "t"};
 
 /// What statements of a block say of the faces behind them: the first face that each holds for.
 template <class T>
@@ -36,7 +36,7 @@ using ObjReferences = std::array<ObjReference, kObjKinds>;
 struct ObjTallies {
     std::uint64_t known = 0;  // statements that OBJ defines
     Tally notHeld[std::size(kObjStatementsNotHeld)];
-    Tally unknown, extraNumbers, misplacedSigns;
+    Tally unknown, extraNumbers, misplacedSigns, otherNames;
     std::string firstUnknown;
 
     /// What a block further on has, with `linesBefore` it.

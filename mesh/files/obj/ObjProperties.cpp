@@ -15,8 +15,7 @@ bool isWritableName(std::string_view name)
     if (name.empty())
         return true;
     return !isBlank(name.front()) && !isBlank(name.back()) && name.back() != '\\' &&
-           name.find_first_of(std::string_view("\n\r\0", 3)) == std::string_view::npos &&
-           isUtf8(name);
+           name.find_first_of(std::string_view("\n\r\0", 3)) == std::string_view::npos;
 }
 
 class Finder {

@@ -185,6 +185,7 @@ private:
             " with more numbers than the statement has; these are left out");
         add(m_tallies.misplacedSigns, "number", "numbers",
             " with the sign before the \"e\", read as if it stood behind");
+        add(m_tallies.otherNames, "name", "names", " not in UTF-8, kept byte for byte");
         if (m_file.colourCount() > 0 && !m_file.hasColours())
             lines.push_back("colours left out: only " + std::to_string(m_file.colourCount()) +
                             " of " + std::to_string(m_file.total().values[kObjPoint]) +

@@ -54,7 +54,7 @@ namespace TessaryMesh {
 MeshRead readPly(const Input& input, const std::string& path);
 MeshRead readPly(const Input& input, const std::string& path, std::size_t blockSize);
 
-/// Whether the first line is "ply".
+/// Whether the first line is "ply", with a byte-order mark of UTF-8 before it or not.
 bool isPly(std::string_view bytes);
 
 /// Writes every property that has a PLY form. Indexed properties are written value by value, which a

@@ -348,6 +348,9 @@ Elements findRows(const Header& header, const Plan& plan, std::string_view body,
     return found;
 }
 
+// Some programs write it in front of any text.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 const Format* formatOf(Encoding encoding)
 {
     return findFormat(encoding == Encoding::Ascii       ? "ply-ascii"
@@ -359,6 +362,8 @@ const Format* formatOf(Encoding encoding)
 
 bool isPly(std::string_view bytes)
 {
+    if (bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark)
+        bytes.remove_prefix(kByteOrderMark.size());
     return bytes.substr(0, 3) == "ply" &&
            (bytes.size() == 3 || bytes[3] == '\n' || bytes[3] == '\r');
 }
@@ -371,6 +376,11 @@ MeshRead readPly(const Input& input, const std::string& path)
 MeshRead readPly(const Input& input, const std::string& path, std::size_t blockSize)
 {
     InputBuffer headBuffer;
+    if (input.head(kByteOrderMark.size(), headBuffer) == kByteOrderMark) {
+        std::string rest(input.size() - kByteOrderMark.size(), '\0');
+        input.read(kByteOrderMark.size(), input.size(), rest.data());
+        return readPly(rest, path, blockSize);
+    }
     const Header header = parseHeader(headOf(input, headBuffer), path);
     MeshRead read{nullptr, formatOf(header.encoding), {}};
     Plan plan = planProperties(header, path, read.warnings);

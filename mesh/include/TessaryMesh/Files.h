@@ -5,6 +5,7 @@
 #include <TessaryMesh/NamedArrays.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,12 +58,15 @@ TESSARY_MESH_API MeshRead readMesh(const std::string& path);
 /// The same without validation, for callers that want to look at the mesh's errors themselves.
 TESSARY_MESH_API MeshRead readMeshUnchecked(const std::string& path);
 
+class Deflater;
+
 /// A file that appears under its name only when it is complete.
 ///
 /// Bytes go to a temporary name in the same folder; commit() renames it into place. Without
 /// commit() the temporary is removed and an existing file stays as it was. A file that is replaced
 /// hands on its permissions, and a symbolic link stays one: what it points to is replaced. "-" is
-/// standard output; that, devices and pipes are written straight through.
+/// standard output; that, devices and pipes are written straight through. Where the name ends in ".gz", the
+/// file is packed: the same bytes make the same file, whatever its name and the time.
 ///
 /// @throws FileError  from every operation, where the system refuses
 class TESSARY_MESH_API OutputFile {
@@ -85,6 +89,7 @@ public:
     void commit();
 
 private:
+    void put(std::string_view bytes);
     void openTemporary(unsigned permissions);
     void close();
 
@@ -93,6 +98,7 @@ private:
     std::string m_temporary;  // empty where bytes go straight through, and after commit()
     bool m_overwrite;
     int m_descriptor = -1;
+    std::unique_ptr<Deflater> m_packer;  // where the name ends in .gz
 };
 
 /// Removes the temporary files of all outputs, for a program that is about to end at once, as by _exit():
