@@ -5,7 +5,7 @@ from html.parser import HTMLParser
 from urllib.parse import unquote, urldefrag
 
 LOADS = {("link", "href"), ("script", "src"), ("img", "src"), ("iframe", "src"), ("source", "src")}
-OUTSIDE_STYLE = re.compile(r"url\(\s*['\"]?((?:https?:)?//[^)'\"]+)|@import\s+['\"](http[^'\"]+)")
+OUTSIDE_STYLE = re.compile(r"url\(\s*['\"]?((?:https?:/)?/[^)'\"]+)|@import\s+['\"](http[^'\"]+)")
 IS_OUTSIDE = re.compile(r"(https?:)?//")
 
 
@@ -30,7 +30,7 @@ class Page(HTMLParser):
 def faults_of_style(folder):
     for path in folder.rglob("*.css"):
         for found in OUTSIDE_STYLE.findall(path.read_text()):
-            yield f"{path}: loads {''.join(found)} from the network"
+            yield f"{path}: loads {''.join(found)} from elsewhere"
 
 
 def faults_of(folder):

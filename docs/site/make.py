@@ -21,6 +21,7 @@ from headers import cpp_pages
 from links import faults_of
 from pages import Faults, Pages
 from reference import example_pages, python_pages, with_help
+from theme import mend_theme
 
 ROOT = Path(__file__).resolve().parents[2]
 
@@ -72,6 +73,7 @@ def main():
         run(sys.executable, "-m", "sphinx", "-q", "-W", "--keep-going", "-b", "html", "-d",
             output.with_name(output.name + "-doctrees"), source, output,
             TESSARY_VERSION=project_version(), TESSARY_PYTHON=arguments.python.resolve())
+        mend_theme(output)
     except (Faults, subprocess.CalledProcessError) as error:
         print(f"make.py: {error}", file=sys.stderr)
         return 1

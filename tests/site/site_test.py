@@ -18,12 +18,13 @@ class Links(unittest.TestCase):
             (here / "b.html").write_text("<h1 id='there'></h1><a href='https://example.org/'>fine</a>")
             (here / "a.html").write_text("<a href='b.html#there'></a><a href='b.html?x#gone'></a><a href='c.html'></a>"
                                          "<img src='d.png'><script src='https://example.org/x.js'></script>")
-            (here / "s.css").write_text("@font-face { src: url('//example.org/f.woff') } a { background: url(d.png) }")
+            (here / "s.css").write_text("@import url(/javascript/n.css); @font-face { src: url('//example.org/f.woff') } a { background: url(d.png) }")
             faults = sorted(fault.replace(folder, "") for fault in links.faults_of(here))
         self.assertEqual(faults, ["/a.html: link to no place on the page: b.html?x#gone", "/a.html: link to nothing: c.html",
                                   "/a.html: link to nothing: d.png",
                                   "/a.html: loads https://example.org/x.js from the network",
-                                  "/s.css: loads //example.org/f.woff from the network"])
+                                  "/s.css: loads //example.org/f.woff from elsewhere",
+                                  "/s.css: loads /javascript/n.css from elsewhere"])
 
 
 class Reference(unittest.TestCase):
