@@ -102,9 +102,16 @@ if(TARGET tessary_python)
   list(TRANSFORM tessary_package_files PREPEND python/tessary/ OUTPUT_VARIABLE tessary_package)
   install(FILES ${tessary_package} DESTINATION ${TESSARY_PYTHON_INSTALL_DIR}/tessary)
 
-  # What a wheel holds: the libraries lie beside the module, TBB too, which other systems have elsewhere.
+  # What a wheel holds: the libraries lie beside the module, TBB and minizip too, which other systems have elsewhere.
   install(TARGETS tessary_python tessary tessary_mesh korvane_embedded
     LIBRARY DESTINATION . NAMELINK_SKIP COMPONENT wheel EXCLUDE_FROM_ALL)
   install(FILES $<TARGET_FILE:TBB::tbb> DESTINATION . RENAME $<TARGET_SONAME_FILE_NAME:TBB::tbb>
     COMPONENT wheel EXCLUDE_FROM_ALL)
+  list(GET MINIZIP_LINK_LIBRARIES 0 minizip)
+  file(REAL_PATH ${minizip} minizip)
+  string(REGEX MATCH "libminizip\\.so\\.[0-9]+" minizip_soname ${minizip})
+  if(minizip_soname)
+    install(FILES ${minizip} DESTINATION . RENAME ${minizip_soname}
+      COMPONENT wheel EXCLUDE_FROM_ALL)
+  endif()
 endif()

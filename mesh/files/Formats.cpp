@@ -2,6 +2,7 @@
 
 #include "base/MessageText.h"
 #include "files/Deflate.h"
+#include "files/assimp/Assimp.h"
 #include "files/gltf/Gltf.h"
 #include "files/json/Json.h"
 #include "files/npz/Npz.h"
@@ -79,6 +80,16 @@ bool recognisesNpz(const FileSigns& file)
     return isNpz(file.bytes);
 }
 
+#ifdef TESSARY_WITH_ASSIMP
+// What has no mark here, by the ending alone; ours are read by us.
+bool recognisesOther(const FileSigns& file)
+{
+    const std::size_t dot = file.name.rfind('.');
+    return dot != std::string_view::npos && !formatOfName(file.name) &&
+           readsWithAssimp(file.name.substr(dot + 1));
+}
+#endif
+
 template <ZipWriter::Packing packing>
 std::vector<std::string> writeNpzAs(const Object& mesh, OutputFile& output)
 {
@@ -118,6 +129,10 @@ const auto& table()
         row("json", "JSON arrays", ".json", {nullptr, nullptr, nullptr, nullptr, writeJsonArrays}),
         row("npz", "NumPy arrays", ".npz", kNpz<ZipWriter::Packing::Stored>),
         row("npz-compressed", "NumPy arrays, compressed", "", kNpz<ZipWriter::Packing::Deflated>),
+#ifdef TESSARY_WITH_ASSIMP
+        row("assimp", "another format, through libassimp", "",
+            {recognisesOther, readAssimp, nullptr, nullptr, nullptr}),
+#endif
     };
     return kRows;
 }

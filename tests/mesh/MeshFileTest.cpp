@@ -62,7 +62,7 @@ TEST(MeshFile, EveryFormatHoldsWhatItSaysAndRefusesTheRest)
         EXPECT_EQ(holdsObject(*mesh), format->writesMeshes);
         const std::string mark = format->name == "ply-ascii" ? "\xEF\xBB\xBF" : "";
         const std::string marked = folder.file("marked", mark + contentOf(path));
-        if (format->readsMeshes) {
+        if (format->readsMeshes && format->writesMeshes) {
             const MeshRead read = readMesh(marked);
             EXPECT_EQ(read.format, format);
             for (const String& name : mesh->propertyNames())  // of STL has normals beside
@@ -118,6 +118,19 @@ TEST(MeshFile, OfAnotherFormatIsNamed)
         EXPECT_EQ(error.code(), Code::Unsupported);
         EXPECT_TRUE(contains(error.what(), file.message));
     }
+}
+
+TEST(MeshFile, OfAFurtherFormatIsReadThroughALibraryWithAWarning)
+{
+    const std::string path = installedModel("cube_triangulate.dae");
+    if (!findFormat("assimp") || path.empty())
+        GTEST_SKIP() << "built without libassimp, or package assimp-testmodels is not installed";
+    const MeshRead read = readMesh(path);
+    EXPECT_EQ(read.format->name, "assimp");
+    EXPECT_EQ(getElementCount(*read.mesh, sFaceComp), 12u);
+    EXPECT_TRUE(contains(read.warnings.at(0), "may merge, split or reorder points"));
+    const Folder folder;
+    EXPECT_TRUE(isRefused([&] { readMesh(folder.file("a.fbx", "Kaydara FBX Binary  ")); }));
 }
 
 TEST(MeshFile, RefusesMeshesWithErrorsOnBothWays)

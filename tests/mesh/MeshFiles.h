@@ -73,9 +73,10 @@ bool isRefused(const Work& work)
 /// Where a model of a test package is installed, "" where it is not.
 inline std::string installedModel(const std::string& name)
 {
-    for (const char* folder : {"/usr/share/glmark2/models/", "/usr/share/assimp/models/OBJ/",
-                               "/usr/share/assimp/models/PLY/", "/usr/share/assimp/models/STL/",
-                               "/usr/share/assimp/models/invalid/"})
+    for (const char* folder :
+         {"/usr/share/glmark2/models/", "/usr/share/assimp/models/OBJ/",
+          "/usr/share/assimp/models/PLY/", "/usr/share/assimp/models/STL/",
+          "/usr/share/assimp/models/Collada/", "/usr/share/assimp/models/invalid/"})
         if (std::filesystem::exists(folder + name))
             return folder + name;
     return {};
