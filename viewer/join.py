@@ -33,11 +33,13 @@ def main():
     page, style, three, *scripts, out = map(Path, sys.argv[1:])
     viewer = joined(scripts)
     library = three.read_bytes().decode("utf-8").encode("ascii", "backslashreplace").decode()
+    if 'REVISION="111"' not in library:
+        sys.exit(f"{three}: this is not three.js r111, for which the viewer is written")
     packed = base64.b64encode(zlib.compress(library.encode(), 9)).decode()
     html = page.read_text("ascii")
     for mark, text in (("@STYLE@", style.read_text("ascii")), ("@HASHES@", f"{hash_of(library)} {hash_of(viewer)}"),
                        ("@THREE@", packed), ("@VIEWER@", viewer)):
-        assert html.count(mark) == 1, mark
+        assert html.count(mark) == 1 and "</script" not in viewer, mark
         html = html.replace(mark, text)
     before, rest = html.split("@ENCODING@")
     middle, after = rest.split("@CONTENTS@\n")
