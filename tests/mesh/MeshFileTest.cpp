@@ -129,6 +129,9 @@ TEST(MeshFile, OfAFurtherFormatIsReadThroughALibraryWithAWarning)
     EXPECT_EQ(read.format->name, "assimp");
     EXPECT_EQ(getElementCount(*read.mesh, sFaceComp), 12u);
     EXPECT_TRUE(contains(read.warnings.at(0), "may merge, split or reorder points"));
+    EXPECT_GT(
+        getElementCount(*readMesh("/usr/share/assimp/models/RAW/WithColor.raw").mesh, sFaceComp),
+        0u);
     const Folder folder;
     EXPECT_TRUE(isRefused([&] { readMesh(folder.file("a.fbx", "Kaydara FBX Binary  ")); }));
 }

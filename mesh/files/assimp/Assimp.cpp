@@ -92,7 +92,8 @@ private:
             if (node.mMeshes[i] < m_scene.mNumMeshes)
                 addMesh(*m_scene.mMeshes[node.mMeshes[i]], transform, node.mName.C_Str());
         for (unsigned i = 0; i < node.mNumChildren; ++i)
-            visit(*node.mChildren[i], transform, depth + 1);
+            if (node.mChildren[i])  // which some of its readers leave empty
+                visit(*node.mChildren[i], transform, depth + 1);
     }
 
     void addMesh(const aiMesh& mesh, const aiMatrix4x4& transform, const char* object)
@@ -132,6 +133,11 @@ private:
                 ++m_lines;
                 continue;
             }
+            for (unsigned k = 0; k < face.mNumIndices; ++k)
+                if (face.mIndices[k] >= mesh.mNumVertices)
+                    failToRead(Code::Malformed, m_path,
+                               "a face names point " + std::to_string(face.mIndices[k]) + " of " +
+                                   std::to_string(mesh.mNumVertices) + "; write the file again");
             for (unsigned k = 0; k < face.mNumIndices; ++k)
                 m_vertex.push_back(static_cast<uint>(first + face.mIndices[k]));
             if (m_vertex.size() >= kNone)
