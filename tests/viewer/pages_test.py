@@ -121,7 +121,7 @@ def test_names_from_elsewhere_stay_text(show):
     names = f"g {HOSTILE}\nusemtl {HOSTILE}\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"
     file = ply("vertex", ["float x", "float y", "float z", f"float {HOSTILE}\nelement face 1", "list uchar int vertex_indices"],
                "0 0 0 1\n1 0 0 2\n0 1 0 3\n3 0 1 2\n", 3)
-    browser = show(names, file, name="<img src=x onerror=window.broken=1>.mesh", **FRONT)
+    browser = show(names, file, name="<img src=x onerror=window.broken=1>.obj", **FRONT)
     for face in (0, 1):
         browser.hover(40 + 160 * face, 140)
     browser.run("color.value = color.options[color.options.length - 1].value, color.dispatchEvent(new Event('change'))")
