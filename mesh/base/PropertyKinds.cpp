@@ -26,7 +26,8 @@ std::string elementWord(const String& component)
 
 bool isComponent(const Object& mesh, const String& name)
 {
-    Object scratch(mesh);  // shallow; only a component takes an element count
+    Object scratch;  // of which only a component takes an element count
+    scratch.setProperty(name, mesh.getProperty(name));
     return setElementCount(name, 0, scratch);
 }
 

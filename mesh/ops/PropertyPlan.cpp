@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <set>
+#include <unordered_map>
 
 namespace TessaryMesh {
 namespace {
@@ -31,14 +32,6 @@ bool isData(const Object& mesh, const String& name)
     return getDataGeoProperty(mesh, name) && !isTopology(name) && !isOffsets(mesh, name);
 }
 
-String offsetsOf(const Object& mesh, const String& list)
-{
-    for (const String& name : mesh.propertyNames())
-        if (targetOf(mesh, name) == list && dataArray<uint>(mesh, name))
-            return name;
-    return String();
-}
-
 // Without a declaration the length of the offsets says whose lists they are. Where there are as many
 // points as faces it does not, and guessing could attach values to the wrong elements.
 bool isPointList(const Object& mesh, const String& offsets)
@@ -52,7 +45,12 @@ bool isPointList(const Object& mesh, const String& offsets)
 
 class Planner {
 public:
-    Planner(const Object& mesh, Onto onto) : m_mesh(mesh), m_onto(onto) {}
+    Planner(const Object& mesh, Onto onto) : m_mesh(mesh), m_onto(onto)
+    {
+        for (const String& name : mesh.propertyNames())
+            if (const auto target = targetOf(mesh, name); target && dataArray<uint>(mesh, name))
+                m_offsets.emplace(*target, name);  // unless an earlier one is there
+    }
 
     void addValue(const String& name) { add({name, String(), String()}, Kind::OwnValue); }
 
@@ -114,17 +112,18 @@ private:
 
     void addList(const String& name, const String& component)
     {
-        const String offsets = offsetsOf(m_mesh, name);
-        if (offsets.empty())
+        const auto offsets = m_offsets.find(name);
+        if (offsets == m_offsets.end())
             leaveOut("property", name);
-        else if (isPointList(m_mesh, offsets))
-            add({name, offsets, component}, Kind::PointList);
+        else if (isPointList(m_mesh, offsets->second))
+            add({name, offsets->second, component}, Kind::PointList);
         else
             leaveOut("list property", name);
     }
 
     const Object& m_mesh;
     Onto m_onto;
+    std::unordered_map<String, String> m_offsets;  // by the list or other property that they name
     PropertyPlan m_plan;
 };
 

@@ -27,6 +27,37 @@ TEST(Object, KeepsValuesUnderTheirNamesInTheOrderOfFirstInsertion)
     EXPECT_EQ(object.propertyNames(), (Array<String>{"b", "c"}));
 }
 
+TEST(Object, FindsEachOfManyNamesAndSoDoItsCopies)
+{
+    Object object;
+    for (int i = 0; i < 1000; ++i)
+        object.setProperty(std::to_string(i % 500), i);
+    const Object copy = object;
+    object.setProperty("more", 1);
+    EXPECT_EQ(copy.propertyNames().size(), 500u);
+    for (int i = 0; i < 500; ++i)
+        ASSERT_EQ(*copy.getProperty(std::to_string(i)).get<int>(), i + 500);
+    EXPECT_TRUE(object.hasProperty("more"));
+    EXPECT_FALSE(copy.hasProperty("more"));
+}
+
+TEST(String, IsItsBytesAndSharesThoseOfLongOnes)
+{
+    for (const std::size_t size : {0, 1, 14, 15, 16, 1000}) {
+        std::string text(size, 'x');
+        if (size > 1)
+            text[size / 2] = '\0';
+        Pelon::String string(text), copy = string, moved = std::move(string);
+        EXPECT_EQ(copy.view(), text);
+        EXPECT_EQ(moved, copy);
+        EXPECT_EQ(copy.c_str()[size], '\0');
+        EXPECT_EQ(copy.c_str() == moved.c_str(), size > 15);
+        copy = Pelon::String("other");
+        EXPECT_EQ(moved.view(), text);
+        EXPECT_TRUE(copy != moved && copy.view() == "other");
+    }
+}
+
 TEST(Object, HandsAValueOutForModificationAndTakesItBackInItsPlace)
 {
     Object object;

@@ -167,6 +167,8 @@ TEST(ObjReader, NamesTheLineOfAnErrorAndItsKind)
         {kSquare + "f 1 2/x 3\n", "5: \"x\"" + form},
         {kSquare + "f 1 2/1/1/1 3\n", "5: \"2/1/1/1\"" + form},
         {"s x\n", "1: \"x\" is no smoothing group; write a number or \"off\""},
+        {"usemtl " + std::string(65537, 'm') + "\n",
+         "1: a name of 65537 bytes; names have up to 65536"},
         {"# text\nDear reader\n", "2: \"Dear\" begins no OBJ statement; is this a mesh file?",
          Code::Unsupported},
         {std::string("v 0 0\0 0\n", 9),

@@ -6,6 +6,7 @@
 #include <Pelon/Ptr.h>
 #include <Pelon/String.h>
 
+#include <cstdint>
 #include <vector>
 
 /// @file
@@ -17,7 +18,7 @@ namespace Korvane {
 /// which the names were first stored.
 ///
 /// A copy of an object is shallow: it shares nested objects and arrays with the original. Not
-/// synchronised; names are few, and a look-up walks them.
+/// synchronised. A look-up walks a few names, and finds one of many in constant time.
 class PELON_API Object {
 public:
     Object() = default;  ///< no properties
@@ -57,7 +58,11 @@ private:
     const Entry* find(Pelon::StringView name) const;
     Entry* find(Pelon::StringView name);
 
+    void addToTable(std::size_t number);
+
     std::vector<Entry> m_entries;
+    std::vector<std::uint32_t>
+        m_table;  // numbers of entries by the hash of their names; empty for few
 };
 
 /// A new, empty object.

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -33,27 +34,57 @@ private:
     std::string_view m_text;
 };
 
-/// An owned, NUL-terminated string of bytes, UTF-8 by convention.
+/// An owned, NUL-terminated string of bytes, UTF-8 by convention. It never changes but as a whole, so copies
+/// of a long one share their characters.
 class String {
 public:
-    String() = default;                                             ///< no characters
-    String(const char* text) : m_text(text) {}                      ///< a copy
-    String(std::string text) noexcept : m_text(std::move(text)) {}  ///< the text itself
-    explicit String(StringView text) : m_text(text.view()) {}       ///< a copy
+    String() noexcept { setShort({}); }                     ///< no characters
+    String(const char* text) : String(StringView(text)) {}  ///< a copy
+    String(std::string text)                                ///< the text itself
+    {
+        setShort(text.size() > kShort ? std::string_view() : text);
+        if (text.size() > kShort)
+            m_long = std::make_shared<const std::string>(std::move(text));
+    }
+    explicit String(StringView text)  ///< a copy
+    {
+        setShort(text.size() > kShort ? std::string_view() : text.view());
+        if (text.size() > kShort)
+            m_long = std::make_shared<const std::string>(text.view());
+    }
 
-    operator StringView() const noexcept { return StringView(m_text); }  ///< the same characters
+    operator StringView() const noexcept { return StringView(view()); }  ///< the same characters
 
-    const char* c_str() const noexcept { return m_text.c_str(); }  ///< with a NUL at the end
-    std::size_t size() const noexcept { return m_text.size(); }    ///< how many bytes
-    bool empty() const noexcept { return m_text.empty(); }         ///< whether there are none
-    std::string_view view() const noexcept { return m_text; }      ///< the same characters
+    /// With a NUL at the end.
+    const char* c_str() const noexcept { return m_long ? m_long->c_str() : m_short; }
+    std::size_t size() const noexcept { return view().size(); }  ///< how many bytes
+    bool empty() const noexcept { return view().empty(); }       ///< whether there are none
+    std::string_view view() const noexcept                       ///< the same characters
+    {
+        return m_long ? std::string_view(*m_long)
+                      : std::string_view(m_short,
+                                         kShort - static_cast<unsigned char>(m_short[kShort]));
+    }
 
-    friend bool operator==(const String& a, const String& b) { return a.m_text == b.m_text; }
-    friend bool operator!=(const String& a, const String& b) { return a.m_text != b.m_text; }
-    friend bool operator<(const String& a, const String& b) { return a.m_text < b.m_text; }
+    friend bool operator==(const String& a, const String& b)
+    {
+        return (a.m_long && a.m_long == b.m_long) || a.view() == b.view();
+    }
+    friend bool operator!=(const String& a, const String& b) { return !(a == b); }
+    friend bool operator<(const String& a, const String& b) { return a.view() < b.view(); }
 
 private:
-    std::string m_text;
+    static constexpr std::size_t kShort = 15;
+
+    // What is left of kShort stands behind the text: nothing behind the longest one, which it ends.
+    void setShort(std::string_view text) noexcept
+    {
+        text.copy(m_short, kShort);
+        m_short[kShort] = static_cast<char>(kShort - text.size());
+    }
+
+    char m_short[kShort + 1] = {};
+    std::shared_ptr<const std::string> m_long;  // where m_short has no room, else null
 };
 
 // NOLINTEND(google-explicit-constructor)

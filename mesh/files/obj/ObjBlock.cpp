@@ -1,6 +1,7 @@
 #include "files/obj/ObjBlock.h"
 
 #include "base/MessageText.h"
+#include "files/Names.h"
 #include "files/obj/ObjScanner.h"
 
 #include <algorithm>
@@ -182,6 +183,10 @@ private:
     {
         const std::uint64_t line = m_scanner.line();
         std::string name = m_scanner.restOfLine();
+        if (name.size() > kLongestName)
+            m_scanner.fail("a name of " + std::to_string(name.size()) +
+                               " bytes; names have up to " + std::to_string(kLongestName),
+                           line);
         if (!isUtf8(name))
             m_tallies.otherNames.add(line);
         return name;

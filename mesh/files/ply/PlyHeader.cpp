@@ -1,6 +1,7 @@
 #include "files/ply/PlyFormat.h"
 
 #include "base/MessageText.h"
+#include "files/Names.h"
 #include "files/NumberText.h"
 #include "files/ply/PlyErrors.h"
 #include "files/ply/PlyNames.h"
@@ -131,6 +132,9 @@ private:
 
     std::string nameFrom(std::string_view word) const
     {
+        if (word.size() > kLongestName)
+            fail("a name of " + std::to_string(word.size()) + " bytes; names have up to " +
+                 std::to_string(kLongestName));
         if (!isUtf8(word))
             fail("the name " + quoted(word) + " is not UTF-8; rename it");
         return std::string(word);
@@ -141,7 +145,7 @@ private:
         if (words.size() != 3)
             fail("an element line has a name and a count: \"element vertex 8\"");
         std::string name = nameFrom(words[1]);
-        if (m_header.find(name))
+        if (!m_elementNames.insert(name).second)
             fail("element " + quoted(name) + " occurs twice; rename one");
         m_header.elements.push_back({std::move(name), countFrom(words[2]), {}});
         m_propertyNames.clear();
@@ -215,6 +219,7 @@ private:
     std::size_t m_line = 0;
     Header m_header{};
     std::optional<Encoding> m_encoding;
+    std::set<std::string> m_elementNames;
     std::set<std::string> m_propertyNames;  // of the last element
 };
 
