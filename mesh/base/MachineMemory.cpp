@@ -7,15 +7,48 @@
 
 namespace TessaryMesh {
 
-std::uint64_t machineMemory()
+namespace {
+
+// The least limit of a group and of those around it, at most `most`. A container may see no more of them
+// than its own one, as the outermost.
+std::uint64_t leastLimit(const std::string& mount, std::string group, const char* file,
+                         std::uint64_t most)
 {
+    for (;;) {
+        std::uint64_t limit = 0;
+        if (std::ifstream(mount + group + "/" + file) >> limit)  // "max" is no number
+            most = std::min(most, limit);
+        if (group.empty())
+            return most;
+        group.erase(std::min(group.rfind('/'), group.size() - 1));
+    }
+}
+
+// Whether a list such as "cpu,memory" names the controller of memory.
+bool hasMemory(const std::string& controllers)
+{
+    return ("," + controllers + ",").find(",memory,") != std::string::npos;
+}
+
+}  // namespace
+
+std::uint64_t machineMemory(const std::string& root)
+{
+    const std::string groups = root + "/sys/fs/cgroup";
     std::uint64_t bytes = static_cast<std::uint64_t>(sysconf(_SC_PHYS_PAGES)) *
                           static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
-    for (const char* limit :
-         {"/sys/fs/cgroup/memory.max", "/sys/fs/cgroup/memory/memory.limit_in_bytes"}) {
-        std::uint64_t most = 0;
-        if (std::ifstream(limit) >> most)  // "max" is no number
-            bytes = std::min(bytes, most);
+    bytes = leastLimit(groups, "", "memory.max", bytes);
+    bytes = leastLimit(groups + "/memory", "", "memory.limit_in_bytes", bytes);
+    // Each line is a hierarchy, its controllers, none for version 2, and the group: "4:memory:/a/b".
+    std::ifstream lines(root + "/proc/self/cgroup");
+    for (std::string number, controllers, group; std::getline(lines, number, ':') &&
+                                                 std::getline(lines, controllers, ':') &&
+                                                 std::getline(lines, group);) {
+        if (controllers.empty())
+            for (const char* mount : {"", "/unified"})
+                bytes = leastLimit(groups + mount, group, "memory.max", bytes);
+        else if (hasMemory(controllers))
+            bytes = leastLimit(groups + "/memory", group, "memory.limit_in_bytes", bytes);
     }
     return bytes;
 }

@@ -6,8 +6,9 @@
 namespace TessaryMesh {
 
 /// Bytes of memory that this process may use at most: what the machine has, or what the control
-/// group that it runs in leaves of that.
-std::uint64_t machineMemory();
+/// groups that it runs in, one inside the other, leave of that. `root` stands before the names of the
+/// system's files.
+std::uint64_t machineMemory(const std::string& root = "");
 
 /// "12 MB", "3.4 GB": for messages.
 std::string memoryText(double bytes);

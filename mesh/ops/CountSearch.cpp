@@ -1,5 +1,7 @@
 #include "ops/CountSearch.h"
 
+#include "base/FixedMath.h"
+
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -35,15 +37,15 @@ void searchForCount(std::uint64_t wanted, double guess, double least,
                     const std::function<std::uint64_t(double)>& samplesAt)
 {
     constexpr double kFarthestStep = 2.5;
-    const double aim = std::log1p(static_cast<double>(wanted)), floor = std::log(least);
+    const double aim = fixedLog(static_cast<double>(wanted) + 1), floor = fixedLog(least);
     std::optional<Try> many, few, last;
-    double distance = std::log(guess), slope = -2;
+    double distance = fixedLog(guess), slope = -2;
     for (int i = 0; i < kMostTries; ++i) {
-        const std::uint64_t found = samplesAt(std::max(std::exp(distance), least));
+        const std::uint64_t found = samplesAt(std::max(fixedExp(distance), least));
         const std::uint64_t miss = found > wanted ? found - wanted : wanted - found;
         if (miss * 50 <= wanted)
             return;
-        const Try now{distance, std::log1p(static_cast<double>(found))};
+        const Try now{distance, fixedLog(static_cast<double>(found) + 1)};
         if (last && now.distance != last->distance)
             slope = std::clamp(slopeBetween(now, *last), -4.0, -0.25);
         last = now;

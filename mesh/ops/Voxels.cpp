@@ -4,7 +4,9 @@
 
 #include "base/Guard.h"
 #include "base/Host.h"
+#include "base/MachineMemory.h"
 #include "base/MeshArrays.h"
+#include "base/Vectors.h"
 #include "ops/CellSize.h"
 #include "ops/RowBounds.h"
 
@@ -13,6 +15,7 @@
 #include <tbb/parallel_sort.h>
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
@@ -59,6 +62,7 @@ public:
 
     Array<Cell> cells()
     {
+        refuseTooMany();
         const std::size_t triangles = m_corners.size() / 3;
         std::vector<std::uint64_t> rows(triangles + 1);
         for (std::size_t t = 0; t < triangles; ++t) {
@@ -87,6 +91,34 @@ private:
     }
 
     float scaled(float x) const { return static_cast<float>(double{x} * m_scale); }
+
+    // A triangle touches a cell at least behind every square of the grid that its shadow along an axis
+    // covers.
+    double leastCells() const
+    {
+        double shadows = 0;
+        for (std::size_t c = 0; c + 2 < m_corners.size(); c += 3) {
+            const double3 n =
+                cross(difference(point(c + 1), point(c)), difference(point(c + 2), point(c)));
+            shadows += std::max({std::fabs(n.x), std::fabs(n.y), std::fabs(n.z)}) / 2;
+        }
+        return shadows / (m_size * m_size);
+    }
+
+    void refuseTooMany() const
+    {
+        const double cells = leastCells(), bytes = cells * sizeof(std::uint64_t);
+        const auto memory = static_cast<double>(machineMemory());
+        if (bytes <= memory)
+            return;
+        char text[64];
+        std::snprintf(text, sizeof text, "there are %.2g cells or more, which take ", cells);
+        std::string message =
+            text + memoryText(bytes) + " of memory, and there are " + memoryText(memory);
+        std::snprintf(text, sizeof text, " (take a cell size from %.2g on)",
+                      1.05 * m_size / m_scale * std::sqrt(bytes / memory));
+        throw OutOfMemory("", message + text, bytes);
+    }
 
     Bounds bounds(std::size_t begin, std::size_t end) const
     {

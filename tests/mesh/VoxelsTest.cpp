@@ -102,6 +102,12 @@ TEST(Voxels, RefuseGridsThatAreTooLongOrTooFar)
 }
 
 // A single face with minutes of work.
+TEST(Voxels, RefuseMoreCellsThanMemoryHoldsBeforeTheyAreLookedFor)
+{
+    const auto triangle = Geometry::makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {0, 3}, {0, 1, 2});
+    EXPECT_THROW(touchedCells(*triangle, 1e-6), TessaryMesh::OutOfMemory);
+}
+
 TEST(Voxels, LeaveOffSoonWhereTheJobIsCancelled)
 {
     const MutablePtr<Object> mesh =
