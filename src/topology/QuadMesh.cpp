@@ -181,9 +181,9 @@ bool hasCrease(const Array<Crease>& creases)
 bool namesEveryCorner(const Array<uint>& triEdges, std::size_t triangleCount)
 {
     const std::size_t edgeCount = triEdges.size() / 2;
-    const uint* const other = triEdges.data() + 1;
+    const uint* const edges = triEdges.data();
     const uint paired =
-        parallelCount(edgeCount, [other](std::size_t e) { return other[2 * e] != kNone; });
+        parallelCount(edgeCount, [edges](std::size_t e) { return edges[2 * e + 1] != kNone; });
     return edgeCount + paired == 3 * triangleCount;
 }
 
