@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <TessaryMesh/Operations.h>
 #include <tbb/global_control.h>
 #include <tests/mesh/PlyFiles.h>
 #include <tests/support/Cancellation.h>
+#include <tests/support/Cost.h>
 #include <tests/support/MeshBuilding.h>
 
 #include <algorithm>
@@ -134,6 +136,47 @@ TEST(Ply, NamesThatTheMeshHasAlreadyAreChangedWithAWarning)
               "face property \"a\" is called \"face_a\" in the mesh, where the name is taken");
 }
 
+TEST(Ply, WhatManyProgramsWriteBecomesColoursNormalsAndTextureCoordinates)
+{
+    const MeshRead read = readPly(
+        "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\n"
+        "property float z\nproperty double nx\nproperty double ny\nproperty double nz\n"
+        "property uchar red\nproperty uchar green\nproperty uchar blue\nproperty float alpha\n"
+        "property float quality\nproperty float texture_u\nproperty float texture_v\n"
+        "element face 1\nproperty list uchar int vertex_index\nproperty uchar red\n"
+        "property uchar green\nproperty uchar blue\nproperty uchar alpha\nend_header\n"
+        "0 0 0 1 0 0 255 51 0 .5 7 1 0\n0 0 0 0 1 0 1 2 3 .5 8 0 1\n3 0 1 0 0 0 255 255\n");
+    expectData<Korvane::Math::double3>(read, "normal", sPointComp, {{1, 0, 0}, {0, 1, 0}});
+    expectData<float3>(read, "color", sPointComp, {{1, .2f, 0}, {1.f / 255, 2.f / 255, 3.f / 255}});
+    expectData<float>(read, "alpha", sPointComp, {.5f, .5f});  // of another type than the colours
+    expectData<float>(read, "quality", sPointComp, {7, 8});
+    expectData<Korvane::Math::float2>(read, "texcoord", sPointComp, {{1, 0}, {0, 1}});
+    expectData<Korvane::Math::float4>(read, "face_color", sFaceComp, {{0, 0, 1, 1}});
+    const std::string again = written(*read.mesh, "ply-ascii");
+    for (const char* line : {"property double nx\n", "property uchar red\n", "property float s\n"})
+        EXPECT_TRUE(contains(again, line)) << again;
+    EXPECT_FALSE(contains(again, "property float color_x")) << again;
+}
+
+TEST(Ply, ColoursAreWrittenIn8BitsAndAsTheyAreWhereTheseDoNotHoldThem)
+{
+    const auto mesh = Korvane::Geometry::makeMesh({{0, 0, 0}, {1, 0, 0}}, {0}, {});
+    addDataGeoProperty<float3>(
+        *mesh, "color", sPointComp,
+        makeMutable<Array<float3>>(Array<float3>{{0.1f, 2, -0.f}, {std::nanf(""), 1, 0.2f}}));
+    for (const char* format : kFormats) {
+        const MeshRead read = readPly(written(*mesh, format));
+        EXPECT_TRUE(MeshFiles::sameProperty(*read.mesh, *mesh, "color")) << format;
+        EXPECT_TRUE(read.warnings.empty());
+    }
+    std::string text = written(*mesh, "ply-ascii");
+    EXPECT_TRUE(contains(text, "\n0 0 0 26 255 0 0.1 2 -0\n")) << text;
+    text.replace(text.find(" 26 "), 4, " 27 ");
+    const MeshRead edited = readPly(text);
+    ASSERT_EQ(edited.warnings.size(), 1u);
+    EXPECT_TRUE(contains(edited.warnings[0], "1 8-bit numbers of point property \"color\""));
+}
+
 TEST(Ply, APointCloudIsAMeshWithoutFacesAndBytesAfterItAreCounted)
 {
     const MeshRead read = readPly(kPointHeader + "end_header\n1 2 3\n\n more\n");
@@ -204,6 +247,7 @@ TEST(Ply, BadHeadersAreRefusedWithTheLine)
         {start + "element a 1\nproperty int b\nproperty char b\n",
          "line 5: element \"a\" has a second"},
         {start + "element a 1\nproperty int b\xff\n", "line 4: the name \"b?\" is not UTF-8"},
+        {start + "element " + std::string(65537, 'e') + " 1\n", "line 3: a name of 65537 bytes"},
         {start + "elements vertex 1\n", "line 3: found \"elements\""},
         {start + "\n", "line 3: an empty line"},
         {start + "end_header\n", "no element \"vertex\"", Code::Unsupported},
@@ -212,6 +256,25 @@ TEST(Ply, BadHeadersAreRefusedWithTheLine)
         {kPointHeader + "element face 1\nproperty int a\nend_header\n1 2 3\n4\n",
          "no list \"vertex_indices\"", Code::Unsupported},
     });
+}
+
+TEST(Ply, ManyPropertiesAndElementsTakeLinearTime)
+{
+    const auto text = [](int count) {
+        std::string header = "ply\nformat ascii 1.0\nelement vertex 1\n", row = "0 0 0";
+        for (const char* name : {"x", "y", "z"})
+            header += std::string("property float ") + name + "\n";
+        for (int i = 0; i < count; ++i, row += " 1")
+            header += "property int p" + std::to_string(i) + "\n";
+        for (int i = 0; i < count; ++i)
+            header += "element e" + std::to_string(i) + " 0\n";
+        return header + "end_header\n" + row + "\n";
+    };
+    const auto through = [](const std::string& content) {
+        EXPECT_NE(written(*TessaryMesh::triangulate(*readPly(content).mesh).mesh, "ply-ascii"), "");
+    };
+    const std::string few = text(1000), many = text(8000);
+    EXPECT_LT(TestSupport::costRatio([&] { through(many); }, [&] { through(few); }), 32);
 }
 
 TEST(Ply, BadRowsAreRefusedWithTheLine)

@@ -4,11 +4,13 @@
 #include "base/MessageText.h"
 #include "base/ParallelBlocks.h"
 #include "base/PropertyKinds.h"
+#include "files/ply/PlyColours.h"
 #include "files/ply/PlyNames.h"
 
 #include <algorithm>
 #include <limits>
 #include <numeric>
+#include <set>
 
 namespace TessaryMesh::Ply {
 namespace {
@@ -57,6 +59,9 @@ public:
     {
         for (const String& name : mesh.propertyNames())
             m_names.reserveForProperty(name.view());
+        for (const String& name : mesh.propertyNames())
+            if (const auto property = Geometry::getDataGeoProperty(mesh, name))
+                m_targets.insert(targetOf(*property));
     }
 
     MeshFields collect()
@@ -135,11 +140,8 @@ private:
     // An index array speaks through the properties that use it.
     void collectRange(const String& name)
     {
-        for (const String& other : m_mesh.propertyNames())
-            if (const auto property = Geometry::getDataGeoProperty(m_mesh, other))
-                if (targetOf(*property) == name)
-                    return;
-        leaveOut("index property " + quoted(name.view()), "has no values that use it");
+        if (m_targets.count(name) == 0)
+            leaveOut("index property " + quoted(name.view()), "has no values that use it");
     }
 
     void collectOther(const String& name)
@@ -187,6 +189,8 @@ private:
             else if (values->size() != countOf(owner))
                 leaveOut(shown, "has " + std::to_string(values->size()) + " values for " +
                                     std::to_string(countOf(owner)) + " elements");
+            else if constexpr (hasColours<T>())
+                addColour(name, owner, typeName, values, shown);
             else
                 addProperty(name, owner, typeName, *form, bytesOf(*values), shown);
         } else {
@@ -219,6 +223,35 @@ private:
         m_fields.warnings.push_back(std::move(warning));
         m_fields.owned.push_back(out);
         return out;
+    }
+
+    template <class T>
+    static constexpr bool hasColours()
+    {
+        return std::is_floating_point_v<typename Scalars<T>::Type> && Scalars<T>::kRows == 0 &&
+               (Scalars<T>::kCount == 3 || Scalars<T>::kCount == 4);
+    }
+
+    // As 8-bit numbers, for others; where these do not hold every colour exactly, as it is, too.
+    template <class T>
+    void addColour(const String& name, Owner owner, const char* typeName,
+                   const Ptr<Array<T>>& values, const std::string& shown)
+    {
+        constexpr Form form = *formOf<T>();
+        const std::vector<std::string> columns =
+            m_names.eightBitColumnsFor(name.view(), owner, form.count);
+        if (columns.empty())
+            return addProperty(name, owner, typeName, form, bytesOf(*values), shown);
+        bool isExact = true;
+        const auto eightBit = makeMutable<Array<unsigned char>>(eightBits(*values, isExact));
+        ElementFields& element = owner == Owner::Point ? m_fields.points : m_fields.faces;
+        element.fields.push_back({columns, Scalar::UInt8, eightBit->data(), form.count});
+        m_fields.owned.push_back(Ptr<Array<unsigned char>>(eightBit));
+        if (isExact)
+            m_fields.declarations.push_back(
+                {owner, typeName, std::string(name.view()), columns, 0});
+        else
+            addProperty(name, owner, typeName, form, bytesOf(*values), shown);
     }
 
     void addProperty(const String& name, Owner owner, const char* typeName, Form form,
@@ -318,6 +351,7 @@ private:
     const Object& m_mesh;
     MeshFields m_fields;
     ColumnNames m_names;
+    std::set<String> m_targets;  // of all data properties
     Ptr<Array<float3>> m_points;
     Ptr<Array<uint>> m_offset;
     Ptr<Array<uint>> m_corners;

@@ -9,16 +9,16 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// What other programs call these values; nothing for others.
+// What other programs call these values; nothing for others, and for types that they do not expect.
 Names customaryNames(std::string_view name, Owner owner, Form form)
 {
-    if (name == "normal" && form.count == 3)
-        return {"nx", "ny", "nz"};
-    if (name == "color" && form.count == 3)
+    if (name == "color" && form.scalar == Scalar::UInt8 && form.count == 3)
         return {"red", "green", "blue"};
-    if (name == "color" && form.count == 4)
+    if (name == "color" && form.scalar == Scalar::UInt8 && form.count == 4)
         return {"red", "green", "blue", "alpha"};
-    if (name == "texcoord" && owner == Owner::Point && form.count == 2)
+    if (name == "normal" && isFloat(form.scalar) && form.count == 3)
+        return {"nx", "ny", "nz"};
+    if (name == "texcoord" && isFloat(form.scalar) && form.count == 2 && owner == Owner::Point)
         return {"s", "t"};
     return {};
 }
@@ -85,23 +85,39 @@ void ColumnNames::reserveForProperty(std::string_view name)
 
 std::vector<std::string> ColumnNames::columnsFor(std::string_view name, Owner owner, Form form)
 {
-    std::set<std::string>& used = m_used[owner == Owner::Point ? 0 : 1];
     std::string stem = encodedName(name);
     const bool isSingle = owner == Owner::Corner || form.count == 1;
-    const auto isFree = [&](const std::string& column) {
-        return used.count(column) == 0 && (column == stem || m_properties.count(column) == 0);
-    };
-    const auto allFree = [&](const Names& names) {
-        return !names.empty() && std::all_of(names.begin(), names.end(), isFree);
-    };
     Names names = isSingle ? Names{stem} : customaryNames(name, owner, form);
-    while (!allFree(names)) {
+    while (!areFree(names, stem, owner)) {
         names = isSingle ? Names{stem} : numberedNames(stem, form.count);
-        if (!allFree(names))
+        if (!areFree(names, stem, owner))
             stem += '_';
     }
-    used.insert(names.begin(), names.end());
+    usedBy(owner).insert(names.begin(), names.end());
     return names;
+}
+
+Names ColumnNames::eightBitColumnsFor(std::string_view name, Owner owner, unsigned count)
+{
+    const Names names = customaryNames(name, owner, {Scalar::UInt8, count});
+    if (owner == Owner::Corner || !areFree(names, encodedName(name), owner))
+        return {};
+    usedBy(owner).insert(names.begin(), names.end());
+    return names;
+}
+
+bool ColumnNames::areFree(const Names& names, const std::string& stem, Owner owner)
+{
+    return !names.empty() &&
+           std::all_of(names.begin(), names.end(), [&](const std::string& column) {
+               return usedBy(owner).count(column) == 0 &&
+                      (column == stem || m_properties.count(column) == 0);
+           });
+}
+
+std::set<std::string>& ColumnNames::usedBy(Owner owner)
+{
+    return m_used[owner == Owner::Point ? 0 : 1];
 }
 
 }  // namespace TessaryMesh::Ply

@@ -26,7 +26,14 @@ public:
     /// coordinates are preferred, then NAME_x and the like.
     std::vector<std::string> columnsFor(std::string_view name, Owner owner, Form form);
 
+    /// The names of colours that other programs read as 8-bit numbers; none for other properties, and where
+    /// one of the names is taken.
+    std::vector<std::string> eightBitColumnsFor(std::string_view name, Owner owner, unsigned count);
+
 private:
+    bool areFree(const std::vector<std::string>& names, const std::string& stem, Owner owner);
+    std::set<std::string>& usedBy(Owner owner);
+
     std::set<std::string> m_properties;
     std::set<std::string> m_used[2];  // of points; of faces, which hold the corners too
 };

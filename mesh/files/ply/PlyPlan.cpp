@@ -4,18 +4,51 @@
 #include "base/MessageText.h"
 #include "files/ply/PlyErrors.h"
 
+#include <algorithm>
 #include <optional>
+#include <unordered_map>
 
 namespace TessaryMesh::Ply {
 namespace {
 
-std::optional<std::size_t> findProperty(const Element& element, std::string_view name)
-{
-    for (std::size_t i = 0; i < element.properties.size(); ++i)
-        if (element.properties[i].name == name)
-            return i;
-    return std::nullopt;
-}
+/// The places of an element's properties by their names.
+class Columns {
+public:
+    explicit Columns(const Element& element) : used(element.properties.size())
+    {
+        for (std::size_t i = 0; i < element.properties.size(); ++i)
+            m_places.emplace(element.properties[i].name, i);
+    }
+
+    std::optional<std::size_t> find(std::string_view name) const
+    {
+        const auto found = m_places.find(name);
+        return found == m_places.end() ? std::nullopt : std::optional(found->second);
+    }
+
+    std::vector<bool> used;
+
+private:
+    std::unordered_map<std::string_view, std::size_t> m_places;
+};
+
+/// Scalars that many programs write for one value of a point, or for colours of a face.
+struct Custom {
+    const char* property;
+    const char* columns[4];
+    std::size_t least;  // of the columns, in their order
+    bool isColour;
+    bool ofPoints;
+};
+
+constexpr Custom kCustoms[] = {
+    {"color", {"red", "green", "blue", "alpha"}, 3, true, false},
+    {"color", {"diffuse_red", "diffuse_green", "diffuse_blue", nullptr}, 3, true, false},
+    {"normal", {"nx", "ny", "nz", nullptr}, 3, false, false},
+    {"texcoord", {"s", "t", nullptr, nullptr}, 2, false, true},
+    {"texcoord", {"u", "v", nullptr, nullptr}, 2, false, true},
+    {"texcoord", {"texture_u", "texture_v", nullptr, nullptr}, 2, false, true},
+};
 
 Form formOfName(const std::string& type)
 {
@@ -36,9 +69,12 @@ public:
         planFaces();
         for (const Declaration& declaration : m_header.declarations)
             planDeclared(declaration);
-        planRest(*m_plan.vertex, m_isPointColumnUsed, Owner::Point);
-        if (m_plan.face)
-            planRest(*m_plan.face, m_isFaceColumnUsed, Owner::Face);
+        planCustomary(*m_plan.vertex, *m_pointColumns, Owner::Point);
+        planRest(*m_plan.vertex, m_pointColumns->used, Owner::Point);
+        if (m_plan.face) {
+            planCustomary(*m_plan.face, *m_faceColumns, Owner::Face);
+            planRest(*m_plan.face, m_faceColumns->used, Owner::Face);
+        }
         return std::move(m_plan);
     }
 
@@ -65,15 +101,15 @@ private:
         m_plan.vertex = checkedElement("vertex");
         if (!m_plan.vertex)
             fail("the header has no element \"vertex\"; a mesh needs points");
-        m_isPointColumnUsed.resize(m_plan.vertex->properties.size());
+        m_pointColumns.emplace(*m_plan.vertex);
         for (std::size_t k = 0; k < 3; ++k) {
             const std::string name(1, "xyz"[k]);
-            const std::optional<std::size_t> column = findProperty(*m_plan.vertex, name);
+            const std::optional<std::size_t> column = m_pointColumns->find(name);
             if (!column || m_plan.vertex->properties[*column].isList())
                 fail("element \"vertex\" has no scalar property \"" + name +
                      "\"; a point needs x, y and z");
             m_plan.position[k] = *column;
-            m_isPointColumnUsed[*column] = true;
+            m_pointColumns->used[*column] = true;
         }
     }
 
@@ -82,9 +118,10 @@ private:
         m_plan.face = checkedElement("face");
         if (!m_plan.face)
             return;
-        std::optional<std::size_t> column = findProperty(*m_plan.face, "vertex_indices");
+        m_faceColumns.emplace(*m_plan.face);
+        std::optional<std::size_t> column = m_faceColumns->find("vertex_indices");
         if (!column)
-            column = findProperty(*m_plan.face, "vertex_index");
+            column = m_faceColumns->find("vertex_index");
         if (!column && m_plan.face->count == 0)
             m_plan.face = nullptr;
         else if (!column || !m_plan.face->properties[*column].isList() ||
@@ -95,17 +132,16 @@ private:
         if (!m_plan.face)
             return;
         m_plan.topology = *column;
-        m_isFaceColumnUsed.resize(m_plan.face->properties.size());
-        m_isFaceColumnUsed[*column] = true;
+        m_faceColumns->used[*column] = true;
     }
 
     void planDeclared(const Declaration& declaration)
     {
         const bool isPoint = declaration.owner == Owner::Point;
         const Element* const element = isPoint ? m_plan.vertex : m_plan.face;
-        std::vector<bool>& used = isPoint ? m_isPointColumnUsed : m_isFaceColumnUsed;
+        std::optional<Columns>& from = isPoint ? m_pointColumns : m_faceColumns;
         std::vector<std::size_t> columns;
-        const std::string mismatch = mismatchOf(declaration, element, used, columns);
+        const std::string mismatch = mismatchOf(declaration, element, from, columns);
         if (!mismatch.empty()) {
             m_warnings.push_back("line " + std::to_string(declaration.line) +
                                  ": the comment that declares " + nameOf(declaration.owner) +
@@ -114,14 +150,19 @@ private:
             return;
         }
         for (const std::size_t column : columns)
-            used[column] = true;
-        m_plan.properties.push_back(
-            {declaration.owner, declaration.type, declaration.name, std::move(columns)});
+            from->used[column] = true;
+        const bool isEightBit = declaration.type != kListType &&
+                                declaration.owner != Owner::Corner &&
+                                isFloat(formOfName(declaration.type).scalar) &&
+                                element->properties[columns[0]].type == Scalar::UInt8;
+        m_plan.properties.push_back({declaration.owner, declaration.type, declaration.name,
+                                     std::move(columns), isEightBit});
     }
 
     // Why the declaration does not fit the properties of the file; empty where it does.
     static std::string mismatchOf(const Declaration& declaration, const Element* element,
-                                  const std::vector<bool>& used, std::vector<std::size_t>& columns)
+                                  const std::optional<Columns>& from,
+                                  std::vector<std::size_t>& columns)
     {
         if (!element)
             return "the file has no faces";
@@ -134,20 +175,64 @@ private:
             return "it names " + std::to_string(declaration.columns.size()) +
                    " properties of the file";
         for (const std::string& name : declaration.columns) {
-            const std::optional<std::size_t> column = findProperty(*element, name);
+            const std::optional<std::size_t> column = from->find(name);
             if (!column)
                 return "the file has no property " + quoted(name);
             const Property& property = element->properties[*column];
-            if (property.isList() != wantsList || (!isList && property.type != form.scalar))
+            const bool isEightBit =
+                isFloat(form.scalar) && form.count > 1 && property.type == Scalar::UInt8 &&
+                !wantsList &&
+                (columns.empty() || element->properties[columns[0]].type == property.type);
+            if (property.isList() != wantsList ||
+                (!isList && !isEightBit &&
+                 (property.type != form.scalar ||
+                  (!columns.empty() && element->properties[columns[0]].type != form.scalar))))
                 return quoted(name) + " is of another type";
             for (const std::size_t earlier : columns)
                 if (earlier == *column)
                     return "it names " + quoted(name) + " twice";
-            if (used[*column])
+            if (from->used[*column])
                 return quoted(name) + " belongs to another property";
             columns.push_back(*column);
         }
         return {};
+    }
+
+    // What other programs write as scalars of its own is one value to them, too.
+    void planCustomary(const Element& element, Columns& columns, Owner owner)
+    {
+        for (const Custom& custom : kCustoms) {
+            std::vector<std::size_t> places;
+            for (const char* const name : custom.columns) {
+                const auto place = name ? columns.find(name) : std::nullopt;
+                if (!place || columns.used[*place] || element.properties[*place].isList() ||
+                    (!places.empty() &&
+                     element.properties[*place].type != element.properties[places[0]].type))
+                    break;
+                places.push_back(*place);
+            }
+            if (places.size() >= custom.least && (!custom.ofPoints || owner == Owner::Point))
+                planTogether(element, columns, owner, custom, std::move(places));
+        }
+    }
+
+    void planTogether(const Element& element, Columns& columns, Owner owner, const Custom& custom,
+                      std::vector<std::size_t> places)
+    {
+        const Scalar scalar = element.properties[places[0]].type;
+        const bool isEightBit = custom.isColour && scalar == Scalar::UInt8;
+        const bool isPlanned = std::any_of(
+            m_plan.properties.begin(), m_plan.properties.end(), [&](const PlannedProperty& other) {
+                return other.owner == owner && other.name == custom.property && !other.isCopy;
+            });
+        if ((!isFloat(scalar) && !isEightBit) || (isPlanned && !isEightBit))
+            return;
+        for (const std::size_t place : places)
+            columns.used[place] = true;
+        const std::string type =
+            (scalar == Scalar::Float64 ? "double" : "float") + std::to_string(places.size());
+        m_plan.properties.push_back(
+            {owner, type, custom.property, std::move(places), isEightBit, isPlanned});
     }
 
     void planRest(const Element& element, const std::vector<bool>& used, Owner owner)
@@ -177,8 +262,7 @@ private:
     const std::string& m_path;
     std::vector<std::string>& m_warnings;
     Plan m_plan{};
-    std::vector<bool> m_isPointColumnUsed;
-    std::vector<bool> m_isFaceColumnUsed;
+    std::optional<Columns> m_pointColumns, m_faceColumns;
 };
 
 bool hasOneValuePerCorner(const Array<uint>& offsets, const Array<uint>& faceOffset,

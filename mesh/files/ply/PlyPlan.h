@@ -15,6 +15,9 @@ struct PlannedProperty {
     std::string name;
     std::vector<std::size_t> columns;  ///< places in the vertex or face element
 
+    bool isEightBit = false;  ///< real values of which the columns, uchar, count 255ths
+    bool isCopy = false;      ///< of a property planned before it, which has them exactly
+
     bool isList() const { return type == kListType; }
 };
 

@@ -7,10 +7,10 @@
 #include "files/ply/PlyErrors.h"
 #include "files/ply/PlyInput.h"
 #include "files/ply/PlyPlan.h"
+#include "files/ply/PlyStorage.h"
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <limits>
 
 namespace TessaryMesh {
@@ -23,40 +23,6 @@ struct Elements {
     Rows points{}, faces{};
     std::size_t bytesLeft = 0;
 };
-
-/// The array that a planned property fills, and how it gets into the mesh.
-struct Storage {
-    unsigned char* bytes = nullptr;
-    Form form{};
-    std::size_t count = 0;  // elements
-    std::function<void(Object&, const String& name, const String& target)> addTo;
-};
-
-template <class T>
-Storage makeStorage(std::size_t count, Form form)
-{
-    const auto array = makeMutable<Array<T>>(count);
-    return {reinterpret_cast<unsigned char*>(array->data()), form, count,
-            [array](Object& mesh, const String& name, const String& target) {
-                Geometry::addDataGeoProperty<T>(mesh, name, target, array);
-            }};
-}
-
-Storage makeStorage(const std::string& type, std::size_t count)
-{
-    Storage storage;
-    withElementType(type, [&](auto tag, Form form) {
-        storage = makeStorage<typename decltype(tag)::type>(count, form);
-    });
-    return storage;
-}
-
-// Reads as a bool only what is 0 or 1.
-void normaliseBools(Storage& storage)
-{
-    for (std::size_t i = 0; i < storage.count; ++i)
-        storage.bytes[i] = storage.bytes[i] != 0;
-}
 
 String componentOf(Owner owner)
 {
@@ -89,7 +55,8 @@ public:
         MutablePtr<Object> mesh =
             Geometry::makeMesh(std::move(positions), std::move(faceOffset), std::move(faceVertex));
         for (std::size_t i = 0; i < m_storages.size(); ++i)
-            add(m_plan.properties[i], m_storages[i], *mesh);
+            if (!m_plan.properties[i].isCopy)
+                add(m_plan.properties[i], m_storages[i], *mesh);
         return mesh;
     }
 
@@ -108,6 +75,8 @@ private:
             return makeStorage(nameOf(rows.element->properties[property.columns[0]].type),
                                offsets[rowCount]);
         }
+        if (property.isEightBit)
+            return makeStorage(property.columns.size() == 3 ? "uchar3" : "uchar4", rowCount);
         return makeStorage(property.type, property.owner == Owner::Corner
                                               ? rows.offsets[m_plan.topology][rowCount]
                                               : rowCount);
@@ -264,6 +233,27 @@ private:
             swapIfNeeded(m_storages[i]);
             if (m_plan.properties[i].type == "bool")
                 normaliseBools(m_storages[i]);
+            if (m_plan.properties[i].isCopy)
+                compareCopy(i);
+            else if (m_plan.properties[i].isEightBit)
+                m_storages[i] = coloursOf(m_storages[i], m_plan.properties[i].type);
+        }
+    }
+
+    // The exact values come before their copy.
+    void compareCopy(std::size_t i)
+    {
+        const PlannedProperty& copy = m_plan.properties[i];
+        for (std::size_t k = 0; k < i; ++k) {
+            const PlannedProperty& exact = m_plan.properties[k];
+            if (exact.owner != copy.owner || exact.name != copy.name || exact.isEightBit)
+                continue;
+            const std::size_t count = differencesOf(m_storages[i], m_storages[k]);
+            if (count > 0)
+                m_warnings.push_back(std::to_string(count) + " 8-bit numbers of " +
+                                     nameOf(copy.owner) + " property " + quoted(copy.name) +
+                                     " are not those of its exact values, as after an edit; the "
+                                     "exact ones are read");
         }
     }
 
