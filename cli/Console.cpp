@@ -1,11 +1,22 @@
 #include "Console.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 #include <cerrno>
 #include <csignal>
 
 namespace Cli {
+namespace {
+
+// A stream that somebody made non-blocking refuses what its reader has no room for yet.
+void waitForRoom(int descriptor)
+{
+    pollfd wanted = {descriptor, POLLOUT, 0};
+    poll(&wanted, 1, -1);
+}
+
+}  // namespace
 
 void secureStandardStreams()
 {
@@ -21,11 +32,12 @@ bool writeAll(int descriptor, std::string_view bytes)
 {
     while (!bytes.empty()) {
         const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
+        if (written >= 0)
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+        else if (errno == EAGAIN)
+            waitForRoom(descriptor);
+        else if (errno != EINTR)
             return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
 }

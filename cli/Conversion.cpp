@@ -1,7 +1,10 @@
 #include "Conversion.h"
 
+#include <Korvane/Geometry.h>
+
 #include <cstdio>
 #include <filesystem>
+#include <new>
 #include <system_error>
 
 namespace Cli {
@@ -39,11 +42,19 @@ Conversion::Conversion(const FileOptions& files, Session& session)
     if (session.settings.json && m_outputPath == "-")
         throw UsageError("the output itself goes to standard output, so --json has no place to go");
     session.setSubject(m_inputPath);
-    m_output = std::make_unique<TessaryMesh::OutputFile>(m_outputPath, files.output.force);
+    m_output = openOutput(m_outputPath, files.output);
     if (!files.maps.empty())
         openMaps(files);
     m_input = readInput(session, m_inputPath);
+    if (!hasFaces() &&
+        Korvane::Geometry::getElementCount(mesh(), Korvane::Geometry::sPointComp) > 0)
+        session.warn("there are no faces, so the output has none");
     endPart("read");
+}
+
+bool Conversion::hasFaces() const
+{
+    return Korvane::Geometry::getElementCount(mesh(), Korvane::Geometry::sFaceComp) > 0;
 }
 
 void Conversion::write(
@@ -51,10 +62,6 @@ void Conversion::write(
 {
     beginPart("writing " + m_outputPath);
     m_session.warn(guarded([&] { return writer(*m_output); }));
-    beginPart("finishing " + m_outputPath);
-    m_output->commit();
-    if (m_maps)
-        m_maps->commit();
     endPart("write");
 }
 
@@ -74,12 +81,29 @@ void Conversion::openMaps(const FileOptions& files)
     mapsFormatFor(files.maps);
     if (isSameFile(files.maps, m_outputPath))
         throw UsageError("--output and --maps name the same file, " + files.maps);
-    m_maps = std::make_unique<TessaryMesh::OutputFile>(files.maps, files.output.force);
+    m_maps = openOutput(files.maps, files.output);
 }
 
 ExitCode Conversion::report(const Json& facts, const std::string& summary)
 {
-    m_session.note(summary + "; " + totalOf(m_seconds) + "; see " + m_outputPath);
+    beginPart("finishing " + m_outputPath);
+    Report report = reportOf(facts, summary);  // what cannot even be told is not done either
+    m_output->commit();
+    if (m_maps)
+        m_maps->commit();
+    m_seconds["write"] = m_seconds["write"].get<double>() + m_watch.lap();
+    try {
+        report = reportOf(facts, summary);
+    } catch (const std::bad_alloc&) {
+        // Then the time of the last part is not in it.
+    }
+    m_session.note(report.note);
+    m_session.finish(report.product);
+    return ExitCode::Done;
+}
+
+Conversion::Report Conversion::reportOf(const Json& facts, const std::string& summary) const
+{
     Json all = {{"verb", m_session.verb()},
                 {"file", m_inputPath},
                 {"output", m_outputPath},
@@ -88,8 +112,8 @@ ExitCode Conversion::report(const Json& facts, const std::string& summary)
         all["maps"] = m_maps->path();
     all.update(facts);
     all["seconds"] = m_seconds;
-    m_session.finish(std::move(all), "");
-    return ExitCode::Done;
+    return {summary + "; " + totalOf(m_seconds) + "; see " + m_outputPath,
+            m_session.product(std::move(all), "")};
 }
 
 void Conversion::beginPart(const std::string& what)

@@ -27,6 +27,9 @@ public:
     const Korvane::Object& mesh() const { return *m_input.mesh; }
     const TessaryMesh::Format& format() const { return m_format; }
 
+    /// Without faces, which a warning has said then, there is nothing to work on.
+    bool hasFaces() const;
+
     /// Runs one part of the work. `part` names it in the report, `what` in the progress line. What
     /// does not fit the mesh (TessaryMesh::ArgumentError) was asked for on the command line.
     template <class Work>
@@ -38,13 +41,14 @@ public:
         return result;
     }
 
-    /// Writes the output by `writer`, which returns its warnings, and gives it its name.
+    /// Writes the output by `writer`, which returns its warnings.
     void write(const std::function<std::vector<std::string>(TessaryMesh::OutputFile&)>& writer);
 
     /// Writes a mesh in the format that was asked for, and its parent maps where they were.
     void write(const TessaryMesh::Result& result);
 
-    /// Ends the verb with what it has to say of its work, as JSON and in a few words.
+    /// Puts what was written into place, and ends the verb with what it has to say of its work, as JSON
+    /// and in a few words.
     ExitCode report(const Json& facts, const std::string& summary);
 
 private:
@@ -58,6 +62,11 @@ private:
         }
     }
 
+    struct Report {
+        std::string note, product;
+    };
+
+    Report reportOf(const Json& facts, const std::string& summary) const;
     void openMaps(const FileOptions& files);
     void beginPart(const std::string& what);
     void endPart(const char* part);

@@ -7,6 +7,7 @@
 #include <TessaryMesh/Errors.h>
 #include <nlohmann/json.hpp>
 
+#include <cstring>
 #include <new>
 
 namespace Cli {
@@ -57,6 +58,8 @@ const char* codeOf(const FileError& error)
             return "no-folder";
         case Code::Unwritable:
             return "unwritable";
+        case Code::OverLimit:
+            return "over-limit";
     }
     return "file";
 }
@@ -105,6 +108,12 @@ Failure outOfMemory(const std::string& line, const std::string& file)
     return failure(ExitCode::File, "out-of-memory", line, orNull(file));
 }
 
+// What the scheduler throws has no type of its own.
+bool isLackOfThreads(const std::exception& error)
+{
+    return std::strstr(error.what(), "pthread_create") != nullptr;
+}
+
 }  // namespace
 
 Failure currentFailure(const std::string& subject, const std::string& verb)
@@ -126,6 +135,10 @@ Failure currentFailure(const std::string& subject, const std::string& verb)
         return outOfMemory(prefix + "needs more memory than there is (use a smaller mesh)",
                            subject);
     } catch (const std::exception& error) {
+        if (isLackOfThreads(error))
+            return outOfMemory(prefix + error.what() +
+                                   " (use fewer --threads, or raise the limit on processes)",
+                               subject);
         return failure(ExitCode::CheckFailed, "unexpected", prefix + "unexpected: " + error.what(),
                        orNull(subject));
     } catch (...) {

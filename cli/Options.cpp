@@ -6,6 +6,7 @@
 #include "Numbers.h"
 #include "Words.h"
 
+#include <Korvane/Geometry.h>
 #include <TessaryMesh/Operations.h>
 
 #include <CLI/CLI.hpp>
@@ -95,6 +96,13 @@ void addSettings(CLI::App& verb, Settings& settings)
         ->type_name("N")
         ->check(wholeNumber(1, kMostThreads))
         ->group(kSettingsGroup);
+    if (verb.get_option_no_throw("INPUT"))
+        verb.add_option("--max-input", settings.maxInput,
+                        "Read no more than this, such as 500M or 2G; without it\n"
+                        "a quarter of the memory from pipes and devices")
+            ->type_name("SIZE")
+            ->transform(CLI::AsSizeValue(false).description(""))
+            ->group(kSettingsGroup);
 }
 
 Run declareReport(CLI::App& verb, Session& session,
@@ -126,6 +134,8 @@ void addFiles(CLI::App& verb, FileOptions& files, Formats formats)
         ->type_name("FORMAT")
         ->check(oneOf(names));
     verb.add_flag("--force,-f", output.force, "Replace FILE if it exists");
+    verb.add_flag("--no-sync", output.noSync,
+                  "Do not wait for the disk: sooner done, but a power cut may take FILE");
 }
 
 void addMaps(CLI::App& verb, FileOptions& files, const std::string& element)
@@ -159,6 +169,15 @@ const Format& formatFor(const OutputOptions& output)
                      listOf(endingsOf(output.formats), " nor ") + "; give --format");
 }
 
+std::unique_ptr<TessaryMesh::OutputFile> openOutput(const std::string& path,
+                                                    const OutputOptions& options)
+{
+    auto output = std::make_unique<TessaryMesh::OutputFile>(path, options.force);
+    if (options.noSync)
+        output->skipSync();
+    return output;
+}
+
 const Format& mapsFormatFor(const std::string& path)
 {
     const Format* const format = TessaryMesh::formatOfName(path);
@@ -185,12 +204,20 @@ TessaryMesh::Carry selectProperties(const Korvane::Object& mesh, const std::stri
     return TessaryMesh::Carry(std::move(selected));
 }
 
+void warnOfNothing(const Korvane::Object& mesh, Session& session)
+{
+    using namespace Korvane::Geometry;
+    if (getElementCount(mesh, sPointComp) == 0)
+        session.warn("there are no points, so there is no mesh");
+}
+
 TessaryMesh::MeshRead readInput(Session& session, const std::string& path)
 {
     session.setSubject(path);
     session.beginStage("reading");
-    TessaryMesh::MeshRead input = TessaryMesh::readMesh(path);
+    TessaryMesh::MeshRead input = TessaryMesh::readMesh(path, {session.settings.maxInput});
     session.warn(input.warnings);
+    warnOfNothing(*input.mesh, session);
     return input;
 }
 

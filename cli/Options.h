@@ -7,6 +7,7 @@
 #include <TessaryMesh/Files.h>
 #include <TessaryMesh/Operations.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,7 @@ struct OutputOptions {
     std::string path;
     std::string format;  ///< empty: by the ending of the path
     bool force = false;
+    bool noSync = false;
     Formats formats;  ///< those that the verb writes
 };
 
@@ -55,12 +57,19 @@ void addProperties(CLI::App& verb, std::string& selection);
 /// The format to write. Throws UsageError where neither --format nor the ending says it.
 const TessaryMesh::Format& formatFor(const OutputOptions& output);
 
+/// A file to write, by the options that are no matter of its name.
+std::unique_ptr<TessaryMesh::OutputFile> openOutput(const std::string& path,
+                                                    const OutputOptions& options);
+
 /// The format of a file of parent maps. Throws UsageError where its ending is none of arrays.
 const TessaryMesh::Format& mapsFormatFor(const std::string& path);
 
 /// The properties of `mesh` that "all", "none" or "a,b" selects. Throws UsageError for a name that
 /// the mesh lacks.
 TessaryMesh::Carry selectProperties(const Korvane::Object& mesh, const std::string& selection);
+
+/// Warns of a mesh without points: every verb that takes it does so in the same words.
+void warnOfNothing(const Korvane::Object& mesh, Session& session);
 
 /// Reads and validates the verb's input; warnings of the reader become the session's.
 TessaryMesh::MeshRead readInput(Session& session, const std::string& path);

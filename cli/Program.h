@@ -4,6 +4,7 @@
 #include "Progress.h"
 
 #include <atomic>
+#include <cstdint>
 #include <string>
 
 namespace Cli {
@@ -21,8 +22,9 @@ enum class ExitCode {
 struct Settings {
     bool json = false;
     bool quiet = false;
-    unsigned threads = 0;  ///< 0: as many as the machine has
-    bool isBatch = false;  ///< several files: each is told in one line
+    unsigned threads = 0;        ///< 0: as many as the machine has
+    bool isBatch = false;        ///< several files: each is told in one line
+    std::uint64_t maxInput = 0;  ///< bytes; 0: what the mesh library allows
 };
 
 /// What there is one of, however many files are worked on: settings, standard streams, the line of

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include <unistd.h>
+#include <new>
 
 namespace Cli {
 
@@ -87,10 +88,15 @@ ExitCode Session::run(const std::function<ExitCode()>& verb)
 {
     if (m_held)
         return runGuarded(verb);
-    const ThreadLimit limit(settings.threads);
+    limitThreads(settings.threads);
     m_program.showProgress();
     const Tessary::ProgressScope progress(m_program.progress.share());
-    const ExitCode code = runGuarded(verb);
+    ExitCode code = ExitCode::File;
+    try {
+        code = runGuarded(verb);
+    } catch (const std::bad_alloc&) {
+        writeAll(STDERR_FILENO, "tessary: there is no memory left, not even to say for what\n");
+    }
     return code == ExitCode::Done && m_program.hasLostMessages() ? ExitCode::File : code;
 }
 

@@ -20,8 +20,6 @@ ExitCode sphere(const std::string& path, Session& session)
     const auto points = Korvane::Geometry::dataArray<Korvane::Math::float3>(
         *input.mesh, Korvane::Geometry::sPointPosition);
     const Tessary::Sphere found = Tessary::computeBoundingSphere(*points);
-    if (points->empty())
-        session.warn("there are no points, so the sphere is the origin");
     if (!std::isfinite(found.getRadius()))
         session.warn("the square of the radius is too large for a float; scale the mesh down");
 

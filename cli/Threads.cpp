@@ -5,18 +5,13 @@
 
 namespace Cli {
 
-struct ThreadLimit::Control {
-    tbb::global_control limit;
-};
-
-ThreadLimit::ThreadLimit(unsigned threads)
+void limitThreads(unsigned threads)
 {
-    if (threads > 0)
-        m_control.reset(new Control{
-            tbb::global_control(tbb::global_control::max_allowed_parallelism, threads)});
+    using tbb::global_control;
+    static const global_control* const limit =
+        threads > 0 ? new global_control(global_control::max_allowed_parallelism, threads) : nullptr;
+    static_cast<void>(limit);
 }
-
-ThreadLimit::~ThreadLimit() = default;
 
 unsigned threadCount()
 {

@@ -1,21 +1,13 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 
 /// How many threads the kernels use.
 namespace Cli {
 
-/// Keeps the whole program to so many threads as long as it lives; 0 is no limit.
-class ThreadLimit {
-public:
-    explicit ThreadLimit(unsigned threads);
-    ~ThreadLimit();
-
-private:
-    struct Control;
-    std::unique_ptr<Control> m_control;
-};
+/// Keeps the whole program to so many threads from now on; 0 is no limit. For good: lifting a limit makes
+/// threads, and where the system makes no more of them, nobody could catch what the scheduler throws.
+void limitThreads(unsigned threads);
 
 /// How many work for the calling thread.
 unsigned threadCount();

@@ -114,7 +114,8 @@ constexpr FormatFunctions kPly{recognisesPly, readPly, writePlyAs<encoding>, wri
 const auto& table()
 {
     static const std::array kRows{
-        row("obj", "Wavefront OBJ", ".obj", {nullptr, readObj, writeObj, writeObj, nullptr}, false),
+        row("obj", "Wavefront OBJ", ".obj",
+            {nullptr, readObj, writeObj, writeObj, nullptr, refuseNoText}, false),
         row("ply", "PLY, binary", ".ply", kPly<Encoding::LittleEndian>),
         row("ply-ascii", "PLY, ASCII", "", kPly<Encoding::Ascii>),
         row("ply-big", "PLY, binary, big-endian", "", kPly<Encoding::BigEndian>),

@@ -46,6 +46,10 @@ struct FormatFunctions {
                                            OutputFile& output) = nullptr;
 
     void (*writeArrays)(const NamedArrays& arrays, OutputFile& output) = nullptr;
+
+    /// Throws FileError where the first bytes are of no such file, so that a wrong one of any size is
+    /// told at once. Null where read() sees to that.
+    void (*refuseHead)(std::string_view head, const std::string& path) = nullptr;
 };
 
 struct FormatRow {

@@ -1,6 +1,7 @@
 #include "files/Input.h"
 
 #include "base/Host.h"
+#include "base/MachineMemory.h"
 #include "files/FileErrors.h"
 
 #include <fcntl.h>
@@ -54,19 +55,39 @@ std::size_t readSome(int descriptor, char* to, std::size_t count, const std::str
     }
 }
 
-Array<char> readToEnd(int descriptor, const std::string& path)
+[[noreturn]] void failByLimit(const std::string& path, double most)
+{
+    failToRead(Code::OverLimit, path,
+               "has more than " + memoryText(most) + ", the limit of what is read; allow more");
+}
+
+// What of a stream fits into memory together with the mesh that it becomes.
+std::uint64_t mostOfStream(const ReadLimits& limits)
+{
+    return limits.bytes > 0 ? limits.bytes : machineMemory() / 4;
+}
+
+Array<char> readToEnd(int descriptor, const std::string& path, std::uint64_t most,
+                      const Input::HeadCheck& check)
 {
     Array<char> bytes(kBlock);
     std::size_t size = 0;
-    for (;;) {
-        if (size == bytes.size())
-            bytes.resize(2 * size);
-        const std::size_t room = std::min(bytes.size() - size, 16 * kBlock);
-        const std::size_t got = readSome(descriptor, bytes.data() + size, room, path);
-        if (got == 0)
-            break;
-        size += got;
-    }
+    bool isEnd = false;
+    const auto readUpTo = [&](std::size_t end) {
+        while (!isEnd && size < end) {
+            const std::size_t room = std::min(end - size, 16 * kBlock);
+            const std::size_t got = readSome(descriptor, bytes.data() + size, room, path);
+            isEnd = got == 0;
+            size += got;
+        }
+    };
+    readUpTo(Input::kHead);
+    if (check && size > 0)
+        check({bytes.data(), std::min(size, Input::kHead)}, isEnd ? size : 0);
+    for (readUpTo(bytes.size()); !isEnd && size <= most; readUpTo(bytes.size()))
+        bytes.resize(std::min<std::uint64_t>(2 * size, most + 1));
+    if (size > most)
+        failByLimit(path, static_cast<double>(most));
     bytes.resize(size);
     return bytes;
 }
@@ -128,12 +149,19 @@ private:
     int m_descriptor;
 };
 
-Input::Input(const char* path) : m_file(std::make_shared<File>(path))
+Input::Input(const char* path, const ReadLimits& limits, const HeadCheck& check)
+    : m_file(std::make_shared<File>(path))
 {
     m_size = m_file->size();
+    if (limits.bytes > 0 && m_size > limits.bytes)
+        failByLimit(path, static_cast<double>(limits.bytes));
+    InputBuffer buffer;
+    if (m_size > 0 && check)
+        check(head(kHead, buffer), m_size);
     if (m_size > 0)
         return;
-    const auto bytes = std::make_shared<Array<char>>(readToEnd(m_file->descriptor(), path));
+    const auto bytes = std::make_shared<Array<char>>(
+        readToEnd(m_file->descriptor(), path, mostOfStream(limits), check));
     m_file = nullptr;
     m_memory = {bytes->data(), bytes->size()};
     m_owned = bytes;

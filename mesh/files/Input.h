@@ -1,6 +1,9 @@
 #pragma once
 
+#include <TessaryMesh/Files.h>
+
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -38,9 +41,16 @@ public:
         : Input(std::string_view(bytes))
     {}
 
-    /// A file, "-" meaning standard input. Devices and pipes are read to their end at once. Throws
-    /// FileError where there is no such file, a folder, nothing in it, or no permission; Cancelled.
-    explicit Input(const char* path);
+    /// Throws FileError where this is no beginning of a file that can be read. `size` is that of the file, 0
+    /// where it is not known yet.
+    using HeadCheck = std::function<void(std::string_view head, std::uint64_t size)>;
+
+    /// A file, "-" meaning standard input. Devices and pipes are read to their end at once, once `check` has
+    /// seen the first kHead bytes, or all where there are fewer. Throws FileError where there is no such
+    /// file, a folder, nothing in it, no permission, or more than the limits allow; Cancelled.
+    explicit Input(const char* path, const ReadLimits& limits = {}, const HeadCheck& check = {});
+
+    static constexpr std::size_t kHead = 4096;
 
     std::size_t size() const { return m_size; }
 

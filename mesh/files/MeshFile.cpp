@@ -15,9 +15,6 @@
 namespace TessaryMesh {
 namespace {
 
-// Marks of formats stand in front.
-constexpr std::size_t kBytesThatTell = 4096;
-
 // A point cloud has none of a mesh's arrays for faces and is nothing to validate.
 bool hasFaceArrays(const Object& mesh)
 {
@@ -59,10 +56,24 @@ void refuseForeign(const FileSigns& signs, const std::string& path)
                        endingsThat(&Format::readsMeshes));
 }
 
+// A wrong file of any size is told by its beginning. Of a stream, whose size is 0 as long as it is not
+// known, most of what could be wrong has to wait for the rest, and of a packed file all of it.
+void refuseHead(std::string_view head, std::uint64_t size, const std::string& path)
+{
+    if (isGzip(head) || (size == 0 && head.find_first_not_of('\0') != std::string_view::npos))
+        return;
+    const FileSigns signs{head, size, path};
+    const FormatRow& row = rowOfContent(signs);
+    if (!row.functions.recognises)
+        refuseForeign(signs, path);
+    if (row.functions.refuseHead)
+        row.functions.refuseHead(head, path);
+}
+
 MeshRead readContent(const Input& input, const std::string& path)
 {
     InputBuffer buffer;
-    const FileSigns signs{input.head(kBytesThatTell, buffer), input.size(), withoutGz(path)};
+    const FileSigns signs{input.head(Input::kHead, buffer), input.size(), withoutGz(path)};
     const FormatRow& row = rowOfContent(signs);
     if (!row.functions.recognises)
         refuseForeign(signs, path);
@@ -74,12 +85,14 @@ MeshRead readContent(const Input& input, const std::string& path)
 
 }  // namespace
 
-MeshRead readMeshUnchecked(const std::string& path)
+MeshRead readMeshUnchecked(const std::string& path, const ReadLimits& limits)
 {
     try {
-        const Input input(path.c_str());
+        const Input input(path.c_str(), limits, [&](std::string_view head, std::uint64_t size) {
+            refuseHead(head, size, path);
+        });
         InputBuffer buffer;
-        if (!isGzip(input.head(kBytesThatTell, buffer)))
+        if (!isGzip(input.head(Input::kHead, buffer)))
             return readContent(input, path);
         const Array<char> bytes = unpackedGzip(input, path);
         if (bytes.empty())
@@ -90,9 +103,9 @@ MeshRead readMeshUnchecked(const std::string& path)
     }
 }
 
-MeshRead readMesh(const std::string& path)
+MeshRead readMesh(const std::string& path, const ReadLimits& limits)
 {
-    MeshRead read = readMeshUnchecked(path);
+    MeshRead read = readMeshUnchecked(path, limits);
     refuseErrors(*read.mesh, inputName(path));
     return read;
 }

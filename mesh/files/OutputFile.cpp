@@ -2,14 +2,16 @@
 
 #include "files/Deflate.h"
 #include "files/FileErrors.h"
-#include "files/UnfinishedFiles.h"
+#include "files/TemporaryFile.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -17,8 +19,6 @@
 
 namespace TessaryMesh {
 namespace {
-
-constexpr int kTemporaryNames = 1000;
 
 using Code = FileError::Code;
 
@@ -32,38 +32,45 @@ using Code = FileError::Code;
     failToWrite(Code::Exists, path, "exists already; name another file");
 }
 
-std::string folderOf(const std::string& path)
+// Where a path leads in the end, through links to files that do not exist yet, too.
+std::string resolved(std::string path)
 {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? std::string(".") : path.substr(0, slash + 1);
+    constexpr int kMostLinks = 40;  // as the system has it
+    char link[PATH_MAX];
+    for (int i = 0; i < kMostLinks; ++i) {
+        const std::unique_ptr<char, decltype(&::free)> real(::realpath(path.c_str(), nullptr),
+                                                            &::free);
+        if (real)
+            return real.get();
+        if (errno == ELOOP)
+            failBySystem(path, "cannot be created", ELOOP);
+        const ssize_t length = ::readlink(path.c_str(), link, sizeof link);
+        if (length <= 0)
+            break;
+        const std::string next(link, static_cast<std::size_t>(length));
+        path = next[0] == '/' ? next : folderOf(path) + '/' + next;
+    }
+    return path;
 }
 
-// Where a path leads in the end; the path itself for a file that does not exist yet.
-std::string resolved(const std::string& path)
-{
-    const std::unique_ptr<char, decltype(&::free)> real(::realpath(path.c_str(), nullptr), &::free);
-    return real ? std::string(real.get()) : path;
-}
-
-[[noreturn]] void failToCreate(const std::string& path, int error)
+[[noreturn]] void failToCreate(const std::string& path, const std::string& target, int error)
 {
     struct stat folder = {};
-    if (error == ENOENT && ::stat(folderOf(path).c_str(), &folder) != 0)
+    if (error == EEXIST)
+        failToWrite(Code::Unwritable, path,
+                    "too many unfinished files of that name; remove " + target + ".part-*");
+    if (error == ENOENT && ::stat(folderOf(target).c_str(), &folder) != 0)
         failToWrite(Code::NoFolder, path, "its folder does not exist; create it first");
     failBySystem(path, "cannot be created", error);
 }
 
-// A hard link is never made over an existing file, so nobody's file of that name is lost, however
-// late it appeared.
-bool linkIntoPlace(const std::string& temporary, const std::string& target, const std::string& path)
+// A stream that somebody made non-blocking refuses what its reader has no room for yet.
+void waitForRoom(int descriptor)
 {
-    if (::link(temporary.c_str(), target.c_str()) == 0) {
-        ::unlink(temporary.c_str());
-        return true;
-    }
-    if (errno == EEXIST)
-        failToReplace(path);
-    return false;  // a file system without hard links
+    pollfd wanted = {descriptor, POLLOUT, 0};
+    do
+        throwIfCancelled();
+    while (::poll(&wanted, 1, 100) == 0);
 }
 
 // False, with errno set, where the system refuses.
@@ -71,11 +78,12 @@ bool writeAll(int descriptor, std::string_view bytes)
 {
     while (!bytes.empty()) {
         const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
+        if (written >= 0)
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+        else if (errno == EAGAIN)
+            waitForRoom(descriptor);
+        else if (errno != EINTR)
             return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
 }
@@ -104,42 +112,26 @@ OutputFile::OutputFile(std::string path, bool overwrite)
     }
     if (exists && !overwrite)
         failToReplace(m_path);
-    m_target = resolved(m_path);
-    openTemporary(0666);
-    if (exists)
-        ::fchmod(m_descriptor, existing.st_mode & 07777);
-}
-
-void OutputFile::openTemporary(unsigned permissions)
-{
-    for (int i = 0; i < kTemporaryNames; ++i) {
-        std::string name =
-            m_target + ".part-" + std::to_string(::getpid()) + "-" + std::to_string(i);
-        const auto create = [&] {
-            m_descriptor =
-                ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
-            return m_descriptor >= 0;
-        };
-        if (UnfinishedFiles::add(name, create)) {
-            m_temporary = std::move(name);  // cannot fail, which would leave the file behind
-            return;
-        }
-        if (errno != EEXIST)
-            failToCreate(m_path, errno);
-    }
-    failToWrite(Code::Unwritable, m_path,
-                "too many unfinished files of that name; remove " + m_target + ".part-*");
+    openTemporary(exists ? existing.st_mode & 07777 : 0666u, exists);
 }
 
 OutputFile::~OutputFile()
 {
-    if (m_descriptor >= 0 && m_path != "-")
+    if (!m_temporary && m_descriptor >= 0 && m_path != "-")
         ::close(m_descriptor);
-    if (!m_temporary.empty())
-        UnfinishedFiles::remove(m_temporary, [this] {
-            ::unlink(m_temporary.c_str());
-            return true;
-        });
+}
+
+// With the permissions of the file that it replaces from the beginning: nobody else's are wider.
+void OutputFile::openTemporary(unsigned permissions, bool replaces)
+{
+    const std::string target = resolved(m_path);
+    m_temporary = std::make_unique<TemporaryFile>(target, permissions & 0777);
+    m_descriptor = m_temporary->descriptor();
+    if (m_descriptor < 0)
+        failToCreate(m_path, target, errno);
+    if (replaces)
+        ::fchmod(m_descriptor, permissions);
+    m_folder = folderOf(target);
 }
 
 void OutputFile::write(const void* bytes, std::size_t count)
@@ -162,23 +154,24 @@ void OutputFile::commit()
     if (m_packer)
         m_packer->finish();
     m_packer.reset();
-    close();
-    if (m_temporary.empty())
-        return;
-    const auto moveIntoPlace = [this] {
-        return (!m_overwrite && linkIntoPlace(m_temporary, m_target, m_path)) ||
-               std::rename(m_temporary.c_str(), m_target.c_str()) == 0;
-    };
-    if (!UnfinishedFiles::remove(m_temporary, moveIntoPlace))
+    if (!m_temporary)
+        return close();
+    if (!m_temporary->flush(m_syncs))
+        failBySystem(m_path, "cannot be written", errno);
+    if (!m_temporary->moveIntoPlace(m_overwrite)) {
+        if (errno == EEXIST && !m_overwrite)
+            failToReplace(m_path);
         failBySystem(m_path, "cannot be renamed into place", errno);
-    m_temporary.clear();
+    }
+    m_descriptor = -1;
+    m_temporary.reset();
+    if (m_syncs && !syncFolder(m_folder))
+        failBySystem(m_path, "is written, but its folder cannot be", errno);
 }
 
-// Some file systems tell only now that there was no room.
 void OutputFile::close()
 {
-    const int descriptor = m_descriptor;
-    m_descriptor = -1;
+    const int descriptor = std::exchange(m_descriptor, -1);
     if (descriptor >= 0 && m_path != "-" && ::close(descriptor) != 0)
         failBySystem(m_path, "cannot be written", errno);
 }

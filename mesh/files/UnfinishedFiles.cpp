@@ -46,6 +46,12 @@ bool UnfinishedFiles::remove(const std::string& name, const std::function<bool()
     return true;
 }
 
+bool UnfinishedFiles::step(const std::function<bool()>& f)
+{
+    const std::lock_guard<std::mutex> lock(list().mutex);
+    return f();
+}
+
 void UnfinishedFiles::removeAll() noexcept
 {
     list().mutex.lock();  // for good

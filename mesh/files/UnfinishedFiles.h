@@ -16,7 +16,10 @@ public:
     /// Calls `finish`, which returns whether it moved or removed the file, and forgets it.
     static bool remove(const std::string& name, const std::function<bool()>& finish);
 
-    /// Removes all of them; from now on add() and remove() do not return.
+    /// Calls `f` for a step that no name is noted for.
+    static bool step(const std::function<bool()>& f);
+
+    /// Removes all of them; from now on the others do not return.
     static void removeAll() noexcept;
 };
 

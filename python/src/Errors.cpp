@@ -33,6 +33,8 @@ const char* nameOf(FileError::Code code)
             return "exists";
         case Code::NoFolder:
             return "no-folder";
+        case Code::OverLimit:
+            return "over-limit";
         default:
             return "unwritable";
     }

@@ -21,7 +21,7 @@ class FileError(Error, OSError):
     ----------
     code : str
         "not-found", "is-folder", "unreadable", "empty", "malformed", "unsupported", "too-large", "exists",
-        "no-folder" or "unwritable".
+        "no-folder", "unwritable" or "over-limit".
     file : str
     line, byte, row : int or None
         Where in the file: a line counts from 1, a byte and the row of an `element` from 0.

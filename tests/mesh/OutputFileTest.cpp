@@ -2,8 +2,15 @@
 
 #include <gtest/gtest.h>
 #include <mesh/files/Input.h>
+#include <mesh/files/TemporaryFile.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
 
 #include "MeshFiles.h"
 
@@ -43,6 +50,84 @@ TEST(OutputFile, KeepsLinksAndPermissionsOfWhatItReplaces)
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_EQ(contentOf(path), "new");
     EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0640));
+}
+
+TEST(OutputFile, FollowsALinkToAFileThatIsNotThereYetAndNoCircle)
+{
+    const Folder folder;
+    std::filesystem::create_directory(folder / "far");
+    std::filesystem::create_symlink("far/b.obj", folder / "a.obj");
+    std::filesystem::create_symlink("c.obj", folder / "far/b.obj");
+    for (const bool overwrite : {false, true}) {
+        OutputFile file(folder / "a.obj", overwrite);
+        file.write(overwrite ? "again" : "new");
+        file.commit();
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "a.obj"));
+    EXPECT_EQ(contentOf(folder / "far/c.obj"), "again");
+    std::filesystem::create_symlink("circle", folder / "circle");
+    EXPECT_THROW(OutputFile(folder / "circle", true), FileError);
+    EXPECT_EQ(folder.names(), (Names{"a.obj", "circle", "far"}));
+}
+
+TEST(OutputFile, NeedsNoMoreOfANameThanTheTargetDoes)
+{
+    using TessaryMesh::TemporaryFile;
+    for (const auto name : {TemporaryFile::Name::None, TemporaryFile::Name::Always}) {
+        const Folder folder;
+        const std::string target = std::string(248, 'n') + ".ply";
+        TemporaryFile first(folder / target, 0640, name), second(folder / target, 0600, name);
+        ASSERT_GE(second.descriptor(), 0);
+        if (name == TemporaryFile::Name::Always)
+            EXPECT_EQ(folder.names().size(), 2u);
+        EXPECT_TRUE(first.flush(true) && first.moveIntoPlace(false));
+        EXPECT_FALSE(second.moveIntoPlace(false));
+        EXPECT_EQ(errno, EEXIST);
+        EXPECT_TRUE(second.moveIntoPlace(true));
+        EXPECT_EQ(folder.names(), Names{target});
+        EXPECT_EQ(std::filesystem::status(folder / target).permissions(),
+                  std::filesystem::perms(0600));
+    }
+}
+
+TEST(OutputFile, WaitsForAStreamThatTakesNothingYet)
+{
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    const int before = ::dup(STDOUT_FILENO);
+    ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
+    ::dup2(ends[1], STDOUT_FILENO);
+    std::size_t count = 0;
+    std::thread reader([&count, from = ends[0]] {
+        char bytes[4096];
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        for (ssize_t got = 1; got > 0; count += static_cast<std::size_t>(got))
+            got = ::read(from, bytes, sizeof bytes);
+    });
+    EXPECT_NO_THROW(OutputFile("-", false).write(std::string(1000000, 'x')));
+    ::dup2(before, STDOUT_FILENO);
+    for (const int end : {before, ends[1]})
+        ::close(end);
+    reader.join();
+    ::close(ends[0]);
+    EXPECT_EQ(count, 1000000u);
+}
+
+TEST(Input, OfAStreamIsLookedAtFirstAndHasALimit)
+{
+    using TessaryMesh::Input;
+    const auto codeOf = [](const auto& work) { return MeshFiles::fileErrorOf(work).code(); };
+    EXPECT_EQ(codeOf([] { TessaryMesh::readMeshUnchecked("/dev/zero"); }),
+              FileError::Code::Unsupported);
+    const Folder folder;
+    const std::string pipe = folder / "pipe", whole = folder.file("whole", std::string(50000, 'v'));
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const int writer = ::open(pipe.c_str(), O_RDWR);
+    EXPECT_EQ(::write(writer, std::string(50000, 'v').data(), 50000), 50000);
+    for (const std::string& path : {pipe, whole})
+        EXPECT_EQ(codeOf([&] { Input(path.c_str(), {49999}); }), FileError::Code::OverLimit);
+    EXPECT_EQ(Input(whole.c_str(), {50000}).size(), 50000u);
+    ::close(writer);
 }
 
 TEST(OutputFile, KeepsAFileThatAppearsWhileItIsWritten)

@@ -35,6 +35,9 @@ namespace TessaryMesh {
 /// wrong; Cancelled. Memory is that of the mesh and 32 MiB a thread. Runs on all threads: the text is
 /// read in blocks of whole statements, whose size changes nothing else.
 MeshRead readObj(const Input& text, const std::string& path);
+
+/// Throws FileError where the beginning of a file is no text.
+void refuseNoText(std::string_view head, const std::string& path);
 MeshRead readObj(const Input& text, const std::string& path, std::size_t blockSize);
 
 /// Writes the properties above, found by these names and types, plain or indexed, on corners or on

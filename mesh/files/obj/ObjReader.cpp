@@ -32,6 +32,14 @@ bool canCut(std::string_view text, std::size_t at)
     return !isInside && (lineEnd == 0 || text[lineEnd - 1] != '\\');
 }
 
+[[noreturn]] void failByZero(const std::string& path, std::size_t place)
+{
+    failToRead(Code::Unsupported, path,
+               "byte " + std::to_string(place) +
+                   " is 0: this is binary data or UTF-16, and neither OBJ text nor PLY",
+               atByte(place));
+}
+
 /// Reads blocks on all threads without knowing what comes before them. Where something in one of them
 /// is wrong, the block is read once more, with all that comes before it: then its errors name the
 /// right lines, and the first line of the file that is wrong is named.
@@ -53,10 +61,7 @@ public:
         forEachBlock(m_file.blocks.size(), [this](std::size_t block) { readBlock(block); });
         for (const std::optional<std::size_t>& zero : m_zero)
             if (zero)
-                failToRead(Code::Unsupported, m_path,
-                           "byte " + std::to_string(*zero) +
-                               " is 0: this is binary data or UTF-16, and neither OBJ text nor PLY",
-                           atByte(*zero));
+                failByZero(m_path, *zero);
         for (std::size_t block = 0; block < m_file.blocks.size(); ++block)
             place(block);
         checkReferences();
@@ -203,6 +208,14 @@ private:
 };
 
 }  // namespace
+
+void refuseNoText(std::string_view head, const std::string& path)
+{
+    const std::size_t zero = head.find('\0');
+    const bool hasMark = head.substr(0, 2) == "\xFE\xFF" || head.substr(0, 2) == "\xFF\xFE";
+    if (zero != std::string_view::npos && !hasMark)  // the reader knows the marks of UTF-16
+        failByZero(path, zero);
+}
 
 MeshRead readObj(const Input& input, const std::string& path)
 {

@@ -40,6 +40,7 @@ public:
         Exists,       ///< it stands there already and is not to be replaced
         NoFolder,     ///< the folder that it should go into does not exist
         Unwritable,   ///< the system refuses to create, to write or to rename it
+        OverLimit,    ///< more bytes than the caller wants to be read
     };
 
     /// Where in a file something was found. What does not apply is empty.

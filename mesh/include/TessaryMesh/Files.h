@@ -5,6 +5,7 @@
 #include <TessaryMesh/NamedArrays.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -45,6 +46,13 @@ struct MeshRead {
     std::vector<std::string> warnings;  ///< one line each: what the file has and the mesh has not
 };
 
+/// How much is read at most.
+struct ReadLimits {
+    /// Bytes of the file. 0 limits what comes from pipes and devices, which may have no end, to a quarter
+    /// of the memory that this process may use, and files not at all.
+    std::uint64_t bytes = 0;
+};
+
 /// Reads a mesh file, "-" meaning standard input, and validates it.
 ///
 /// The format is recognised by the content, not by the name.
@@ -53,22 +61,26 @@ struct MeshRead {
 /// @throws InvalidMesh  for a mesh with errors
 /// @throws OutOfMemory
 /// @throws Cancelled
-TESSARY_MESH_API MeshRead readMesh(const std::string& path);
+TESSARY_MESH_API MeshRead readMesh(const std::string& path, const ReadLimits& limits = {});
 
 /// The same without validation, for callers that want to look at the mesh's errors themselves.
-TESSARY_MESH_API MeshRead readMeshUnchecked(const std::string& path);
+TESSARY_MESH_API MeshRead readMeshUnchecked(const std::string& path, const ReadLimits& limits = {});
+
+class TemporaryFile;
 
 class Deflater;
 
 /// A file that appears under its name only when it is complete.
 ///
-/// Bytes go to a temporary name in the same folder; commit() renames it into place. Without
-/// commit() the temporary is removed and an existing file stays as it was. A file that is replaced
-/// hands on its permissions, and a symbolic link stays one: what it points to is replaced. "-" is
-/// standard output; that, devices and pipes are written straight through. Where the name ends in ".gz", the
-/// file is packed: the same bytes make the same file, whatever its name and the time.
+/// Bytes go to a file without a name in the same folder, or to a temporary name where the file system
+/// makes no such files; commit() puts it into place when all of it is on the disk. Without commit()
+/// it is gone, and an existing file stays as it was. A file that is replaced hands on its permissions,
+/// and a symbolic link stays one: what it points to is replaced or created. "-" is standard output; that,
+/// devices and pipes are written straight through. Where the name ends in ".gz", the file is packed: the
+/// same bytes make the same file, whatever its name and the time.
 ///
 /// @throws FileError  from every operation, where the system refuses
+/// @throws Cancelled  while a stream takes nothing
 class TESSARY_MESH_API OutputFile {
 public:
     /// With `overwrite` false an existing file is an error.
@@ -85,18 +97,24 @@ public:
     /// Appends text.
     void write(std::string_view text) { write(text.data(), text.size()); }
 
-    /// Flushes and renames into place.
+    /// Lets commit() return before the file is on the disk: quicker, but a power cut may take it.
+    void skipSync() { m_syncs = false; }
+
+    /// Writes out what is kept back, and gives the file its name. After a power cut there is this file
+    /// or the one before it, and once commit() is over this one.
     void commit();
 
 private:
     void put(std::string_view bytes);
-    void openTemporary(unsigned permissions);
+    void openTemporary(unsigned permissions, bool replaces);
     void close();
 
     std::string m_path;
-    std::string m_target;     // what the temporary becomes
-    std::string m_temporary;  // empty where bytes go straight through, and after commit()
+    std::string m_folder;  // of the file that the temporary becomes
+    std::unique_ptr<TemporaryFile>
+        m_temporary;  // null where bytes go straight through, and after commit()
     bool m_overwrite;
+    bool m_syncs = true;
     int m_descriptor = -1;
     std::unique_ptr<Deflater> m_packer;  // where the name ends in .gz
 };
