@@ -23,6 +23,11 @@ constexpr Advice kAdvice[] = {
      "--split-edges or --no-edges"},
     {"same-direction", "quads",
      "turn one of the faces round, give it points of its own, or use --split-edges"},
+    {"concave-face", "validate",
+     "tessary triangulate, quads and sample split them with --concave split"},
+    {"concave-face", "triangulate", "split them with --concave split"},
+    {"concave-face", "quads", "split them with --concave split"},
+    {"concave-face", "sample", "split them with --concave split"},
     {"diagonal-direction", "validate",
      "split these faces another way before tessary adjacency or quads, or use their --split-edges"},
 };
@@ -41,6 +46,8 @@ constexpr One kOne[] = {
     {"index-out-of-range", "corner that names no point"},
     {"point-not-finite", "point that is not finite"},
     {"repeated-corner", "corner that repeats a point of its face"},
+    {"concave-face", "concave face, which the fan around its first corner leaves"},
+    {"self-crossing-face", "face that crosses itself, which no triangles fit"},
     {"length-mismatch", "array whose length does not match its component"},
     {"property-index", "index outside the values of its property"},
     {"circular-target", "property whose targets lead round in a circle"},
@@ -81,8 +88,10 @@ std::string lineOf(const InvalidMesh& error, const std::string& verb)
 
 std::string lineOf(const FileError& error)
 {
-    const bool exists = error.code() == FileError::Code::Exists;
-    return std::string(error.what()) + (exists ? " or replace it with --force" : "");
+    using Code = FileError::Code;
+    return std::string(error.what()) + (error.code() == Code::Exists ? " or replace it with --force"
+                                        : error.code() == Code::OverLimit ? " with --max-input"
+                                                                          : "");
 }
 
 }  // namespace Cli

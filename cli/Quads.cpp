@@ -1,3 +1,4 @@
+#include "Concave.h"
 #include "Conversion.h"
 #include "EachFile.h"
 #include "MeshFacts.h"
@@ -25,6 +26,7 @@ Example:
 
 struct Options : FileOptions {
     std::string properties = "all";
+    std::string concave = "fan";
     TessaryMesh::QuadOptions quads;
     std::vector<float> innerWeights;
 };
@@ -38,7 +40,8 @@ std::string summary(const Json& facts)
     return some(before["faces"], "face") + " -> " + some(after["faces"], "quad") + ", " +
            before["points"].dump() + " -> " + some(after["points"], "point") + ", " +
            facts["creased_edges"].dump() + " of " + some(facts["edges"], "edge") + " creased" +
-           (split == 0 ? "" : ", " + split.dump() + " split") + "; " + carriedText(facts);
+           (split == 0 ? "" : ", " + split.dump() + " split") + concaveText(facts) + "; " +
+           carriedText(facts);
 }
 
 // A PLY file's list of each face is one of corners once the file's header says so.
@@ -63,12 +66,14 @@ ExitCode quads(const Options& options, Session& session)
 {
     Conversion conversion(options, session);
     const Korvane::Object& mesh = conversion.mesh();
+    const Json concaveFaces = tellConcave(conversion, options.quads.concave, session);
     const TessaryMesh::QuadResult result = conversion.run(
         "quads", "making quads", [&] { return quadsOf(conversion.mesh(), options); });
     session.warn(result.warnings);
     conversion.write(result);
     const Json facts = {{"before", countsOf(mesh)},
                         {"after", countsOf(*result.mesh)},
+                        {"concave_faces", concaveFaces},
                         {"edges", result.edges},
                         {"creased_edges", result.creasedEdges},
                         {"split_edges", result.splitEdges},
@@ -109,6 +114,15 @@ void addCreases(CLI::App& verb, Options& options)
         ->transform(share(0, 1));
 }
 
+void checkGap(const Options& options)
+{
+    const TessaryMesh::QuadOptions& quads = options.quads;
+    if (quads.gap != 0 && !quads.creaseAngle && quads.creaseProperty.empty())
+        throw UsageError(
+            "--gap opens creased edges, and nothing creases any; give --crease-angle or "
+            "--crease-property");
+}
+
 void addCuts(CLI::App& verb, Options& options)
 {
     verb.add_option("--edge-weight", options.quads.edgeWeight,
@@ -127,6 +141,13 @@ void addCuts(CLI::App& verb, Options& options)
                   "Cut edges along which faces run in one direction once for each face");
 }
 
+void prepare(Options& options)
+{
+    setInnerWeights(options);
+    checkGap(options);
+    options.quads.concave = concaveOf(options.concave);
+}
+
 }  // namespace
 
 Run declareQuads(CLI::App& verb, Session& session)
@@ -135,10 +156,11 @@ Run declareQuads(CLI::App& verb, Session& session)
     addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesMeshes));
     addMaps(verb, *options, "face");
     addProperties(verb, options->properties);
+    addConcave(verb, options->concave);
     addCreases(verb, *options);
     addCuts(verb, *options);
     verb.footer(kHelp);
-    return eachFile(options, session, quads, setInnerWeights);
+    return eachFile(options, session, quads, prepare);
 }
 
 }  // namespace Cli

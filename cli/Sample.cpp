@@ -1,3 +1,4 @@
+#include "Concave.h"
 #include "Conversion.h"
 #include "EachFile.h"
 #include "MeshFacts.h"
@@ -28,6 +29,7 @@ using TessaryMesh::SurfaceSamples;
 
 struct Options : FileOptions {
     std::string properties = "all";
+    std::string concave = "fan";
     std::string distance;  // as length() takes it; empty for a count
     std::uint64_t count = 0;
     std::uint32_t seed = 0;
@@ -73,7 +75,14 @@ void warnAbout(const SampledSurface& surface, const SurfaceSamples& samples, con
     }
 }
 
-Json factsOf(const Options& options, const SampledSurface& surface, const SurfaceSamples& samples,
+SurfaceSamples noSamples()
+{
+    return {Pelon::makeMutable<Pelon::Array<Korvane::Math::float3>>(),
+            Pelon::makeMutable<Pelon::Array<float>>(),
+            Pelon::makeMutable<Pelon::Array<Pelon::uint>>()};
+}
+
+Json factsOf(const Options& options, double area, const SurfaceSamples& samples,
              const std::optional<double>& smallest)
 {
     const bool isCount = options.distance.empty();
@@ -82,8 +91,8 @@ Json factsOf(const Options& options, const SampledSurface& surface, const Surfac
             {"distance_asked", isCount ? Json() : Json(options.distance)},
             {"count_asked", isCount ? Json(options.count) : Json()},
             {"smallest_distance", smallest ? Json(*smallest) : Json()},
-            {"area", surface.area()},
-            {"density", static_cast<double>(samples.count()) / surface.area()},
+            {"area", area},
+            {"density", area > 0 ? static_cast<double>(samples.count()) / area : 0.0},
             {"seed", options.seed}};
 }
 
@@ -101,7 +110,7 @@ std::string summary(const Json& facts)
            facts["distance"].dump() +
            (smallest.is_null() ? "" : ", smallest found " + brief(smallest)) + "; area " +
            brief(facts["area"]) + ", density " + brief(facts["density"]) + ", seed " +
-           facts["seed"].dump() + "; with " + joined(facts["properties"]);
+           facts["seed"].dump() + concaveText(facts) + "; with " + joined(facts["properties"]);
 }
 
 ExitCode sample(const Options& options, Session& session)
@@ -109,14 +118,27 @@ ExitCode sample(const Options& options, Session& session)
     Conversion conversion(options, session);
     const Korvane::Object& mesh = conversion.mesh();
     const TessaryMesh::Carry carry = selectProperties(mesh, options.properties);
-    const SampledSurface surface =
-        conversion.run("prepare", "measuring", [&] { return SampledSurface(mesh); });
-    const SurfaceSamples samples =
-        conversion.run("sample", "sampling", [&] { return samplesOf(surface, mesh, options); });
-    warnAbout(surface, samples, options, session);
+    const TessaryMesh::Concave concave = concaveOf(options.concave);
+    const Json concaveFaces = tellConcave(conversion, concave, session);
+    TessaryMesh::Result split{nullptr, {}, {}};
+    if (concave == TessaryMesh::Concave::Split)
+        split = conversion.run("split", "splitting concave faces",
+                               [&] { return TessaryMesh::splitConcaveFaces(mesh, carry); });
+    session.warn(split.warnings);
+    const Korvane::Object& fans = split.mesh ? *split.mesh : mesh;
+    double area = 0;
+    SurfaceSamples samples = noSamples();
+    if (conversion.hasFaces()) {
+        const SampledSurface surface =
+            conversion.run("prepare", "measuring", [&] { return SampledSurface(fans); });
+        area = surface.area();
+        samples =
+            conversion.run("sample", "sampling", [&] { return samplesOf(surface, mesh, options); });
+        warnAbout(surface, samples, options, session);
+    }
     const TessaryMesh::Result result = conversion.run("properties", "carrying properties", [&] {
-        return TessaryMesh::makeSampleCloud(mesh, samples, carry,
-                                            conversion.format().namesProperties);
+        return TessaryMesh::makeSampleCloud(fans, samples, carry,
+                                            conversion.format().namesProperties, split.parents);
     });
     session.warn(result.warnings);
     const auto smallest = conversion.run("distances", "measuring distances", [&] {
@@ -124,7 +146,8 @@ ExitCode sample(const Options& options, Session& session)
     });
     conversion.write(result);
     Json facts = {{"before", countsOf(mesh)}};
-    facts.update(factsOf(options, surface, samples, smallest));
+    facts.update(factsOf(options, area, samples, smallest));
+    facts["concave_faces"] = concaveFaces;
     facts["properties"] = carriedNames(*result.mesh);
     return conversion.report(facts, summary(facts));
 }
@@ -153,6 +176,7 @@ Run declareSample(CLI::App& verb, Session& session)
         ->check(wholeNumber(0, 4294967295));
     addMaps(verb, *options, "sample");
     addProperties(verb, options->properties);
+    addConcave(verb, options->concave);
     verb.footer(kHelp);
     return eachFile(options, session, sample, rejectNoDensity);
 }

@@ -1,3 +1,4 @@
+#include "Concave.h"
 #include "Conversion.h"
 #include "EachFile.h"
 #include "MeshFacts.h"
@@ -13,7 +14,8 @@ namespace Cli {
 namespace {
 
 constexpr const char* kHelp =
-    R"(Every face becomes a fan of triangles around its first corner. Points keep their order;
+    R"(Every face becomes a fan of triangles around its first corner, or with --concave split other
+triangles where that would leave the face. Points keep their order;
 values of points, faces and corners follow, indexed ones stay indexed.
 
 Example:
@@ -23,6 +25,7 @@ using Korvane::Object;
 
 struct Options : FileOptions {
     std::string properties = "all";
+    std::string concave = "fan";
 };
 
 std::string change(const Json& facts, const char* what)
@@ -35,20 +38,23 @@ std::string change(const Json& facts, const char* what)
 std::string summary(const Json& facts)
 {
     return change(facts, "points") + ", " + change(facts, "corners") + ", " +
-           change(facts, "faces") + "; " + carriedText(facts);
+           change(facts, "faces") + concaveText(facts) + "; " + carriedText(facts);
 }
 
 ExitCode triangulate(const Options& options, Session& session)
 {
     Conversion conversion(options, session);
     const Object& mesh = conversion.mesh();
+    const TessaryMesh::Concave concave = concaveOf(options.concave);
+    const Json concaveFaces = tellConcave(conversion, concave, session);
     const TessaryMesh::Result result = conversion.run("triangulate", "triangulating", [&] {
-        return TessaryMesh::triangulate(mesh, selectProperties(mesh, options.properties));
+        return TessaryMesh::triangulate(mesh, selectProperties(mesh, options.properties), concave);
     });
     session.warn(result.warnings);
     conversion.write(result);
     const Json facts = {{"before", countsOf(mesh)},
                         {"after", countsOf(*result.mesh)},
+                        {"concave_faces", concaveFaces},
                         {"properties", carriedNames(*result.mesh)}};
     return conversion.report(facts, summary(facts));
 }
@@ -61,6 +67,7 @@ Run declareTriangulate(CLI::App& verb, Session& session)
     addFiles(verb, *options, formatsThat(&TessaryMesh::Format::writesMeshes));
     addMaps(verb, *options, "face");
     addProperties(verb, options->properties);
+    addConcave(verb, options->concave);
     verb.footer(kHelp);
     return eachFile(options, session, triangulate);
 }

@@ -66,18 +66,27 @@ std::string lineOf(const std::string& file, const ValidationReport& report)
     return line + "\n";
 }
 
+void addWarnings(const Korvane::Object& mesh, ValidationReport& report)
+{
+    for (Problem& problem : TessaryMesh::edgeWarnings(mesh))
+        report.problems.push_back(std::move(problem));
+    for (Problem& problem : TessaryMesh::concaveFaces(mesh).problems())
+        report.problems.push_back(std::move(problem));
+}
+
 ExitCode validate(const std::string& path, Session& session)
 {
     session.setSubject(path);
     session.beginStage("reading");
-    const TessaryMesh::MeshRead input = TessaryMesh::readMeshUnchecked(path);
+    const TessaryMesh::MeshRead input =
+        TessaryMesh::readMeshUnchecked(path, {session.settings.maxInput});
     session.warn(input.warnings);
+    warnOfNothing(*input.mesh, session);
     session.beginStage("validating");
     ValidationReport report = TessaryMesh::validateMesh(*input.mesh);
     const bool valid = !report.hasErrors();
     if (valid)
-        for (Problem& problem : TessaryMesh::edgeWarnings(*input.mesh))
-            report.problems.push_back(std::move(problem));
+        addWarnings(*input.mesh, report);
 
     Json facts = {{"verb", "validate"},
                   {"file", path},

@@ -2,13 +2,13 @@
 
 #include <TessaryMesh/Errors.h>
 
+#include "base/FixedMath.h"
 #include "base/Host.h"
 #include "base/MessageText.h"
 #include "base/PropertyKinds.h"
 #include "base/Vectors.h"
 #include "ops/FanParents.h"
 
-#include <cmath>
 #include <limits>
 
 namespace TessaryMesh {
@@ -16,22 +16,15 @@ namespace {
 
 using namespace Korvane::Geometry;
 
-constexpr double kDegreesPerRadian = 57.295779513082320877;
-
-// By the arc tangent, which tells small angles as well as large ones.
-double degreesBetween(const double3& a, const double3& b)
+// Whether the angle between two vectors is larger than one of 0 to 180 degrees: whether the sine of the
+// difference, which lies between -180 and 180 degrees, is above zero. That tells small angles as well
+// as large ones.
+bool isLarger(const double3& a, const double3& b, double degrees, const CosSin& angle)
 {
-    return std::atan2(length(cross(a, b)), dot(a, b)) * kDegreesPerRadian;
-}
-
-// Calls `visit(face, triangle)` for each triangle of each fan.
-template <class Visit>
-void forEachTriangle(const Array<uint>& faceOffset, const Visit& visit)
-{
-    uint triangle = 0;
-    for (uint face = 0; face + 1 < faceOffset.size(); ++face)
-        for (uint corner = faceOffset[face] + 2; corner < faceOffset[face + 1]; ++corner)
-            visit(face, triangle++);
+    const double sine = length(cross(a, b)), cosine = dot(a, b);
+    if (sine == 0)
+        return cosine < 0 && degrees < 180;
+    return sine * angle.cos - cosine * angle.sin > 0;
 }
 
 bool isCrease(bool flag)
@@ -49,21 +42,22 @@ bool isCrease(float weight)
     return weight < std::numeric_limits<float>::max();  // false for NaN, too
 }
 
-// Each edge of a polygon is one edge of one of its triangles.
+// Each edge of a polygon is one edge of one of its triangles; their other edges lie inside.
 template <class T>
 Array<bool> onTriangles(const TriangulatedView& view, const Array<T>& corners)
 {
-    Array<bool> creases(view.triFaceVertex.size());
-    forEachTriangle(view.faceOffset, [&](uint face, uint triangle) {
-        const uint first = view.faceOffset[face];
-        const uint last = view.faceOffset[face + 1] - 1;
-        const uint middle = triangle + 2 * face + 1;
-        if (middle == first + 1)
-            creases[std::size_t{3} * triangle] = isCrease(corners[first]);
-        creases[std::size_t{3} * triangle + 1] = isCrease(corners[middle]);
-        if (middle + 1 == last)
-            creases[std::size_t{3} * triangle + 2] = isCrease(corners[last]);
-    });
+    Array<bool> creases(view.triCorner.size());
+    std::size_t triangle = 0;
+    for (std::size_t face = 0; face + 1 < view.faceOffset.size(); ++face) {
+        const uint first = view.faceOffset[face], end = view.faceOffset[face + 1];
+        for (uint k = first + 2; k < end; ++k, ++triangle)
+            for (std::size_t i = 3 * triangle; i < 3 * triangle + 3; ++i) {
+                const uint corner = view.triCorner[i];
+                const uint next = view.triCorner[i % 3 == 2 ? i - 2 : i + 1];
+                const bool isSide = next == (corner + 1 < end ? corner + 1 : first);
+                creases[i] = isSide && isCrease(corners[corner]);
+            }
+    }
     return creases;
 }
 
@@ -114,6 +108,7 @@ Array<bool> creasesByAngle(const TriangulatedView& mesh, const Array<float3>& po
             areaVector(points, mesh.faceVertex.data() + first, mesh.faceOffset[face + 1] - first);
     }
 
+    const CosSin angle = fixedCosSin(degrees);
     Array<bool> creases(mesh.triFaceVertex.size());
     for (std::size_t e = 0; e + 1 < mesh.triEdges.size(); e += 2) {
         const uint corner = mesh.triEdges[e];
@@ -122,7 +117,7 @@ Array<bool> creasesByAngle(const TriangulatedView& mesh, const Array<float3>& po
             continue;
         const uint a = faceOf[corner / 3];
         const uint b = faceOf[other / 3];
-        creases[corner] = a != b && degreesBetween(normals[a], normals[b]) > degrees;
+        creases[corner] = a != b && isLarger(normals[a], normals[b], degrees, angle);
     }
     return creases;
 }

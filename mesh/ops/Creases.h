@@ -4,16 +4,18 @@
 
 #include <string>
 
-/// Which half-edges of a mesh's fan triangles are creased, as computeQuadMesh takes it: a flag for
+/// Which half-edges of a mesh's triangles are creased, as computeQuadMesh takes it: a flag for
 /// each corner of the triangles. The inner diagonals of polygons never are.
 namespace TessaryMesh {
 
-/// A polygon mesh without errors, with its fan triangles and their edge table.
+/// A polygon mesh without errors, with its triangles, those of fans or as many others, and their edge
+/// table.
 struct TriangulatedView {
     const Array<uint>& faceOffset;
     const Array<uint>& faceVertex;
     const Array<uint>& triFaceVertex;
     const Array<uint>& triEdges;
+    const Array<uint>& triCorner;  ///< the polygon corner of each corner of a triangle
 };
 
 /// Creases the edges at which the normals of two faces differ by more than `degrees`. The normal of

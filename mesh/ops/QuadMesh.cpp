@@ -9,7 +9,9 @@
 #include "ops/Creases.h"
 #include "ops/CutPoints.h"
 #include "ops/FanParents.h"
+#include "ops/ParentMaps.h"
 #include "ops/QuadProperties.h"
+#include "ops/SplitConcave.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,17 +21,29 @@ namespace {
 
 using namespace Korvane::Geometry;
 
-// A polygon mesh and its way to quads.
+// A polygon mesh and its way to quads. The triangles are the fans of `fans`, which is the mesh itself or
+// one in its place whose concave faces are split.
 struct Topology : MeshArrays {
-    explicit Topology(const Object& mesh)
-        : MeshArrays(mesh), triFaceVertex(fanTriangles(*faceOffset, *faceVertex))
+    Topology(const Object& mesh, const Object& fans, const IndexArray& parentCorner)
+        : Topology(mesh, MeshArrays(fans), parentCorner)
     {}
 
-    TriangulatedView view() const { return {*faceOffset, *faceVertex, triFaceVertex, triEdges}; }
+    TriangulatedView view() const
+    {
+        return {*faceOffset, *faceVertex, triFaceVertex, triEdges, *triCorner};
+    }
 
     Array<uint> triFaceVertex, triEdges;
+    IndexArray triCorner;
     Array<uint> quadFaceVertex;
     uint pointCount = 0;  // of the quad mesh
+
+private:
+    Topology(const Object& mesh, const MeshArrays& fans, const IndexArray& parentCorner)
+        : MeshArrays(mesh),
+          triFaceVertex(fanTriangles(*fans.faceOffset, *fans.faceVertex)),
+          triCorner(through(cornersOfTriangles(*fans.faceOffset), parentCorner))
+    {}
 };
 
 void checkOptions(const QuadOptions& options)
@@ -49,6 +63,9 @@ void checkOptions(const QuadOptions& options)
     expect(std::abs(inner[0] + inner[1] + inner[2] - 1) < 1e-3f, "innerWeights",
            "the inner weights do not add up to 1");
     expect(isShare(options.gap), "gap", "the gap is outside 0 to 1");
+    expect(
+        options.gap == 0 || options.creaseAngle || !options.creaseProperty.empty(), "gap",
+        "a gap opens creased edges, and nothing creases any; ask for creases by angle or property");
 }
 
 // Two bits of the codes that place the new points are taken.
@@ -143,7 +160,7 @@ ParentMaps parentsOf(const Topology& mesh)
 {
     const Ptr<Array<uint>> faces = facesOfTriangles(*mesh.faceOffset);
     ParentMaps parents;
-    parents.corner = cornersOfTriangles(*mesh.faceOffset);
+    parents.corner = mesh.triCorner;
     const auto face = makeMutable<Array<uint>>(parents.corner->size());
     const auto triangle = makeMutable<Array<uint>>(parents.corner->size());
     for (std::size_t quad = 0; quad < face->size(); ++quad) {
@@ -159,7 +176,11 @@ QuadResult quadsOf(const Object& mesh, const QuadOptions& options, const Carry& 
 {
     checkOptions(options);
     QuadResult result;
-    Topology topology(mesh);
+    std::optional<Result> split;
+    if (options.concave == Concave::Split)
+        split = splitConcave(mesh, carry, Onto::Quads);
+    const Object& fans = split ? *split->mesh : mesh;
+    Topology topology(mesh, fans, split ? split->parents.corner : nullptr);
     const std::size_t pointCount = topology.points->size();
     rejectTooLarge(topology);
     result.splitEdges = findEdges(topology, options.splitEdges);
@@ -169,7 +190,7 @@ QuadResult quadsOf(const Object& mesh, const QuadOptions& options, const Carry& 
     throwIfCancelled();
     const CutPoints cut = cutPointsOf(topology.triFaceVertex, topology.quadFaceVertex, pointCount,
                                       topology.pointCount, options);
-    QuadProperties properties(mesh, carry);
+    QuadProperties properties(fans, split ? Carry::all() : carry);
     properties.interpolate(cut);
     Array<float3> positions = properties.takePositions();
     openGaps(topology, cut, options.gap, positions);
@@ -181,7 +202,7 @@ QuadResult quadsOf(const Object& mesh, const QuadOptions& options, const Carry& 
     result.mesh =
         makeMesh(std::move(positions), std::move(offsets), std::move(topology.quadFaceVertex));
     properties.addTo(*result.mesh);
-    result.warnings = properties.warnings();
+    result.warnings = split ? split->warnings : properties.warnings();
     return result;
 }
 

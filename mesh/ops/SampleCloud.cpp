@@ -8,6 +8,7 @@
 #include "base/Scalars.h"
 #include "base/Vectors.h"
 #include "ops/FanParents.h"
+#include "ops/ParentMaps.h"
 #include "ops/PropertyPlan.h"
 
 #include <algorithm>
@@ -163,17 +164,17 @@ Ptr<Array<float3>> normals(const Object& mesh, const Places& places)
 class CloudMaker {
 public:
     CloudMaker(const Object& mesh, const SurfaceSamples& samples, const Carry& carry,
-               bool withPlaces)
+               bool withPlaces, const ParentMaps& parents)
         : m_mesh(mesh), m_plan(planProperties(mesh, carry, Onto::Samples)), m_places(mesh, samples)
     {
         m_result.mesh = Korvane::createObject();
-        m_result.parents.face = m_places.faceIds();
+        m_result.parents.face = through(m_places.faceIds(), parents.face);
         m_result.parents.triangle = samples.triangles;
         m_result.warnings = m_plan.warnings;
         populatePointCloud(samples.positions, *m_result.mesh);
         if (withPlaces) {
             add("weight", weightVectors(m_places));
-            add("face_id", m_places.faceIds());
+            add("face_id", m_result.parents.face);
             add("triangle_id", samples.triangles);
         }
         if (!(isCarried("normal") || (isCarried("nx") && isCarried("ny") && isCarried("nz"))))
@@ -249,21 +250,27 @@ private:
 }  // namespace
 
 Result makeSampleCloud(const Object& mesh, const SurfaceSamples& samples, const Carry& carry,
-                       bool withPlaces)
+                       bool withPlaces, const ParentMaps& parents)
 {
-    return guarded([&] { return CloudMaker(mesh, samples, carry, withPlaces).make(); });
+    return guarded([&] { return CloudMaker(mesh, samples, carry, withPlaces, parents).make(); });
 }
 
 SampleResult sample(const Object& mesh, const SampleOptions& options, const Carry& carry)
 {
     if ((options.count > 0) == (options.distance != 0))
         throw ArgumentError("distance", "either a distance or a count is needed, not both");
-    const SampledSurface surface(mesh);
+    Result split{nullptr, {}, {}};
+    if (options.concave == Concave::Split)
+        split = splitConcaveFaces(mesh, carry);
+    const Object& fans = split.mesh ? *split.mesh : mesh;
+    const SampledSurface surface(fans);
     const SurfaceSamples samples = options.count > 0
                                        ? surface.sampleCount(options.count, options.seed)
                                        : surface.sample(options.distance, options.seed);
     SampleResult result;
-    static_cast<Result&>(result) = makeSampleCloud(mesh, samples, carry, options.withPlaces);
+    static_cast<Result&>(result) =
+        makeSampleCloud(fans, samples, carry, options.withPlaces, split.parents);
+    result.warnings.insert(result.warnings.begin(), split.warnings.begin(), split.warnings.end());
     result.distance = samples.distance;
     result.area = surface.area();
     return result;

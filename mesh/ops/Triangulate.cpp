@@ -6,7 +6,9 @@
 #include "base/Host.h"
 #include "base/MeshArrays.h"
 #include "ops/FanParents.h"
+#include "ops/ParentMaps.h"
 #include "ops/PropertyPlan.h"
+#include "ops/SplitConcave.h"
 
 #include <set>
 
@@ -104,24 +106,38 @@ Any carriedValue(const Object& mesh, const Object& triangles, const Ways& ways, 
     return triangles.getProperty(name);
 }
 
+Result fansOf(const Object& mesh, const Carry& carry)
+{
+    const MeshArrays arrays(mesh);
+    requireFaces(*arrays.faceOffset, arrays.faceVertex->size());
+    PropertyPlan plan = planProperties(mesh, carry, Onto::Triangles);
+    const Ways ways(plan);
+    const auto triangles = trianglesOf(withPlainIndices(mesh, ways), ways.byKernel);
+
+    Result result{Korvane::createObject(), {}, std::move(plan.warnings)};
+    for (const String& name : mesh.propertyNames())
+        if (Any value = carriedValue(mesh, *triangles, ways, name); !value.empty())
+            result.mesh->setProperty(name, std::move(value));
+    throwIfCancelled();  // small meshes are done before any loop asks
+    result.parents.face = facesOfTriangles(*arrays.faceOffset);
+    result.parents.corner = cornersOfTriangles(*arrays.faceOffset);
+    return result;
+}
+
 }  // namespace
 
-Result triangulate(const Object& mesh, const Carry& carry)
+Result triangulate(const Object& mesh, const Carry& carry, Concave concave)
 {
     return guarded([&] {
-        const MeshArrays arrays(mesh);
-        requireFaces(*arrays.faceOffset, arrays.faceVertex->size());
-        PropertyPlan plan = planProperties(mesh, carry, Onto::Triangles);
-        const Ways ways(plan);
-        const auto triangles = trianglesOf(withPlainIndices(mesh, ways), ways.byKernel);
-
-        Result result{Korvane::createObject(), {}, std::move(plan.warnings)};
-        for (const String& name : mesh.propertyNames())
-            if (Any value = carriedValue(mesh, *triangles, ways, name); !value.empty())
-                result.mesh->setProperty(name, std::move(value));
-        throwIfCancelled();  // small meshes are done before any loop asks
-        result.parents.face = facesOfTriangles(*arrays.faceOffset);
-        result.parents.corner = cornersOfTriangles(*arrays.faceOffset);
+        std::optional<Result> split;
+        if (concave == Concave::Split)
+            split = splitConcave(mesh, carry, Onto::Triangles);
+        if (!split)
+            return fansOf(mesh, carry);
+        Result result = fansOf(*split->mesh, Carry::all());
+        result.parents.face = through(result.parents.face, split->parents.face);
+        result.parents.corner = through(result.parents.corner, split->parents.corner);
+        result.warnings = std::move(split->warnings);
         return result;
     });
 }

@@ -3,6 +3,7 @@
 #include "Work.h"
 
 #include <Korvane/Geometry.h>
+#include <TessaryMesh/Check.h>
 #include <TessaryMesh/Files.h>
 #include <TessaryMesh/Operations.h>
 
@@ -17,6 +18,7 @@ namespace TessaryPython {
 namespace {
 
 using TessaryMesh::Carry;
+using TessaryMesh::Concave;
 using TessaryMesh::IndexArray;
 using ObjectPtr = Geometry::ObjectPtr;
 
@@ -68,21 +70,41 @@ py::tuple toPython(const Geometry& source, const TessaryMesh::Result& result)
         toPython(result.warnings));
 }
 
-py::tuple triangulate(const Geometry& mesh, const py::object& properties, unsigned threads,
-                      const py::object& progress)
+Concave toConcave(bool splits)
 {
-    const auto result =
-        operate(mesh, {threads, progress}, effortOf(mesh),
-                [carry = toCarry(properties)](const Korvane::Object& object, Stage&) {
-                    return TessaryMesh::triangulate(object, carry);
-                });
+    return splits ? Concave::Split : Concave::Fan;
+}
+
+// Which faces the triangles leave, in front of the other warnings.
+template <class AnyResult>
+AnyResult withConcave(const Korvane::Object& mesh, Concave concave, AnyResult result)
+{
+    TessaryMesh::ConcaveFaces found = TessaryMesh::concaveFaces(mesh);
+    found.concave.advice = "split them with concave=\"split\"";
+    std::vector<std::string>& warnings = result.warnings;
+    if (found.selfCrossing.count > 0)
+        warnings.insert(warnings.begin(), found.selfCrossing.line());
+    if (found.concave.count > 0 && concave == Concave::Fan)
+        warnings.insert(warnings.begin(), found.concave.line());
+    return result;
+}
+
+py::tuple triangulate(const Geometry& mesh, bool splitsConcave, const py::object& properties,
+                      unsigned threads, const py::object& progress)
+{
+    const auto result = operate(
+        mesh, {threads, progress}, effortOf(mesh),
+        [carry = toCarry(properties), concave = toConcave(splitsConcave)](
+            const Korvane::Object& object, Stage&) {
+            return withConcave(object, concave, TessaryMesh::triangulate(object, carry, concave));
+        });
     return toPython(mesh, result);
 }
 
 TessaryMesh::QuadOptions quadOptions(const std::optional<double>& creaseAngle,
                                      const py::str& creaseProperty, float edgeWeight,
                                      const std::array<float, 3>& innerWeights, float gap,
-                                     bool splitEdges)
+                                     bool splitEdges, bool splitsConcave)
 {
     TessaryMesh::QuadOptions options;
     options.creaseAngle = creaseAngle;
@@ -91,6 +113,7 @@ TessaryMesh::QuadOptions quadOptions(const std::optional<double>& creaseAngle,
     std::copy(innerWeights.begin(), innerWeights.end(), options.innerWeights);
     options.gap = gap;
     options.splitEdges = splitEdges;
+    options.concave = toConcave(splitsConcave);
     return options;
 }
 
@@ -98,14 +121,16 @@ TessaryMesh::QuadOptions quadOptions(const std::optional<double>& creaseAngle,
 py::tuple quads(const Geometry& mesh, const std::optional<double>& creaseAngle,
                 const py::str& creaseProperty, float edgeWeight,
                 const std::array<float, 3>& innerWeights, float gap, bool splitEdges,
-                const py::object& properties, unsigned threads, const py::object& progress)
+                bool splitsConcave, const py::object& properties, unsigned threads,
+                const py::object& progress)
 {
     const auto result =
         operate(mesh, {threads, progress}, 4 * effortOf(mesh),
                 [options = quadOptions(creaseAngle, creaseProperty, edgeWeight, innerWeights, gap,
-                                       splitEdges),
+                                       splitEdges, splitsConcave),
                  carry = toCarry(properties)](const Korvane::Object& object, Stage&) {
-                    return TessaryMesh::makeQuads(object, options, carry);
+                    return withConcave(object, options.concave,
+                                       TessaryMesh::makeQuads(object, options, carry));
                 });
     return toPython(mesh, result) +
            py::make_tuple(result.edges, result.creasedEdges, result.splitEdges);
@@ -134,36 +159,57 @@ std::size_t candidateEffort(double area, double distance, std::uint64_t count)
     return static_cast<std::size_t>(samples < kMost ? 22 * samples : kMost);
 }
 
-Sampled sampleSurface(const Geometry& mesh, const Call& call, const SampledSurface& surface,
-                      double distance, std::uint64_t count, uint seed, const Carry& carry)
+// What is sampled: the mesh, or one in its place whose concave faces are split, and its surface.
+struct Ground {
+    TessaryMesh::Result fans;
+    SampledSurface surface;
+    double unit;  // of the distance
+};
+
+Ground groundOf(const Korvane::Object& mesh, Concave concave, const Carry& carry, bool isShare)
 {
+    TessaryMesh::Result fans =
+        concave == Concave::Split
+            ? TessaryMesh::splitConcaveFaces(mesh, carry)
+            : TessaryMesh::Result{Pelon::makeMutable<Korvane::Object>(mesh), {}, {}};
+    SampledSurface surface(*fans.mesh);
+    const double unit = isShare ? double{surface.boundingRadius()} : 1.0;
+    return {withConcave(mesh, concave, std::move(fans)), std::move(surface), unit};
+}
+
+Sampled sampleSurface(const Geometry& mesh, const Call& call, const Ground& ground, double distance,
+                      std::uint64_t count, uint seed, const Carry& carry)
+{
+    const SampledSurface& surface = ground.surface;
     const std::size_t effort = effortOf(mesh) + candidateEffort(surface.area(), distance, count);
-    return compute(call, effort, [=, object = mesh.object()](Stage& stage) {
+    return compute(call, effort, [=](Stage& stage) {
         stage.next(80);
         const auto samples =
             count > 0 ? surface.sampleCount(count, seed) : surface.sample(toFloat(distance), seed);
         stage.next(100);
-        return Sampled{TessaryMesh::makeSampleCloud(*object, samples, carry), samples.distance};
+        auto cloud = TessaryMesh::makeSampleCloud(*ground.fans.mesh, samples, carry, true,
+                                                  ground.fans.parents);
+        cloud.warnings.insert(cloud.warnings.begin(), ground.fans.warnings.begin(),
+                              ground.fans.warnings.end());
+        return Sampled{std::move(cloud), samples.distance};
     });
 }
 
 // As of triangulate; distance, area, share of the distance that rounding may amount to. The distance is
 // a share of the radius where isShare, and of no meaning with a count.
 py::tuple sample(const Geometry& mesh, double distance, bool isShare, std::uint64_t count,
-                 uint seed, const py::object& properties, unsigned threads,
+                 uint seed, bool splitsConcave, const py::object& properties, unsigned threads,
                  const py::object& progress)
 {
     const Carry carry = toCarry(properties);
-    const auto measured = operate(mesh, {threads, py::none()}, effortOf(mesh),
-                                  [isShare](const Korvane::Object& object, Stage&) {
-                                      SampledSurface surface(object);
-                                      const double unit =
-                                          isShare ? double{surface.boundingRadius()} : 1.0;
-                                      return std::make_pair(std::move(surface), unit);
+    const Ground ground = operate(mesh, {threads, py::none()}, effortOf(mesh),
+                                  [carry, isShare, concave = toConcave(splitsConcave)](
+                                      const Korvane::Object& object, Stage&) {
+                                      return groundOf(object, concave, carry, isShare);
                                   });
-    const SampledSurface& surface = measured.first;
-    const Sampled sampled = sampleSurface(mesh, {threads, progress}, surface,
-                                          distance * measured.second, count, seed, carry);
+    const SampledSurface& surface = ground.surface;
+    const Sampled sampled = sampleSurface(mesh, {threads, progress}, ground, distance * ground.unit,
+                                          count, seed, carry);
     return toPython(mesh, sampled.result) +
            py::make_tuple(sampled.distance, surface.area(),
                           static_cast<float>(surface.roundingShare(sampled.distance)));
@@ -263,12 +309,13 @@ void defineOperations(py::module_& module)
     using py::arg;
     const auto threads = arg("threads");
     const auto progress = arg("progress");
-    module.def("triangulate", &triangulate, arg("mesh"), arg("properties"), threads, progress);
+    module.def("triangulate", &triangulate, arg("mesh"), arg("splits_concave"), arg("properties"),
+               threads, progress);
     module.def("quads", &quads, arg("mesh"), arg("crease_angle"), arg("crease_property"),
                arg("edge_weight"), arg("inner_weights"), arg("gap"), arg("split_edges"),
-               arg("properties"), threads, progress);
+               arg("splits_concave"), arg("properties"), threads, progress);
     module.def("sample", &sample, arg("mesh"), arg("distance"), arg("is_share"), arg("count"),
-               arg("seed"), arg("properties"), threads, progress);
+               arg("seed"), arg("splits_concave"), arg("properties"), threads, progress);
     module.def("adjacency", &adjacency, arg("mesh"), arg("split_edges"), arg("with_edges"), threads,
                progress);
     module.def("voxels", &voxels, arg("mesh"), arg("cell_size"), threads, progress);

@@ -302,10 +302,10 @@ class Mesh(Geometry):
         """What is wrong with the mesh: see `tessary.validate`."""
         return operations.validate(self, threads=threads, progress=progress)
 
-    def triangulate(self, *, properties: Names = "all", threads: Optional[int] = None,
+    def triangulate(self, *, concave: str = "fan", properties: Names = "all", threads: Optional[int] = None,
                     progress: Optional[Progress] = None) -> Mesh:
         """Splits faces into triangles: see `tessary.triangulate`."""
-        return operations.triangulate(self, properties=properties, threads=threads, progress=progress)
+        return operations.triangulate(self, concave=concave, properties=properties, threads=threads, progress=progress)
 
     def quads(self, **options: Any) -> QuadMesh:
         """Splits faces into quads: see `tessary.quads`."""

@@ -81,13 +81,22 @@ def info(mesh: Mesh, *, threads: Optional[int] = None, progress: Optional[Progre
             "bounding_box": box}
 
 
-def triangulate(mesh: Mesh, *, properties: Names = "all", threads: Optional[int] = None,
+def _splits(concave: str) -> bool:
+    if concave not in ("fan", "split"):
+        raise ArgumentError(f"concave: \"fan\" or \"split\" is wanted, not {concave!r}", "concave")
+    return concave == "split"
+
+
+def triangulate(mesh: Mesh, *, concave: str = "fan", properties: Names = "all", threads: Optional[int] = None,
                 progress: Optional[Progress] = None) -> Mesh:
-    """Splits every face into a fan of triangles around its first corner.
+    """Splits every face into triangles: by default, a fan around its first corner.
 
     Parameters
     ----------
     mesh : Mesh
+    concave : "fan" or "split"
+        What becomes of concave faces which a fan leaves: a fan all the same, which a warning says, or triangles by
+        clipping ears.
     properties : "all", "none", or names
         What is carried. Indexed properties, such as UVs, stay indexed and keep their seams.
     threads : int, optional
@@ -104,14 +113,14 @@ def triangulate(mesh: Mesh, *, properties: Names = "all", threads: Optional[int]
     >>> triangles.faces.shape, triangles.parents.face[:4]
     ((512, 3), array([0, 0, 1, 1], dtype=uint32))
     """
-    data, parents, warnings = _tessary.triangulate(_mesh(mesh)._data, _carry(mesh, properties),
+    data, parents, warnings = _tessary.triangulate(_mesh(mesh)._data, _splits(concave), _carry(mesh, properties),
                                                    _convert.threads(threads), progress)
     return made(Mesh, data, Parents(*parents), warnings)
 
 
 def quads(mesh: Mesh, *, crease_angle: Optional[float] = None, crease_property: str = "",
           edge_weight: float = 0.5, inner_weights: Any = (1, 1, 1), gap: float = 0, split_edges: bool = False,
-          properties: Names = "all", threads: Optional[int] = None,
+          concave: str = "fan", properties: Names = "all", threads: Optional[int] = None,
           progress: Optional[Progress] = None) -> QuadMesh:
     """Splits the fan triangles of a mesh into three quads each, around an inner point.
 
@@ -126,10 +135,10 @@ def quads(mesh: Mesh, *, crease_angle: Optional[float] = None, crease_property: 
     inner_weights : three numbers
         Triangles are cut where their corners have shares in this ratio.
     gap : 0 to 1
-        The two points of a creased edge move apart by this share of the edge.
+        The two points of a creased edge move apart by this share of the edge. Needs creases.
     split_edges : bool
         Edges along which two faces run in one direction are cut once for each face; otherwise such a mesh is refused.
-    properties, threads, progress
+    concave, properties, threads, progress
         As for `triangulate`. Real values are blended, others picked.
 
     Returns a QuadMesh with `parents.face`, `parents.corner` and `parents.triangle` of each quad. Raises InvalidMesh,
@@ -144,8 +153,8 @@ def quads(mesh: Mesh, *, crease_angle: Optional[float] = None, crease_property: 
     try:
         data, parents, warnings, *figures = _tessary.quads(
             _mesh(mesh)._data, angle, crease_property, _convert.number(edge_weight, "edge_weight"),
-            _ratio(inner_weights), _convert.number(gap, "gap"), split_edges, _carry(mesh, properties),
-            _convert.threads(threads), progress)
+            _ratio(inner_weights), _convert.number(gap, "gap"), split_edges, _splits(concave),
+            _carry(mesh, properties), _convert.threads(threads), progress)
     except ArgumentError as error:
         raise _with_declaration(error, mesh, crease_property) from None
     result = made(QuadMesh, data, Parents(*parents), warnings)
@@ -170,7 +179,7 @@ def _ratio(weights: Any) -> list[float]:
 
 
 def sample(mesh: Mesh, *, distance: Union[float, str, None] = None, count: Optional[int] = None, seed: int = 0,
-           properties: Names = "all", threads: Optional[int] = None,
+           concave: str = "fan", properties: Names = "all", threads: Optional[int] = None,
            progress: Optional[Progress] = None) -> Samples:
     """Scatters points over the surface, no two closer than a distance (Poisson-disk sampling).
 
@@ -182,7 +191,7 @@ def sample(mesh: Mesh, *, distance: Union[float, str, None] = None, count: Optio
         In the place of a distance: the one for so many samples is looked for, until it is met within 2 %.
     seed : 0 to 4294967295
         Same mesh, same seed, same bits, on any machine and any number of threads.
-    properties, threads, progress
+    concave, properties, threads, progress
         As for `triangulate`. Real values of points and corners are blended, others picked from the nearest corner.
 
     Returns Samples. Raises ArgumentError, InvalidMesh, OutOfMemory.
@@ -197,7 +206,7 @@ def sample(mesh: Mesh, *, distance: Union[float, str, None] = None, count: Optio
     length, is_share = (0.0, False) if distance is None else _length(distance, "distance")
     data, parents, warnings, *figures = _tessary.sample(
         _mesh(mesh)._data, length, is_share, _count(count), _convert.integer(seed, "seed", 0, 2**32 - 1),
-        _carry(mesh, properties), _convert.threads(threads), progress)
+        _splits(concave), _carry(mesh, properties), _convert.threads(threads), progress)
     result = made(Samples, data, Parents(*parents), warnings)
     result.distance, result.area, result.rounding_share = figures
     result.seed = seed

@@ -64,6 +64,7 @@ TEST_F(QuadsVerb, CreasesThatCannotBeExitWithTwoAndSayWhatWasExpected)
         {{"--crease-angle", ""}, "--crease-angle"},
         {{"--edge-weight", ""}, "--edge-weight"},
         {{"--gap", ""}, "--gap"},
+        {{"--gap", "0.5"}, "--gap opens creased edges, and nothing creases any"},
         {{"--gap", "2"}, "a number from 0 to 1"},
         {{"--edge-weight", "-0.1"}, "a number from 0 to 1"},
         {{"--inner-weights", "1,1"}, "--inner-weights"},

@@ -98,7 +98,6 @@ TEST_F(SampleVerb, OnlyTheSeedDecidesWhichPoints)
 
 TEST_F(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
 {
-    const std::string cloud = folder.file("cloud.obj", "v 0 0 0\nv 1 1 1\n");
     const std::string huge = folder.file("huge.obj", "v 0 0 0\nv 1e30 0 0\nv 0 1e30 0\nf 1 2 3\n");
     const std::string endless =
         folder.file("endless.obj", "v 1e38 0 0\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 2 3 4\n");
@@ -122,7 +121,6 @@ TEST_F(SampleVerb, WhatCannotBeSampledLeavesALineAndNoFile)
     expectLine(square, {"--distance", "1", "--seed", "4294967296"}, 2, "--seed");
     expectLine(square, {"--distance", "1", "--properties", "uv"}, 2, "no property uv");
     expectLine(endless, {"--distance", "2%"}, 2, "the distance 2% is outside what single");
-    expectLine(cloud, {"--distance", "1"}, 4, "no faces, so there is no surface");
     expectLine(huge, {"--distance", "2%"}, 4, "scale the mesh down");
 }
 

@@ -97,7 +97,7 @@ def test_finished_outputs_are_skipped_by_content(files, tmp_path):
     (tmp_path / "frame.0001.ply").write_text("damaged")
     assert [record["status"] for record in run("triangulate")] == ["skipped", "done", "skipped", "skipped"]
     assert run(functools.partial(ts.triangulate, properties="none")).counts()["done"] == 4
-    one, other = [lambda mesh, way=way: mesh.quads(gap=way) for way in (0.0, 0.25)]
+    one, other = [lambda mesh, way=way: mesh.quads(crease_angle=30, gap=way) for way in (0.0, 0.25)]
     assert [run(one).counts()["done"], run(one).counts()["done"], run(other).counts()["done"]] == [4, 0, 4]
 
 

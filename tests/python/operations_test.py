@@ -190,3 +190,15 @@ def test_pages_show_meshes_in_notebooks_and_files(tmp_path):
         with pytest.raises(ts.ArgumentError) as caught:
             wrong()
         assert caught.value.argument == argument
+
+
+def test_concave_faces_are_told_and_split():
+    dart = ts.Mesh([[0, 0, 0], [4, 2, 0], [0, 4, 0], [2, 2, 0]], [[0, 1, 2, 3]])
+    for operation, options in ((ts.triangulate, {}), (ts.quads, {}), (ts.sample, {"distance": 0.5})):
+        assert 'concave="split"' in operation(dart, **options).warnings[0]
+        split = operation(dart, concave="split", **options)
+        assert split.warnings == () and (split.parents.face == 0).all()
+    assert (ts.triangulate(dart, concave="split").faces == [[3, 0, 1], [3, 1, 2]]).all()
+    assert ts.sample(dart, distance=0.5).area == 12 and ts.sample(dart, distance=0.5, concave="split").area == 4
+    with pytest.raises(ts.ArgumentError, match="concave: .*'ears'"):
+        ts.triangulate(dart, concave="ears")

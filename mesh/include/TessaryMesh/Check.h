@@ -53,6 +53,28 @@ TESSARY_MESH_API ValidationReport validateMesh(const Korvane::Object& mesh);
 /// @complexity near linear time
 TESSARY_MESH_API std::vector<Problem> edgeWarnings(const Korvane::Object& mesh);
 
+/// The faces that their fans do not fit. Operations split a face into the fan of triangles around its
+/// first corner, which leaves a face that is not convex where that corner does not see all of it: then
+/// triangles cover ground outside and each other. See `Concave` in Operations.h for another way.
+///
+/// A face counts as it is seen along the axis nearest to its normal, up to the last bit. One that crosses
+/// itself and so cannot be split into triangles that are all turned its way has a kind of its own.
+struct ConcaveFaces {
+    Problem concave;       ///< "concave-face", a warning; its count may be 0
+    Problem selfCrossing;  ///< "self-crossing-face", a warning; its count may be 0
+    double area = 0;       ///< of the concave faces
+    double fanArea = 0;    ///< of the triangles of their fans
+
+    /// Those of the two that occur.
+    TESSARY_MESH_API std::vector<Problem> problems() const;
+};
+
+/// Finds them in a mesh without errors. Linear time but for concave faces, which are split to see
+/// whether that can be done.
+///
+/// @throws Cancelled
+TESSARY_MESH_API ConcaveFaces concaveFaces(const Korvane::Object& mesh);
+
 /// What holds a mesh together: counts of its edges and of the pieces that they make.
 ///
 /// An edge joins two points that follow each other in a face; a point that a face names twice in a

@@ -75,7 +75,15 @@ struct Result {
     std::vector<std::string> warnings;        ///< one line per property that could not be carried
 };
 
-/// Splits every face into the fan of triangles around its first corner.
+/// How a face becomes triangles that is not convex and that the fan around its first corner leaves (see
+/// concaveFaces() in Check.h).
+enum class Concave {
+    Fan,   ///< as every other face
+    Split  ///< into triangles that are the face: its ears are clipped, one after the other
+};
+
+/// Splits every face into triangles: the fan around its first corner, or others for faces that that
+/// does not fit. A face has the same number of triangles either way.
 ///
 /// Points keep their order. Indexed properties stay indexed: their values are shared,
 /// their index arrays follow the corners, and an index array that several properties use is carried
@@ -87,10 +95,20 @@ struct Result {
 ///
 /// @param[in] mesh   without errors
 /// @param[in] carry  the properties to carry
+/// @param[in] concave  what becomes of concave faces
 /// @returns    parents: face of each triangle; corner of each corner of a triangle
 /// @throws InvalidMesh  where faces cannot be split
 /// @complexity linear, parallel
-TESSARY_MESH_API Result triangulate(const Korvane::Object& mesh, const Carry& carry = {});
+TESSARY_MESH_API Result triangulate(const Korvane::Object& mesh, const Carry& carry = {},
+                                    Concave concave = Concave::Fan);
+
+/// Splits the concave faces of a mesh into triangles, and leaves the others as they are: what the
+/// operations below do not do themselves. Everything follows as it does for triangulate().
+///
+/// @returns    parents: face of each face; corner of each corner; none where all faces stay as they are
+/// @throws InvalidMesh  where faces cannot be split
+/// @complexity linear, parallel
+TESSARY_MESH_API Result splitConcaveFaces(const Korvane::Object& mesh, const Carry& carry = {});
 
 /// How makeQuads() cuts.
 struct QuadOptions {
@@ -109,12 +127,16 @@ struct QuadOptions {
     /// Where a triangle is cut: the shares of its three corners; they add up to 1.
     float innerWeights[3] = {1.0f / 3, 1.0f / 3, 1.0f / 3};
 
-    /// How far the two points of a creased edge move apart, as a share of the edge, 0 to 1.
+    /// How far the two points of a creased edge move apart, as a share of the edge, 0 to 1. An error
+    /// where nothing above asks for creases.
     float gap = 0;
 
     /// Whether edges along which two faces run in one direction are cut once for each face. Without
     /// it a mesh with such edges is refused.
     bool splitEdges = false;
+
+    /// How faces become triangles that are not convex. They count as one face for creases either way.
+    Concave concave = Concave::Fan;
 };
 
 /// What makeQuads() returns.
@@ -234,10 +256,13 @@ private:
 /// @param[in] samples     of a SampledSurface of this mesh
 /// @param[in] carry       the properties to carry
 /// @param[in] withPlaces  whether the samples say where they lie
+/// @param[in] parents     of the mesh, where splitConcaveFaces() made it: then the faces that the samples
+///                        lie on are those of its source
 /// @returns    parents: face and triangle of each sample
 /// @complexity parallel, linear in the samples and the mesh
 TESSARY_MESH_API Result makeSampleCloud(const Korvane::Object& mesh, const SurfaceSamples& samples,
-                                        const Carry& carry = {}, bool withPlaces = true);
+                                        const Carry& carry = {}, bool withPlaces = true,
+                                        const ParentMaps& parents = {});
 
 /// How sample() samples.
 struct SampleOptions {
@@ -245,6 +270,7 @@ struct SampleOptions {
     std::uint64_t count = 0;  ///< about so many samples; 0 for a distance instead
     Pelon::uint seed = 0;     ///< of every random decision
     bool withPlaces = true;   ///< see makeSampleCloud()
+    Concave concave = Concave::Fan;  ///< how faces become triangles that are not convex
 };
 
 /// What sample() returns.
