@@ -136,9 +136,9 @@ Failure currentFailure(const std::string& subject, const std::string& verb)
                            subject);
     } catch (const std::exception& error) {
         if (isLackOfThreads(error))
-            return outOfMemory(prefix + error.what() +
-                                   " (use fewer --threads, or raise the limit on processes)",
-                               subject);
+            return outOfMemory(
+                prefix + error.what() + " (use fewer --threads, or raise the limit on processes)",
+                subject);
         return failure(ExitCode::CheckFailed, "unexpected", prefix + "unexpected: " + error.what(),
                        orNull(subject));
     } catch (...) {

@@ -9,7 +9,8 @@ void limitThreads(unsigned threads)
 {
     using tbb::global_control;
     static const global_control* const limit =
-        threads > 0 ? new global_control(global_control::max_allowed_parallelism, threads) : nullptr;
+        threads > 0 ? new global_control(global_control::max_allowed_parallelism, threads)
+                    : nullptr;
     static_cast<void>(limit);
 }
 

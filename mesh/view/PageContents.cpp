@@ -59,8 +59,8 @@ std::string problemsOf(const Object& mesh, bool hasFaces)
     if (hasFaces) {
         ValidationReport report = validateMesh(mesh);
         if (!report.hasErrors())
-            for (Problem& warning : edgeWarnings(mesh))
-                report.problems.push_back(std::move(warning));
+            for (auto& warnings : {edgeWarnings(mesh), concaveFaces(mesh).problems()})
+                report.problems.insert(report.problems.end(), warnings.begin(), warnings.end());
         for (const Problem& problem : report.problems)
             texts.push_back(textOf(problem));
     }

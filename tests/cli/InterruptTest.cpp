@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <chrono>
@@ -19,6 +20,17 @@ void waitForEntry(const Folder& folder)
     ASSERT_FALSE(folder.names().empty());
 }
 
+// Whoever took what there was waits for more.
+void waitUntilRead(int pipe)
+{
+    int left = 1;
+    for (int i = 0; i < 6000 && left > 0; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        ASSERT_EQ(ioctl(pipe, FIONREAD, &left), 0);
+    }
+    ASSERT_EQ(left, 0);
+}
+
 // Standard input is a pipe that stays open and silent, so the program surely waits.
 TEST(Interrupt, EndsTheWaitForInputAndLeavesNothing)
 {
@@ -28,7 +40,8 @@ TEST(Interrupt, EndsTheWaitForInputAndLeavesNothing)
         ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
         const int held = open(pipe.c_str(), O_RDWR);
         Started program({"triangulate", "-", "-o", folder / "out.obj"}, streams, {pipe, "", {}});
-        waitForEntry(folder);
+        ASSERT_EQ(write(held, "#", 1), 1);
+        waitUntilRead(held);
         program.signal(signal);
         expectRefusal(program.finish(), 130, "standard input: interrupted");
         close(held);

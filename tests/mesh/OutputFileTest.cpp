@@ -78,8 +78,9 @@ TEST(OutputFile, NeedsNoMoreOfANameThanTheTargetDoes)
         const std::string target = std::string(248, 'n') + ".ply";
         TemporaryFile first(folder / target, 0640, name), second(folder / target, 0600, name);
         ASSERT_GE(second.descriptor(), 0);
-        if (name == TemporaryFile::Name::Always)
+        if (name == TemporaryFile::Name::Always) {
             EXPECT_EQ(folder.names().size(), 2u);
+        }
         EXPECT_TRUE(first.flush(true) && first.moveIntoPlace(false));
         EXPECT_FALSE(second.moveIntoPlace(false));
         EXPECT_EQ(errno, EEXIST);

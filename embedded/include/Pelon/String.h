@@ -40,13 +40,15 @@ class String {
 public:
     String() noexcept { setShort({}); }                     ///< no characters
     String(const char* text) : String(StringView(text)) {}  ///< a copy
-    String(std::string text)                                ///< the text itself
+    /// The text itself.
+    String(std::string text)
     {
         setShort(text.size() > kShort ? std::string_view() : text);
         if (text.size() > kShort)
             m_long = std::make_shared<const std::string>(std::move(text));
     }
-    explicit String(StringView text)  ///< a copy
+    /// A copy.
+    explicit String(StringView text)
     {
         setShort(text.size() > kShort ? std::string_view() : text.view());
         if (text.size() > kShort)
