@@ -2,6 +2,7 @@
 
 #include "Session.h"
 
+#include <nlohmann/json.hpp>
 #include <string>
 
 namespace Cli {

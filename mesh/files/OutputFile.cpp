@@ -48,7 +48,7 @@ std::string resolved(std::string path)
         if (length <= 0)
             break;
         const std::string next(link, static_cast<std::size_t>(length));
-        path = next[0] == '/' ? next : folderOf(path) + '/' + next;
+        path = next[0] == '/' ? next : folderOf(path).append("/").append(next);
     }
     return path;
 }

@@ -88,7 +88,7 @@ Faces facesOf(const Array<uint>& faceOffset, const std::vector<SplitFace>& split
 template <class T>
 MutablePtr<Array<T>> gathered(const Array<T>& values, const Array<uint>& from)
 {
-    const auto out = makeMutable<Array<T>>(from.size());
+    auto out = makeMutable<Array<T>>(from.size());
     forEachRange(from.size(), std::size_t{1} << 14, [&](std::size_t begin, std::size_t end) {
         for (std::size_t i = begin; i < end; ++i)
             (*out)[i] = values[from[i]];

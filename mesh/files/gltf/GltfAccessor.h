@@ -30,7 +30,7 @@ public:
 private:
     const unsigned char* place(std::size_t i, unsigned k) const
     {
-        return m_bytes + i * m_stride + k * m_size;
+        return m_bytes + i * m_stride + std::size_t{k} * m_size;
     }
 
     const unsigned char* m_bytes = nullptr;

@@ -129,7 +129,7 @@ Any NpzArchive::readNumbersAs(const std::string& name, const NpyHeader& header, 
         reorder(bytes, sizeof(S), header.shape);
     if constexpr (std::is_same_v<S, bool>)
         for (std::size_t i = 0; i < count; ++i)
-            bytes[i] = bytes[i] != 0;
+            bytes[i] = bytes[i] != 0 ? 1 : 0;
     m_zip.close();
     return Any(Ptr<Array<T>>(values));
 }

@@ -147,7 +147,8 @@ private:
         const auto interpolation = entry.find("interpolation");
         Interpolation mode = Interpolation::Linear;
         if (interpolation != entry.end()) {
-            if (*interpolation != 0 && *interpolation != 2)
+            const Json constant = 0, none = 2;
+            if (*interpolation != constant && *interpolation != none)
                 fail("has an interpolation that is neither 0 nor 2");
             mode = static_cast<Interpolation>(interpolation->get<int>());
         }
@@ -175,7 +176,7 @@ private:
             !std::is_sorted(offsets->begin(), offsets->end()))
             fail("names offsets " + TessaryMesh::quoted(offsetArray) +
                  " that do not divide the texts");
-        const auto texts = makeMutable<Array<String>>();
+        auto texts = makeMutable<Array<String>>();
         const auto* const first = reinterpret_cast<const char*>(bytes->data());
         for (std::size_t i = 0; i + 1 < offsets->size(); ++i)
             texts->push_back(String(std::string(first + (*offsets)[i], first + (*offsets)[i + 1])));

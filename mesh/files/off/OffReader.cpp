@@ -196,7 +196,7 @@ private:
             m_normals.push_back(vectorAt(at));
             at += 3;
         }
-        const std::size_t end = count - 2 * m_letters.hasTexcoords, left = end - at;
+        const std::size_t end = count - (m_letters.hasTexcoords ? 2 : 0), left = end - at;
         const bool hasColour = (left == 3 || left == 4) && (row == 0 || m_colours.width() > 0);
         if (hasColour)
             m_colours.add(m_words, at, left, m_text);

@@ -99,7 +99,7 @@ std::vector<std::string> ColumnNames::columnsFor(std::string_view name, Owner ow
 
 Names ColumnNames::eightBitColumnsFor(std::string_view name, Owner owner, unsigned count)
 {
-    const Names names = customaryNames(name, owner, {Scalar::UInt8, count});
+    Names names = customaryNames(name, owner, {Scalar::UInt8, count});
     if (owner == Owner::Corner || !areFree(names, encodedName(name), owner))
         return {};
     usedBy(owner).insert(names.begin(), names.end());
