@@ -89,6 +89,7 @@ function findMarks(model) {
 function placesOfProblems(model) {
   const parts = [];
   for (const {code, places} of model.problems) {
+    if (code === "concave-face") continue; // common in good meshes; the list leads to them
     if (code === "same-direction" || code === "non-manifold-edge") continue;
     for (const {element, index} of places) {
       const hit = element ? elementHit(model, element, index) : null, place = hit && placeOf(hit);

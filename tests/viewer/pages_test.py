@@ -78,7 +78,7 @@ def test_marked_edges_are_those_that_validate_counts(show, demo, tmp_path, mesh)
     assert counts["mark-nonmanifold"] == report.get("non-manifold-edge", 0)
     assert counts["mark-samedirection"] == report.get("same-direction", 0)
     assert counts["mark-boundary"] == boundary
-    assert counts.get("mark-places", 0) == report.get("repeated-corner", 0) + min(5, report.get("concave-face", 0))
+    assert counts.get("mark-places", 0) == report.get("repeated-corner", 0)
     assert len(report) == browser.run("document.querySelectorAll('#problems details').length")
 
 
