@@ -70,7 +70,11 @@ std::uint64_t mostOfStream(const ReadLimits& limits)
 Array<char> readToEnd(int descriptor, const std::string& path, std::uint64_t most,
                       const Input::HeadCheck& check)
 {
-    Array<char> bytes(kBlock);
+    // Not a byte is waited for beyond the one that passes the limit: a pipe may hold nothing more.
+    const auto upToLimit = [most](std::size_t count) {
+        return static_cast<std::size_t>(std::min<std::uint64_t>(count, most + 1));
+    };
+    Array<char> bytes(upToLimit(kBlock));
     std::size_t size = 0;
     bool isEnd = false;
     const auto readUpTo = [&](std::size_t end) {
@@ -81,11 +85,11 @@ Array<char> readToEnd(int descriptor, const std::string& path, std::uint64_t mos
             size += got;
         }
     };
-    readUpTo(Input::kHead);
+    readUpTo(upToLimit(Input::kHead));
     if (check && size > 0)
         check({bytes.data(), std::min(size, Input::kHead)}, isEnd ? size : 0);
     for (readUpTo(bytes.size()); !isEnd && size <= most; readUpTo(bytes.size()))
-        bytes.resize(std::min<std::uint64_t>(2 * size, most + 1));
+        bytes.resize(upToLimit(2 * size));
     if (size > most)
         failByLimit(path, static_cast<double>(most));
     bytes.resize(size);
