@@ -5,6 +5,9 @@
 
 #include <TessaryMesh/Check.h>
 
+#include <iterator>
+#include <utility>
+
 namespace TessaryPython {
 namespace {
 
@@ -16,18 +19,33 @@ std::size_t effortOf(const Geometry& geometry)
     return 10 * (geometry.pointCount() + geometry.cornerCount());
 }
 
+void append(std::vector<Problem>& problems, std::vector<Problem> more)
+{
+    std::move(more.begin(), more.end(), std::back_inserter(problems));
+}
+
 py::list validate(const Geometry& geometry, unsigned threads, const py::object& progress)
 {
-    return problemsOf(compute({threads, progress}, effortOf(geometry),
-                              [object = geometry.object()](Stage& stage) {
-                                  stage.next(30);
-                                  auto report = TessaryMesh::validateMesh(*object);
-                                  stage.next(100);
-                                  if (!report.hasErrors())
-                                      for (Problem& problem : TessaryMesh::edgeWarnings(*object))
-                                          report.problems.push_back(std::move(problem));
-                                  return std::move(report.problems);
-                              }));
+    return problemsOf(compute(
+        {threads, progress}, effortOf(geometry), [object = geometry.object()](Stage& stage) {
+            stage.next(30);
+            auto report = TessaryMesh::validateMesh(*object);
+            stage.next(90);
+            if (!report.hasErrors())
+                append(report.problems, TessaryMesh::edgeWarnings(*object));
+            stage.next(100);
+            if (!report.hasErrors())
+                append(report.problems, TessaryMesh::concaveFaces(*object).problems());
+            return std::move(report.problems);
+        }));
+}
+
+// Of a mesh without errors.
+py::list concaveFaces(const Geometry& geometry)
+{
+    return problemsOf(compute({}, effortOf(geometry), [object = geometry.object()](Stage&) {
+        return TessaryMesh::concaveFaces(*object).problems();
+    }));
 }
 
 py::dict toPython(const MeshShape& shape, double area)
@@ -68,6 +86,7 @@ py::dict info(const Geometry& geometry, unsigned threads, const py::object& prog
 void defineChecks(py::module_& module)
 {
     module.def("validate", &validate, py::arg("geometry"), py::arg("threads"), py::arg("progress"));
+    module.def("concave_faces", &concaveFaces, py::arg("geometry"));
     module.def("info", &info, py::arg("geometry"), py::arg("threads"), py::arg("progress"));
 }
 

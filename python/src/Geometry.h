@@ -4,9 +4,11 @@
 
 #include <Korvane/Object.h>
 #include <Pelon/Ptr.h>
+#include <TessaryMesh/Check.h>
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 
 namespace TessaryPython {
 
@@ -25,7 +27,9 @@ public:
     };
 
     Geometry(ObjectPtr object, Trust trust) : m_object(std::move(object)), m_trust(trust) {}
-    Geometry(const Geometry& other) : m_object(other.m_object), m_trust(other.trust()) {}
+    Geometry(const Geometry& other)
+        : m_object(other.m_object), m_trust(other.trust()), m_concave(other.knownConcave())
+    {}
     Geometry& operator=(const Geometry&) = delete;
 
     const ObjectPtr& object() const { return m_object; }
@@ -44,15 +48,21 @@ public:
     /// Throws InvalidMesh, now or not, as trust() says. Needs no lock of the interpreter.
     void requireValid() const;
 
+    /// Of a mesh without errors, looked for once where nobody can change it. Needs no lock of the interpreter.
+    std::shared_ptr<const TessaryMesh::ConcaveFaces> concaveFaces() const;
+
     /// What a copy found out, this knows too.
-    void adoptTrust(const Geometry& copy) const
-    {
-        m_trust.store(copy.trust(), std::memory_order_relaxed);
-    }
+    void learnFrom(const Geometry& copy) const;
 
 private:
+    using ConcavePtr = std::shared_ptr<const TessaryMesh::ConcaveFaces>;
+
+    ConcavePtr knownConcave() const;
+
     ObjectPtr m_object;
     mutable std::atomic<Trust> m_trust;
+    mutable std::mutex m_mutex;
+    mutable ConcavePtr m_concave;  // guarded by m_mutex; null where nobody looked
 };
 
 }  // namespace TessaryPython

@@ -36,9 +36,9 @@ auto operate(const Geometry& geometry, const Call& call, std::size_t effort, Wor
     auto checked = std::make_shared<Geometry>(geometry);
     auto result = compute(call, effort, [checked, work = std::move(work)](Stage& stage) mutable {
         checked->requireValid();
-        return work(*checked->object(), stage);
+        return work(*checked, stage);
     });
-    geometry.adoptTrust(*checked);
+    geometry.learnFrom(*checked);
     return result;
 }
 
@@ -77,9 +77,9 @@ Concave toConcave(bool splits)
 
 // Which faces the triangles leave, in front of the other warnings.
 template <class AnyResult>
-AnyResult withConcave(const Korvane::Object& mesh, Concave concave, AnyResult result)
+AnyResult withConcave(const Geometry& mesh, Concave concave, AnyResult result)
 {
-    TessaryMesh::ConcaveFaces found = TessaryMesh::concaveFaces(mesh);
+    TessaryMesh::ConcaveFaces found = *mesh.concaveFaces();
     found.concave.advice = "split them with concave=\"split\"";
     std::vector<std::string>& warnings = result.warnings;
     if (found.selfCrossing.count > 0)
@@ -92,12 +92,13 @@ AnyResult withConcave(const Korvane::Object& mesh, Concave concave, AnyResult re
 py::tuple triangulate(const Geometry& mesh, bool splitsConcave, const py::object& properties,
                       unsigned threads, const py::object& progress)
 {
-    const auto result = operate(
-        mesh, {threads, progress}, effortOf(mesh),
-        [carry = toCarry(properties), concave = toConcave(splitsConcave)](
-            const Korvane::Object& object, Stage&) {
-            return withConcave(object, concave, TessaryMesh::triangulate(object, carry, concave));
-        });
+    const auto result =
+        operate(mesh, {threads, progress}, effortOf(mesh),
+                [carry = toCarry(properties), concave = toConcave(splitsConcave)](
+                    const Geometry& checked, Stage&) {
+                    return withConcave(checked, concave,
+                                       TessaryMesh::triangulate(*checked.object(), carry, concave));
+                });
     return toPython(mesh, result);
 }
 
@@ -128,9 +129,9 @@ py::tuple quads(const Geometry& mesh, const std::optional<double>& creaseAngle,
         operate(mesh, {threads, progress}, 4 * effortOf(mesh),
                 [options = quadOptions(creaseAngle, creaseProperty, edgeWeight, innerWeights, gap,
                                        splitEdges, splitsConcave),
-                 carry = toCarry(properties)](const Korvane::Object& object, Stage&) {
-                    return withConcave(object, options.concave,
-                                       TessaryMesh::makeQuads(object, options, carry));
+                 carry = toCarry(properties)](const Geometry& checked, Stage&) {
+                    return withConcave(checked, options.concave,
+                                       TessaryMesh::makeQuads(*checked.object(), options, carry));
                 });
     return toPython(mesh, result) +
            py::make_tuple(result.edges, result.creasedEdges, result.splitEdges);
@@ -166,12 +167,13 @@ struct Ground {
     double unit;  // of the distance
 };
 
-Ground groundOf(const Korvane::Object& mesh, Concave concave, const Carry& carry, bool isShare)
+Ground groundOf(const Geometry& mesh, Concave concave, const Carry& carry, bool isShare)
 {
+    const Korvane::Object& object = *mesh.object();
     TessaryMesh::Result fans =
         concave == Concave::Split
-            ? TessaryMesh::splitConcaveFaces(mesh, carry)
-            : TessaryMesh::Result{Pelon::makeMutable<Korvane::Object>(mesh), {}, {}};
+            ? TessaryMesh::splitConcaveFaces(object, carry)
+            : TessaryMesh::Result{Pelon::makeMutable<Korvane::Object>(object), {}, {}};
     SampledSurface surface(*fans.mesh);
     const double unit = isShare ? double{surface.boundingRadius()} : 1.0;
     return {withConcave(mesh, concave, std::move(fans)), std::move(surface), unit};
@@ -202,11 +204,11 @@ py::tuple sample(const Geometry& mesh, double distance, bool isShare, std::uint6
                  const py::object& progress)
 {
     const Carry carry = toCarry(properties);
-    const Ground ground = operate(mesh, {threads, py::none()}, effortOf(mesh),
-                                  [carry, isShare, concave = toConcave(splitsConcave)](
-                                      const Korvane::Object& object, Stage&) {
-                                      return groundOf(object, concave, carry, isShare);
-                                  });
+    const Ground ground = operate(
+        mesh, {threads, py::none()}, effortOf(mesh),
+        [carry, isShare, concave = toConcave(splitsConcave)](const Geometry& checked, Stage&) {
+            return groundOf(checked, concave, carry, isShare);
+        });
     const SampledSurface& surface = ground.surface;
     const Sampled sampled = sampleSurface(mesh, {threads, progress}, ground, distance * ground.unit,
                                           count, seed, carry);
@@ -220,8 +222,8 @@ py::tuple adjacency(const Geometry& mesh, bool splitEdges, bool withEdges, unsig
                     const py::object& progress)
 {
     const auto tables = operate(
-        mesh, {threads, progress}, 4 * effortOf(mesh), [=](const Korvane::Object& object, Stage&) {
-            return TessaryMesh::makeTriangleTables(object, {splitEdges, withEdges});
+        mesh, {threads, progress}, 4 * effortOf(mesh), [=](const Geometry& checked, Stage&) {
+            return TessaryMesh::makeTriangleTables(*checked.object(), {splitEdges, withEdges});
         });
     return py::make_tuple(orNone(tables.faceVertex, 3), orNone(tables.triEdges, 2),
                           orNone(tables.adjacentTri, 3), orNone(tables.dualFaceOffset),
@@ -251,8 +253,8 @@ py::array_t<std::int32_t> voxels(const Geometry& mesh, double cellSize, unsigned
 {
     using TessaryMesh::Cell;
     auto cells = operate(mesh, {threads, progress}, effortOf(mesh) + cellsAround(mesh, cellSize),
-                         [cellSize](const Korvane::Object& object, Stage&) {
-                             return TessaryMesh::touchedCells(object, cellSize);
+                         [cellSize](const Geometry& checked, Stage&) {
+                             return TessaryMesh::touchedCells(*checked.object(), cellSize);
                          });
     auto* const kept = new Pelon::Array<Cell>(std::move(cells));
     const py::capsule base(kept, [](void* held) { delete static_cast<Pelon::Array<Cell>*>(held); });

@@ -12,78 +12,31 @@ from __future__ import annotations
 
 import os
 import tempfile
-from collections.abc import Iterable, Iterator
-from typing import Any, Callable, NamedTuple, Optional
+from collections.abc import Iterable
+from typing import Any, Optional
 
 import numpy as np
 
 from . import arrays
+from ._chunk_concave import concave_faces
+from ._chunk_parts import BYTES_PER_CORNER, MOST_PLACES, FaceSpan, Parts, face_spans
 from ._convert import Array
 from ._errors import OutOfMemory
 from ._rows import Rows, Span, run
 from .geometry import NONE
 from .report import Report, make_report
 
-_MOST_PLACES = 5
 _MOST_SIDES = 4
 _PAIRWISE_FACE_SIZE = 8
-_BYTES_PER_CORNER = 160  # of a span while its sides are sorted
 _BYTES_PER_SIDE = 96  # of a range while its edges are looked at
 
 #: How often something was found, and numbers about the first few.
 _Found = tuple[int, list[tuple[Any, ...]]]
 
 
-class Parts(NamedTuple):
-    """A mesh as it is read."""
-
-    points: Rows
-    corners: Rows
-    offsets: Rows
-    indices: dict[str, tuple[Rows, int]]  # by property, with the number of values
-
-    @property
-    def face_count(self) -> int:
-        return max(0, len(self.offsets) - 1)
-
-
-class FaceSpan(NamedTuple):
-    """Faces, and the corners that all of them lie among."""
-
-    first: int
-    end: int
-    first_corner: int
-    end_corner: int
-
-
-def face_spans(parts: Parts, most_corners: int) -> list[FaceSpan]:
-    """All faces in spans of so many corners. Raises OutOfMemory for a face that has more."""
-    spans: list[FaceSpan] = []
-    for begin in range(0, parts.face_count, most_corners):
-        end = min(begin + most_corners, parts.face_count)
-        offsets = parts.offsets.read(begin, end + 1).astype(np.int64)
-        spans += _split(offsets, begin, len(parts.corners), most_corners)
-    return spans
-
-
-def _split(offsets: Array, first: int, corner_count: int, most: int) -> Iterator[FaceSpan]:
-    starts, ends, count = offsets[:-1], offsets[1:], len(offsets) - 1
-    real = (starts <= ends) & (ends <= corner_count)
-    low, high = (int(starts[real].min()), int(ends[real].max())) if real.any() else (0, 0)
-    if high - low <= most:
-        yield FaceSpan(first, first + count, low, high)
-    elif count == 1:
-        raise OutOfMemory(f"face {first} has {high - low} corners, more than max_memory has room for",
-                          (high - low) * _BYTES_PER_CORNER)
-    else:
-        middle = count // 2
-        yield from _split(offsets[:middle + 1], first, corner_count, most)
-        yield from _split(offsets[middle:], first + middle, corner_count, most)
-
-
 def _first(where: Array, *columns: Array) -> _Found:
-    some = where[:_MOST_PLACES]
-    return len(where), list(zip(some.tolist(), *(column[:_MOST_PLACES].tolist() for column in columns)))
+    some = where[:MOST_PLACES]
+    return len(where), list(zip(some.tolist(), *(column[:MOST_PLACES].tolist() for column in columns)))
 
 
 def _total(found: Iterable[_Found]) -> _Found:
@@ -91,7 +44,7 @@ def _total(found: Iterable[_Found]) -> _Found:
     places: list[tuple[Any, ...]] = []
     for more, some in found:
         count += more
-        places += some[:_MOST_PLACES - len(places)]
+        places += some[:MOST_PLACES - len(places)]
     return count, places
 
 
@@ -149,7 +102,7 @@ class _Words:
     def add(self, severity: str, code: str, message: str, advice: str, count: int,
             places: list[tuple[str, str, int]]) -> None:
         if count:
-            self.problems.append((severity, code, message, count, places[:_MOST_PLACES], advice))
+            self.problems.append((severity, code, message, count, places[:MOST_PLACES], advice))
 
 
 def _number_text(number: float) -> str:
@@ -310,15 +263,15 @@ def _look_at_edges(paths: list[str], low: int, high: int, most: int, triangles: 
     corners = values >> np.uint64(2)
     same = _first(smaller[firsts], larger[firsts], corners[firsts], corners[firsts + 1])
     many = np.flatnonzero((counts > 2) & (smaller[heads] != larger[heads]))
-    at = heads[many[:_MOST_PLACES]]
-    shown = np.stack([corners[np.minimum(at + side, at + counts[many[:_MOST_PLACES]] - 1)]
+    at = heads[many[:MOST_PLACES]]
+    shown = np.stack([corners[np.minimum(at + side, at + counts[many[:MOST_PLACES]] - 1)]
                       for side in range(_MOST_SIDES)], axis=1) if len(at) else np.zeros((0, _MOST_SIDES))
     return same, (len(many), list(zip(smaller[at].tolist(), larger[at].tolist(),
-                                      counts[many[:_MOST_PLACES]].tolist(), shown.tolist())))
+                                      counts[many[:MOST_PLACES]].tolist(), shown.tolist())))
 
 
 def _edges(parts: Parts, triangles: bool, max_memory: int, client: Any, scratch: str) -> tuple[_Found, _Found]:
-    spans = face_spans(parts, max(1, max_memory // (_BYTES_PER_CORNER * (3 if triangles else 1))))
+    spans = face_spans(parts, max(1, max_memory // (BYTES_PER_CORNER * (3 if triangles else 1))))
     most = max_memory // _BYTES_PER_SIDE
     step = max(1, most // (8 * max(1, len(spans))))
     paths, samples = [], []
@@ -372,7 +325,7 @@ def check(parts: Parts, max_memory: int, client: Any, scratch: Optional[str], ed
         return make_report(words.problems)
     _check_elements(parts, max_memory, client, words)
     _check_indices(parts, max_memory, client, words)
-    spans = face_spans(parts, max(1, max_memory // _BYTES_PER_CORNER))
+    spans = face_spans(parts, max(1, max_memory // BYTES_PER_CORNER))
     count, again = _total(run(_repeated, ((parts, span) for span in spans), client))
     has_errors = bool(words.problems)
     words.add("warning", "repeated-corner", "corners that repeat a point of their face",
@@ -382,4 +335,5 @@ def check(parts: Parts, max_memory: int, client: Any, scratch: Optional[str], ed
     if edges and not has_errors:
         with tempfile.TemporaryDirectory(dir=scratch) as folder:
             _check_edges(parts, max_memory, client, folder, words)
+        words.problems += concave_faces(parts, spans, client)
     return make_report(words.problems)

@@ -28,7 +28,8 @@ from typing import Any, Optional, Union
 import numpy as np
 
 from . import _convert, arrays, operations
-from ._chunk_checks import FaceSpan, Parts, check, face_spans
+from ._chunk_checks import check
+from ._chunk_parts import FaceSpan, Parts, face_spans
 from ._chunk_sphere import sphere
 from ._convert import Array
 from ._errors import ArgumentError, ArrayError, FileError, InvalidMesh

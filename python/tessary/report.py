@@ -10,6 +10,7 @@ __all__ = ["Place", "Problem", "Report"]
 _ADVICE = {
     "same-direction": "turn one of the faces round or give it points of its own; quads(), adjacency() "
                       "and edges() take such a mesh with split_edges=True",
+    "concave-face": "split them with concave=\"split\"",
     "diagonal-direction": "split these faces another way before adjacency() or quads(), or give them split_edges=True",
 }
 

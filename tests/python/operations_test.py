@@ -202,3 +202,11 @@ def test_concave_faces_are_told_and_split():
     assert ts.sample(dart, distance=0.5).area == 12 and ts.sample(dart, distance=0.5, concave="split").area == 4
     with pytest.raises(ts.ArgumentError, match="concave: .*'ears'"):
         ts.triangulate(dart, concave="ears")
+
+
+def test_concave_faces_are_looked_for_again_where_points_may_have_moved():
+    points = np.array([[0, 0, 0], [4, 2, 0], [0, 4, 0], [2, 2, 0]], np.float32)
+    borrowing = ts.Mesh(points, [[0, 1, 2, 3]])
+    assert borrowing.triangulate().warnings
+    points[3, 0] = -2
+    assert not borrowing.triangulate().warnings
