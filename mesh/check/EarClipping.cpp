@@ -1,8 +1,7 @@
 #include "check/EarClipping.h"
 
-#include "check/PointGrid.h"
+#include "check/PointTree.h"
 
-#include <algorithm>
 #include <cstddef>
 
 namespace TessaryMesh {
@@ -17,7 +16,8 @@ public:
           m_next(polygon.size()),
           m_previous(polygon.size()),
           m_turn(polygon.size()),
-          m_stamp(polygon.size())
+          m_stamp(polygon.size()),
+          m_notConvex(polygon)
     {
         const auto count = static_cast<uint>(polygon.size());
         for (uint i = 0; i < count; ++i) {
@@ -25,12 +25,11 @@ public:
             m_previous[i] = i > 0 ? i - 1 : count - 1;
         }
         for (uint i = 0; i < count; ++i)
-            m_turn[i] = static_cast<signed char>(turnAt(i));
+            lookAtTurn(i);
     }
 
     bool clip()
     {
-        rebuildGrid();
         for (int scans = 0; m_left > 3 && scans < kMostScans; ++scans) {
             const std::size_t before = m_left;
             queueAll();
@@ -54,9 +53,11 @@ private:
         uint corner, stamp;
     };
 
-    int turnAt(uint i) const
+    void lookAtTurn(uint i)
     {
-        return orientation(m_points[m_previous[i]], m_points[i], m_points[m_next[i]]);
+        const int turn = orientation(m_points[m_previous[i]], m_points[i], m_points[m_next[i]]);
+        m_turn[i] = static_cast<signed char>(turn);
+        m_notConvex.setCounts(i, turn <= 0);
     }
 
     bool isLeft(uint i) const { return m_next[i] != kNone; }
@@ -109,14 +110,9 @@ private:
         m_next[i] = kNone;
         --m_left;
         m_last = after;
-        m_inGrid -= m_turn[i] <= 0;
-        for (const uint beside : {before, after}) {
-            m_inGrid -= m_turn[beside] <= 0;
-            m_turn[beside] = static_cast<signed char>(turnAt(beside));
-            m_inGrid += m_turn[beside] <= 0;
-        }
-        if (4 * m_inGrid < m_grid.size() || m_wasted > 8 * m_grid.size())
-            rebuildGrid();
+        m_notConvex.setCounts(i, false);
+        lookAtTurn(before);
+        lookAtTurn(after);
         queue(before);
         queue(after);
     }
@@ -128,28 +124,10 @@ private:
     {
         const uint before = m_previous[i], after = m_next[i];
         const PlanePoint &a = m_points[before], &b = m_points[i], &c = m_points[after];
-        const PlanePoint low{std::min({a.x, b.x, c.x}), std::min({a.y, b.y, c.y})};
-        const PlanePoint high{std::max({a.x, b.x, c.x}), std::max({a.y, b.y, c.y})};
-        return !m_grid.anyIn(low, high, [&](uint other) {
+        return !m_notConvex.anyIn(a, b, c, [&](uint other) {
             const PlanePoint& p = m_points[other];
-            const bool counts = isLeft(other) && m_turn[other] <= 0;
-            m_wasted += counts ? 0 : 1;
-            return counts && other != before && other != after && p.x >= low.x && p.x <= high.x &&
-                   p.y >= low.y && p.y <= high.y && !(p == a) && !(p == b) && !(p == c) &&
-                   orientation(a, b, p) >= 0 && orientation(b, c, p) >= 0 &&
-                   orientation(c, a, p) >= 0;
+            return other != before && other != after && !(p == a) && !(p == b) && !(p == c);
         });
-    }
-
-    void rebuildGrid()
-    {
-        std::vector<uint> numbers;
-        for (uint i = 0; i < m_points.size(); ++i)
-            if (isLeft(i) && m_turn[i] <= 0)
-                numbers.push_back(i);
-        m_inGrid = numbers.size();
-        m_wasted = 0;
-        m_grid.build(m_points, numbers);
     }
 
     const std::vector<PlanePoint>& m_points;
@@ -159,9 +137,7 @@ private:
     std::vector<signed char> m_turn;       // as orientation() has it, at each corner
     std::vector<uint> m_stamp;             // which entry of a queue counts
     std::vector<Queued> m_ears, m_flat;
-    PointGrid m_grid;          // of corners that were not convex
-    std::size_t m_inGrid = 0;  // how many still are not
-    std::size_t m_wasted = 0;  // looks at others since it was built
+    PointTree m_notConvex;  // those of them that are left
     uint m_last = 0;
 };
 

@@ -19,8 +19,7 @@ namespace TessaryMesh {
 ///                    side of the polygon is a side of one of them
 /// false   where the polygon crosses itself, as far as no such triangles exist
 /// order   the same on every machine: only signs of exact determinants decide
-/// cost    between linear and n sqrt(n) for what people draw: a test looks up the corners that are not
-///         convex in a grid
+/// cost    n log n for what people draw: a test looks up the corners that are not convex in a tree
 bool clipEars(const std::vector<PlanePoint>& polygon, std::vector<uint>& triangles);
 
 }  // namespace TessaryMesh

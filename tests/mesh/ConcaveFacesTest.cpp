@@ -112,11 +112,16 @@ TEST(EarClipping, RefusesWhatCrossesItself)
 
 TEST(EarClipping, OfALongFaceTakesFarLessThanQuadraticTime)
 {
-    std::vector<uint> triangles;
-    const Polygon small = spiral(5000), large = spiral(80000);
-    EXPECT_LT(costRatio([&] { EXPECT_TRUE(clipEars(large, triangles)); },
-                        [&] { EXPECT_TRUE(clipEars(small, triangles)); }),
-              150);
+    using Shape = Polygon (*)(uint);
+    const Shape shapes[] = {spiral, [](uint n) { return comb(n / 2); },
+                            [](uint n) { return star(n, 1); }};
+    for (const Shape shape : shapes) {
+        std::vector<uint> triangles;
+        const Polygon small = shape(5000), large = shape(80000);
+        EXPECT_LT(costRatio([&] { EXPECT_TRUE(clipEars(large, triangles)); },
+                            [&] { EXPECT_TRUE(clipEars(small, triangles)); }),
+                  100);
+    }
 }
 
 // As sums of products of whole numbers, floats being such times a power of two.
