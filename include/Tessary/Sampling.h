@@ -206,7 +206,8 @@ extern template class TESSARY_API
 /// @failure    one point of a triangle that is NaN or infinite, or an area that overflows, leaves no
 ///             candidates: `out` becomes a point cloud without samples, and nothing is reported
 /// @throws std::runtime_error  with the host's text when the job is cancelled; `out` stays as it is
-/// @throws std::bad_alloc      for candidates that memory cannot hold; `out` stays as it is
+/// @throws std::bad_alloc      for candidates that memory cannot hold; `out` stays as it is. Where memory ends
+///                             only as `out` is written, `out` may have some of the properties
 /// @note       The candidate drawn first is always kept, removes others, and is then left out. The
 ///             number of candidates is taken modulo 2^32, and is 0 where the area or the area over the
 ///             distance's square overflows. At distances up to 1.1754944e-38 nothing is removed

@@ -192,6 +192,8 @@ tinygltf::Model parseGltf(const Input& input, const std::string& path)
     }
     if (folder.error)
         std::rethrow_exception(folder.error);
+    if (!isLoaded && error.find("bad_alloc") != std::string::npos)
+        throw std::bad_alloc();  // the library turns what it catches into text
     if (!isLoaded)
         failToRead(Code::Malformed, path,
                    "is no valid glTF 2.0: " + firstLine(error.empty() ? "no reason given" : error));
