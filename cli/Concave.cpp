@@ -8,6 +8,8 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
+
 namespace Cli {
 namespace {
 
@@ -59,6 +61,7 @@ Json tellConcave(Conversion& conversion, Concave concave, Session& session)
             {"places", placesOf(found.concave)},
             {"area", found.area},
             {"fan_area", found.fanArea},
+            {"slight", found.slight},
             {"split", isSplit},
             {"self_crossing",
              {{"count", found.selfCrossing.count}, {"places", placesOf(found.selfCrossing)}}}};
@@ -67,10 +70,12 @@ Json tellConcave(Conversion& conversion, Concave concave, Session& session)
 std::string concaveText(const Json& facts)
 {
     const Json& concave = facts["concave_faces"];
-    const Json& count = concave["count"];
+    const auto count =
+        concave["count"].get<std::uint64_t>() + concave["slight"].get<std::uint64_t>();
     if (!concave["split"].get<bool>() || count == 0)
         return "";
-    return ", " + count.dump() + (count == 1 ? " concave face split" : " concave faces split");
+    return ", " + std::to_string(count) +
+           (count == 1 ? " concave face split" : " concave faces split");
 }
 
 }  // namespace Cli

@@ -3,9 +3,7 @@
 #include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
-#include "base/Vectors.h"
-#include "check/EarClipping.h"
-#include "check/PlanarFace.h"
+#include "check/FaceFan.h"
 #include "check/ValidateParts.h"
 
 #include <cstdio>
@@ -20,15 +18,6 @@ std::string text(double number)
     return buffer;
 }
 
-double fanArea(const Array<float3>& points, const uint* corners, uint size)
-{
-    double area = 0;
-    for (uint k = 2; k < size; ++k)
-        area += length(cross(difference(points[corners[k - 1]], points[corners[0]]),
-                             difference(points[corners[k]], points[corners[0]])));
-    return area / 2;
-}
-
 struct Found {
     Finding concave{Problem::Severity::Warning, "concave-face",
                     "concave faces, which the fan around their first corner leaves",
@@ -37,6 +26,7 @@ struct Found {
                      "faces that cross themselves, which no triangles fit",
                      "correct them; they are split as fans"};
     double area = 0, fanArea = 0;
+    std::uint64_t slight = 0;
 
     void append(const Found& later)
     {
@@ -44,11 +34,9 @@ struct Found {
         crossing.append(later.crossing);
         area += later.area;
         fanArea += later.fanArea;
+        slight += later.slight;
     }
 };
-
-// Whether larger faces cross themselves is looked at only where they are split: that may take seconds.
-constexpr uint kMostClipped = 10000;
 
 /// Looks through faces one after the other.
 class Search {
@@ -59,27 +47,31 @@ public:
     {
         const uint first = (*m_mesh.faceOffset)[face];
         const uint size = (*m_mesh.faceOffset)[face + 1] - first;
-        if (size <= 3)
-            return;
-        const uint* const corners = m_mesh.faceVertex->data() + first;
-        m_planar.set(*m_mesh.points, corners, size);
-        if (m_planar.fitsFan())
-            return;
-        const double asFan = fanArea(*m_mesh.points, corners, size);
-        const double area = length(areaVector(*m_mesh.points, corners, size)) / 2;
-        const bool canBeSplit = size > kMostClipped || clipEars(m_planar.polygon(), m_triangles);
-        (canBeSplit ? m_found.concave : m_found.crossing).add(Problem::Element::Face, face, [&] {
-            return "face " + str(face) + " (area " + text(area) + ", as a fan " + text(asFan) + ")";
-        });
-        m_found.area += canBeSplit ? area : 0;
-        m_found.fanArea += canBeSplit ? asFan : 0;
+        const FaceFan::Fit fit =
+            m_fan.look(*m_mesh.points, m_mesh.faceVertex->data() + first, size);
+        if (fit == FaceFan::Fit::Slightly)
+            ++m_found.slight;
+        if (fit == FaceFan::Fit::Leaves) {
+            m_found.area += m_fan.area();
+            m_found.fanArea += m_fan.fanArea();
+            tell(m_found.concave, face);
+        }
+        if (fit == FaceFan::Fit::Crosses)
+            tell(m_found.crossing, face);
     }
 
 private:
+    void tell(Finding& finding, std::size_t face) const
+    {
+        finding.add(Problem::Element::Face, face, [&] {
+            return "face " + str(face) + " (area " + text(m_fan.area()) + ", as a fan " +
+                   text(m_fan.fanArea()) + ")";
+        });
+    }
+
     const MeshArrays& m_mesh;
     Found& m_found;
-    PlanarFace m_planar;
-    std::vector<uint> m_triangles;
+    FaceFan m_fan;
 };
 
 }  // namespace
@@ -99,7 +91,8 @@ ConcaveFaces concaveFaces(const Object& mesh)
         Found all;
         for (const Found& part : parts)
             all.append(part);
-        return ConcaveFaces{all.concave.problem(), all.crossing.problem(), all.area, all.fanArea};
+        return ConcaveFaces{all.concave.problem(), all.crossing.problem(), all.area, all.fanArea,
+                            all.slight};
     });
 }
 

@@ -3,8 +3,7 @@
 #include "base/Guard.h"
 #include "base/MeshArrays.h"
 #include "base/ParallelBlocks.h"
-#include "check/EarClipping.h"
-#include "check/PlanarFace.h"
+#include "check/FaceFan.h"
 
 #include <algorithm>
 #include <set>
@@ -25,16 +24,13 @@ struct SplitFace {
 std::vector<SplitFace> splitFacesIn(const MeshArrays& mesh, std::size_t begin, std::size_t end)
 {
     std::vector<SplitFace> found;
-    std::vector<uint> triangles;
-    PlanarFace planar;
+    FaceFan fan;
     for (std::size_t face = begin; face < end; ++face) {
         const uint first = (*mesh.faceOffset)[face];
         const uint size = (*mesh.faceOffset)[face + 1] - first;
-        if (size <= 3)
-            continue;
-        planar.set(*mesh.points, mesh.faceVertex->data() + first, size);
-        if (!planar.fitsFan() && clipEars(planar.polygon(), triangles))
-            found.push_back({face, triangles});
+        const FaceFan::Fit fit = fan.look(*mesh.points, mesh.faceVertex->data() + first, size);
+        if (fit == FaceFan::Fit::Slightly || fit == FaceFan::Fit::Leaves)
+            found.push_back({face, fan.triangles()});
     }
     return found;
 }

@@ -53,7 +53,7 @@ class Report:
     """All problems of a mesh, one entry a kind. True where the mesh has no errors.
 
     >>> import tessary as ts
-    >>> report = ts.validate(ts.demo_mesh(8))
+    >>> report = ts.validate(ts.demo_mesh(64))
     >>> report.valid, len(report)
     (True, 0)
     """

@@ -14,8 +14,10 @@ namespace {
 
 using namespace Korvane::Geometry;
 using namespace TestSupport;
+using Korvane::Math::double3;
 using TessaryMesh::clipEars;
 using TessaryMesh::Concave;
+using TessaryMesh::ConcaveFaces;
 using TessaryMesh::PlanePoint;
 using Polygon = std::vector<PlanePoint>;
 
@@ -175,7 +177,7 @@ MutablePtr<Object> dart()
 TEST(ConcaveFaces, AreToldWithTheirAreas)
 {
     const auto mesh = dart();
-    const TessaryMesh::ConcaveFaces found = TessaryMesh::concaveFaces(*mesh);
+    const ConcaveFaces found = TessaryMesh::concaveFaces(*mesh);
     ASSERT_EQ(found.concave.count, 1u);
     EXPECT_EQ(found.concave.places[0].text, "face 0 (area 6, as a fan 10)");
     EXPECT_EQ(found.concave.places[0].index, 0u);
@@ -187,6 +189,72 @@ TEST(ConcaveFaces, AreToldWithTheirAreas)
     const auto turned =
         makeMesh({{0, 0, 0}, {4, 2, 0}, {0, 4, 0}, {1, 2, 0}}, {0, 4}, {3, 0, 1, 2});
     EXPECT_TRUE(TessaryMesh::concaveFaces(*turned).problems().empty());
+}
+
+// One face of these points, turned about some axis and moved, so that nothing lies on the axes.
+ConcaveFaces foundIn(const std::vector<double3>& points, double offset = 0)
+{
+    Array<float3> turned;
+    Array<uint> corners;
+    for (const auto& [x, y, z] : points) {  // a rotation by thirds of its columns
+        corners.push_back(static_cast<uint>(turned.size()));
+        turned.push_back({float((2 * x - y + 2 * z) / 3 + offset),
+                          float((2 * x + 2 * y - z) / 3 + offset),
+                          float((-x + 2 * y + 2 * z) / 3 + offset)});
+    }
+    const uint count = static_cast<uint>(corners.size());
+    return TessaryMesh::concaveFaces(*makeMesh(turned, {0, count}, corners));
+}
+
+TEST(ConcaveFaces, AreNeitherBentNorRoundedNorSlightlyHollow)
+{
+    for (const double bend : {0.1, 0.5, 2.0})
+        EXPECT_EQ(foundIn({{0, 0, 0}, {1, 0, bend}, {1, 1, 0}, {0, 1, bend}}).slight, 0u) << bend;
+    // Corners on a side are beside it by what rounding does; nearer to the origin that would be a dent.
+    const std::vector<double3> onSide = {{0, 0, 0},   {2, 0, 0},   {2, 1, 0},
+                                         {1.3, 1, 0}, {0.6, 1, 0}, {0, 1, 0}};
+    for (const double offset : {0.0, 100.0, 100000.0}) {
+        const ConcaveFaces found = foundIn(onSide, offset);
+        EXPECT_EQ(found.slight + found.concave.count + found.selfCrossing.count, 0u) << offset;
+    }
+    const auto hollow = [](double depth) {  // in the middle of a side of length 2
+        return foundIn({{0, 1, 0}, {0, 0, 0}, {2, 0, 0}, {2, 1, 0}, {1, 1 - depth, 0}});
+    };
+    EXPECT_EQ(hollow(0.01).slight, 1u);
+    EXPECT_EQ(hollow(0.01).concave.count, 0u);
+    EXPECT_EQ(hollow(0.3).concave.count, 1u);
+    // A dent as small as that is one all the same: it is no curve.
+    EXPECT_EQ(
+        foundIn(
+            {{0, 0, 0}, {2, 0, 0}, {2, 1, 0}, {1.02, 1, 0}, {1, 0.9, 0}, {0.98, 1, 0}, {0, 1, 0}})
+            .concave.count,
+        1u);
+    EXPECT_TRUE(TessaryMesh::concaveFaces(*TessaryMesh::makeDemoMesh(64)).problems().empty());
+}
+
+TEST(ConcaveFaces, ThatCrossThemselvesAreNamedHoweverManyCornersTheyHave)
+{
+    const auto isNamed = [](const std::vector<double3>& points) {
+        const ConcaveFaces found = foundIn(points);
+        return found.selfCrossing.count == 1 && found.concave.count + found.slight == 0;
+    };
+    // Twice around, so that no triangle of the fan is turned over, and a corridor over its own beginning.
+    std::vector<double3> twice, corridor, large;
+    for (int i = 0; i < 10; ++i)
+        twice.push_back({(9 - i / 2 * 0.1) * std::cos(0.4 * M_PI * i + 0.01 * i),
+                         9 * std::sin(0.4 * M_PI * i + 0.01 * i), 0});
+    EXPECT_TRUE(isNamed(twice));
+    for (int i = 0; i < 30; ++i)
+        corridor.push_back({4 * std::cos(0.25 * i), 4 * std::sin(0.25 * i), 0});
+    for (int i = 30; i-- > 0;)
+        corridor.push_back({3 * std::cos(0.25 * i), 3 * std::sin(0.25 * i), 0});
+    std::reverse(corridor.begin(), corridor.end());
+    EXPECT_TRUE(isNamed(corridor));
+    for (const PlanePoint& p : star(50000, 3))
+        large.push_back({p.x, p.y, 0});
+    EXPECT_EQ(foundIn(large).concave.count, 1u);
+    std::swap(large[100], large[20000]);
+    EXPECT_TRUE(isNamed(large));
 }
 
 TEST(ConcaveFaces, AreSplitWithAllThatTheyCarry)

@@ -57,20 +57,25 @@ TESSARY_MESH_API std::vector<Problem> edgeWarnings(const Korvane::Object& mesh);
 /// first corner, which leaves a face that is not convex where that corner does not see all of it: then
 /// triangles cover ground outside and each other. See `Concave` in Operations.h for another way.
 ///
-/// A face counts as it is seen along the axis nearest to its normal, up to the last bit. One that crosses
-/// itself and so cannot be split into triangles that are all turned its way has a kind of its own.
+/// A face counts where its fan covers more ground than itself, seen along its normal, whatever its bends: by
+/// more than what rounding of its points may do, and not only slightly. One whose fan covers up to a
+/// thirty-second of its area too much, while its corners turn inwards by no more than about 7
+/// degrees in all, is as good as convex, as faces along a curve mostly are. A face that crosses itself has a
+/// kind of its own: no triangles fit it.
 struct ConcaveFaces {
     Problem concave;       ///< "concave-face", a warning; its count may be 0
     Problem selfCrossing;  ///< "self-crossing-face", a warning; its count may be 0
     double area = 0;       ///< of the concave faces
-    double fanArea = 0;    ///< of the triangles of their fans
+    double fanArea = 0;    ///< that the triangles of their fans cover
+    std::uint64_t slight =
+        0;  ///< faces that fans leave slightly; what splits concave faces splits them, too
 
     /// Those of the two that occur.
     TESSARY_MESH_API std::vector<Problem> problems() const;
 };
 
-/// Finds them in a mesh without errors. Linear time but for concave faces, which are split to see
-/// whether that can be done.
+/// Finds them in a mesh without errors. Linear time but for concave faces, which are split, and
+/// looked through for sides that cross.
 ///
 /// @throws Cancelled
 TESSARY_MESH_API ConcaveFaces concaveFaces(const Korvane::Object& mesh);
