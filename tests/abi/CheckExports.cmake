@@ -1,4 +1,4 @@
-cmake_minimum_required(VERSION 3.25)
+cmake_minimum_required(VERSION 3.22...3.31)
 # Compares what LIBRARY exports with the sorted list EXPECTED, and looks at its name.
 execute_process(COMMAND ${NM} -D -C --defined-only ${LIBRARY}
   OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)

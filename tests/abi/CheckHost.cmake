@@ -1,4 +1,4 @@
-cmake_minimum_required(VERSION 3.25)
+cmake_minimum_required(VERSION 3.22...3.31)
 # The embedded host LIBRARY stands alone: it neither defines nor needs a name of the library above it.
 execute_process(COMMAND ${NM} -D -C ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 if(NOT symbols MATCHES "Korvane::createObject")

@@ -1,4 +1,4 @@
-cmake_minimum_required(VERSION 3.25)
+cmake_minimum_required(VERSION 3.22...3.31)
 # Builds SOURCE with the command CXX and the flags that pkg-config names for MODULE, and runs it: what it
 # prints matches EXPECTED.
 set(ENV{PKG_CONFIG_PATH} ${LIBDIR}/pkgconfig)
