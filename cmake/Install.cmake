@@ -1,5 +1,6 @@
 # Install rules: a prefix that can be moved as a whole, with one CMake package for the libraries, one
-# for the embedded host, and pkg-config modules.
+# for the embedded host, and pkg-config modules. Components are what packages hold: host, kernels, mesh,
+# development, program, python.
 include(CMakePackageConfigHelpers)
 
 set(tessary_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Tessary)
@@ -13,38 +14,48 @@ function(tessary_install_rpath target directory)
   endif()
 endfunction()
 
+# Installs a library as `component`, but what only a compiler asks for as "development".
+function(tessary_install_library target component export)
+  tessary_install_rpath(${target} ${CMAKE_INSTALL_FULL_LIBDIR})
+  install(TARGETS ${target} EXPORT ${export}
+    LIBRARY COMPONENT ${component} NAMELINK_COMPONENT development
+    RUNTIME COMPONENT ${component}
+    ARCHIVE COMPONENT development)
+endfunction()
+
 # Installs the CMake package `package` with the targets of its export set, under `namespace`.
 function(tessary_install_package package namespace directory)
   configure_package_config_file(cmake/${package}Config.cmake.in
     ${PROJECT_BINARY_DIR}/cmake/${package}Config.cmake INSTALL_DESTINATION ${directory})
   write_basic_package_version_file(${PROJECT_BINARY_DIR}/cmake/${package}ConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
-  install(EXPORT ${package}Targets NAMESPACE ${namespace} DESTINATION ${directory})
+  install(EXPORT ${package}Targets NAMESPACE ${namespace} DESTINATION ${directory}
+    COMPONENT development)
   install(FILES
     ${PROJECT_BINARY_DIR}/cmake/${package}Config.cmake
     ${PROJECT_BINARY_DIR}/cmake/${package}ConfigVersion.cmake
-    DESTINATION ${directory})
+    DESTINATION ${directory} COMPONENT development)
 endfunction()
 
-tessary_install_rpath(tessary ${CMAKE_INSTALL_FULL_LIBDIR})
-install(TARGETS tessary EXPORT TessaryTargets)
-install(DIRECTORY include/Tessary DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+tessary_install_library(tessary kernels TessaryTargets)
+install(DIRECTORY include/Tessary DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 # A component of the package, with an export set of its own: who wants the kernels alone need not have
 # it.
 if(TARGET tessary_mesh)
-  tessary_install_rpath(tessary_mesh ${CMAKE_INSTALL_FULL_LIBDIR})
-  install(TARGETS tessary_mesh EXPORT TessaryMeshTargets)
-  install(EXPORT TessaryMeshTargets NAMESPACE Tessary:: DESTINATION ${tessary_package_dir})
-  install(DIRECTORY mesh/include/TessaryMesh DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  tessary_install_library(tessary_mesh mesh TessaryMeshTargets)
+  install(EXPORT TessaryMeshTargets NAMESPACE Tessary:: DESTINATION ${tessary_package_dir}
+    COMPONENT development)
+  install(DIRECTORY mesh/include/TessaryMesh DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT development)
 endif()
 
 if(TESSARY_HOST_PACKAGE)
   set(tessary_host_package ${TESSARY_HOST_PACKAGE})
 else()
   set(tessary_host_package KorvaneEmbedded)
-  install(TARGETS korvane_embedded EXPORT KorvaneEmbeddedTargets)
-  install(DIRECTORY embedded/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  tessary_install_library(korvane_embedded host KorvaneEmbeddedTargets)
+  install(DIRECTORY embedded/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
   tessary_install_package(KorvaneEmbedded Korvane:: ${tessary_host_dir})
 
   # Which libraries another host consists of, only its CMake package says.
@@ -61,15 +72,15 @@ else()
   foreach(module ${tessary_modules})
     configure_file(cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/cmake/${module}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/cmake/${module}.pc
-      DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+      DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
   endforeach()
 endif()
 tessary_install_package(Tessary Tessary:: ${tessary_package_dir})
 
 if(TESSARY_BUILD_PROGRAM)
   tessary_install_rpath(tessary_program ${CMAKE_INSTALL_FULL_BINDIR})
-  install(TARGETS tessary_program)
-  install(DIRECTORY cli/schemas DESTINATION ${CMAKE_INSTALL_DATADIR}/tessary)
+  install(TARGETS tessary_program RUNTIME COMPONENT program)
+  install(DIRECTORY cli/schemas DESTINATION ${CMAKE_INSTALL_DATADIR}/tessary COMPONENT program)
 endif()
 if(TESSARY_BUILD_PROGRAM AND NOT CMAKE_CROSSCOMPILING)
   set(tessary_shell ${PROJECT_BINARY_DIR}/cli/shell)
@@ -77,12 +88,15 @@ if(TESSARY_BUILD_PROGRAM AND NOT CMAKE_CROSSCOMPILING)
   if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS /etc/debian_version)
     set(tessary_zsh_dir vendor-completions)
   endif()
-  install(FILES ${tessary_shell}/tessary.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  if(NOT TESSARY_DEBIAN_PACKAGES)
+    install(FILES ${tessary_shell}/tessary.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
+  endif()
   install(FILES ${tessary_shell}/tessary
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-  install(FILES ${tessary_shell}/_tessary DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${tessary_zsh_dir})
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT program)
+  install(FILES ${tessary_shell}/_tessary
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${tessary_zsh_dir} COMPONENT program)
   install(FILES ${tessary_shell}/tessary.fish
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT program)
 endif()
 
 # Where Python looks: in Debian's prefixes, and in any other.
@@ -98,9 +112,10 @@ if(TARGET tessary_python)
   tessary_install_rpath(tessary_python
     ${CMAKE_INSTALL_PREFIX}/${TESSARY_PYTHON_INSTALL_DIR}/tessary)
   set_property(TARGET tessary_python APPEND PROPERTY INSTALL_RPATH "$ORIGIN")
-  install(TARGETS tessary_python DESTINATION ${TESSARY_PYTHON_INSTALL_DIR}/tessary)
+  install(TARGETS tessary_python DESTINATION ${TESSARY_PYTHON_INSTALL_DIR}/tessary COMPONENT python)
   list(TRANSFORM tessary_package_files PREPEND python/tessary/ OUTPUT_VARIABLE tessary_package)
-  install(FILES ${tessary_package} DESTINATION ${TESSARY_PYTHON_INSTALL_DIR}/tessary)
+  install(FILES ${tessary_package} DESTINATION ${TESSARY_PYTHON_INSTALL_DIR}/tessary
+    COMPONENT python)
 
   # What a wheel holds: the libraries lie beside the module, TBB and minizip too, which other systems have elsewhere.
   install(TARGETS tessary_python tessary tessary_mesh korvane_embedded

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Makes the archive twice, from copies of the sources in different folders and with other clocks, and compares the
+# bytes.
+#
+# usage: compare.sh [WORK]     the folder to work in; build/compare
+set -euo pipefail
+
+root=$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/..
+work=${1-$root/build/compare}
+rm -rf "$work"
+mkdir -p "$work"
+work=$(readlink -f -- "$work")
+SOURCE_DATE_EPOCH=$(git -C "$root" log -1 --format=%ct)
+export SOURCE_DATE_EPOCH
+
+# make_in FOLDER BUILD: sources in FOLDER, built in BUILD, which lie at different depths and under other names.
+make_in() {
+    git clone -q "$root" "$1"
+    "$1/packaging/archive.sh" "$1" "$2" "$work/out-$3"
+}
+
+make_in "$work/first" "$work/first/build" 1
+(
+    umask 077
+    export TZ=Pacific/Auckland LC_ALL=C.UTF-8
+    make_in "$work/somewhere else/second" "$work/built/elsewhere" 2
+)
+sha256sum "$work"/out-?/*
+if ! cmp "$work"/out-1/* "$work"/out-2/*; then
+    for side in 1 2; do
+        mkdir "$work/unpacked-$side"
+        tar -xf "$work/out-$side"/*.tar.xz -C "$work/unpacked-$side"
+    done
+    diff -rq "$work/unpacked-1" "$work/unpacked-2" >&2 || true
+    exit 1
+fi
