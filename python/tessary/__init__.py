@@ -1,7 +1,7 @@
 """Geometry processing on meshes: numpy in, numpy out, nothing copied, the same bits on every machine.
 
 >>> import tessary as ts
->>> mesh = ts.demo_mesh(8)                      # or ts.read("roof.obj"), or ts.Mesh(points, faces)
+>>> mesh = ts.demo_mesh(64)                     # or ts.read("roof.obj"), or ts.Mesh(points, faces)
 >>> print(ts.validate(mesh))
 valid
 >>> samples = mesh.triangulate().sample(distance="10%", seed=7)
