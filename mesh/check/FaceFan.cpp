@@ -16,11 +16,23 @@ double largest(const float3& p)
     return std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
 }
 
+// Whether neither triangle of a quad's fan is turned over, seen along the quad's normal: true of all but a few,
+// for which nothing more need be looked at.
+bool isSplitWell(const Array<float3>& points, const uint* corners)
+{
+    const float3& first = points[corners[0]];
+    const double3 diagonal = difference(points[corners[2]], first);
+    const double3 a = cross(difference(points[corners[1]], first), diagonal);
+    const double3 b = cross(diagonal, difference(points[corners[3]], first));
+    const double between = dot(a, b);
+    return dot(a, a) + between > 0 && dot(b, b) + between > 0;
+}
+
 }  // namespace
 
 FaceFan::Fit FaceFan::look(const Array<float3>& points, const uint* corners, uint size)
 {
-    if (size <= 3)
+    if (size <= 3 || (size == 4 && isSplitWell(points, corners)))
         return Fit::Fits;
     m_planar.set(points, corners, size);
     const bool isTurnedOver = !m_planar.fitsFan();
