@@ -1,3 +1,5 @@
+include(${CMAKE_CURRENT_LIST_DIR}/FloatingPoint.cmake)
+
 # What every target of this project is compiled with.
 #
 # Floating-point results are part of the library's contract, so multiply-adds are never contracted
@@ -8,7 +10,7 @@ function(tessary_target target)
     CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
-  target_compile_options(${target} PRIVATE
+  target_compile_options(${target} PRIVATE ${TESSARY_FLOAT_OPTIONS}
     $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off -ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -Wall -Wextra -Wshadow>
     $<$<CXX_COMPILER_ID:MSVC>:/fp:precise /W4>)
 endfunction()

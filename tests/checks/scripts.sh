@@ -2,4 +2,4 @@
 # The shell scripts hold what shellcheck asks for.
 set -euo pipefail
 
-shellcheck dev .ci/run tests/checks/*.sh packaging/*.sh packaging/debian/*.sh
+shellcheck dev .ci/run tests/checks/*.sh packaging/*.sh packaging/debian/*.sh trials/*.sh
