@@ -2,7 +2,8 @@
 # Makes an archive of what is installed that runs wherever it is unpacked: libraries find each other beside them,
 # and those that other systems may lack, TBB and minizip, lie there too.
 #
-# usage: archive.sh SOURCE BUILD OUTPUT     BUILD is a build folder, OUTPUT the folder of the archive
+# usage: archive.sh SOURCE BUILD OUTPUT [OPTION...]     BUILD is a build folder, OUTPUT the folder of the archive,
+#                                                       options are those of cmake
 #
 # The same sources give the same bytes: SOURCE_DATE_EPOCH is the time of every file, and no path of this machine
 # is in any of them.
@@ -38,8 +39,9 @@ add_papers() {
     } >"$1/share/doc/tessary/copyright"
 }
 
-cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_LIBDIR=lib \
-    -DTESSARY_BUILD_TESTS=OFF -DTESSARY_BUILD_PYTHON=ON -DTESSARY_WITH_ASSIMP=OFF >&2
+cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/opt/tessary \
+    -DCMAKE_INSTALL_LIBDIR=lib -DTESSARY_BUILD_TESTS=OFF -DTESSARY_BUILD_PYTHON=ON -DTESSARY_WITH_ASSIMP=OFF \
+    "${@:4}" >&2
 cmake --build "$build" --parallel "$(nproc)" >&2
 rm -rf "${build:?}/stage"
 cmake --install "$build" --strip --prefix "$build/stage/$name" >/dev/null

@@ -2,21 +2,22 @@
 # Makes the archive twice, from copies of the sources in different folders and with other clocks, and compares the
 # bytes.
 #
-# usage: compare.sh [WORK]     the folder to work in; build/compare
+# usage: compare.sh [OPTION...]     options are those of cmake, for a part of the archive
 set -euo pipefail
 
 root=$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/..
-work=${1-$root/build/compare}
+work=$root/build/compare
+options=("$@")
 rm -rf "$work"
 mkdir -p "$work"
 work=$(readlink -f -- "$work")
 SOURCE_DATE_EPOCH=$(git -C "$root" log -1 --format=%ct)
-export SOURCE_DATE_EPOCH
+export SOURCE_DATE_EPOCH CCACHE_DISABLE=1  # else the second would be the first
 
 # make_in FOLDER BUILD: sources in FOLDER, built in BUILD, which lie at different depths and under other names.
 make_in() {
     git clone -q "$root" "$1"
-    "$1/packaging/archive.sh" "$1" "$2" "$work/out-$3"
+    "$1/packaging/archive.sh" "$1" "$2" "$work/out-$3" "${options[@]}"
 }
 
 make_in "$work/first" "$work/first/build" 1

@@ -1,6 +1,7 @@
 #include "base/MachineMemory.h"
 
-#include <unistd.h>
+#include "system/System.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
@@ -35,8 +36,7 @@ bool hasMemory(const std::string& controllers)
 std::uint64_t machineMemory(const std::string& root)
 {
     const std::string groups = root + "/sys/fs/cgroup";
-    std::uint64_t bytes = static_cast<std::uint64_t>(sysconf(_SC_PHYS_PAGES)) *
-                          static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+    std::uint64_t bytes = System::physicalMemory();
     bytes = leastLimit(groups, "", "memory.max", bytes);
     bytes = leastLimit(groups + "/memory", "", "memory.limit_in_bytes", bytes);
     // Each line is a hierarchy, its controllers, none for version 2, and the group: "4:memory:/a/b".

@@ -3,11 +3,7 @@
 #include "base/Host.h"
 #include "base/MachineMemory.h"
 #include "files/FileErrors.h"
-
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "system/System.h"
 
 #include <algorithm>
 #include <cerrno>

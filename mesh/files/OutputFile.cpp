@@ -3,15 +3,9 @@
 #include "files/Deflate.h"
 #include "files/FileErrors.h"
 #include "files/TemporaryFile.h"
-
-#include <fcntl.h>
-#include <poll.h>
-#include <stdlib.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "system/System.h"
 
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <memory>

@@ -1,13 +1,10 @@
 #include "files/TemporaryFile.h"
 
 #include "files/UnfinishedFiles.h"
-
-#include <fcntl.h>
-#include <unistd.h>
+#include "system/System.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
 namespace TessaryMesh {
@@ -99,7 +96,7 @@ bool TemporaryFile::moveIntoPlace(bool overwrite)
         if (!overwrite && ::link(m_name.c_str(), m_target.c_str()) == 0)
             return ::unlink(m_name.c_str()) == 0;
         const bool isTaken = !overwrite && errno == EEXIST;  // else it cannot make hard links
-        return !isTaken && std::rename(m_name.c_str(), m_target.c_str()) == 0;
+        return !isTaken && System::replaceFile(m_name.c_str(), m_target.c_str());
     };
     if (!UnfinishedFiles::remove(m_name, move))
         return false;

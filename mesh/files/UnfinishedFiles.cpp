@@ -2,7 +2,7 @@
 
 #include <TessaryMesh/Files.h>
 
-#include <unistd.h>
+#include "system/System.h"
 
 #include <algorithm>
 #include <mutex>

@@ -17,7 +17,7 @@ import sys
 from pathlib import Path
 
 BATCH = 8
-FOLDERS = ("cli", "python", "src", "embedded", "mesh")  # those that take longest first
+FOLDERS = ("cli", "python", "src", "embedded", "mesh", "system")  # those that take longest first
 # The program is built with a precompiled header, which only the compiler that made it can read.
 NOT_FOR_CLANG = re.compile(r"^\S*/ccache |-Winvalid-pch -include \S+| -o \S+| -c \S+")
 
