@@ -4,15 +4,11 @@
 #include "Program.h"
 #include "QuietThread.h"
 
+#include "system/System.h"
+
 #include <TessaryMesh/Files.h>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
 #include <chrono>
-#include <climits>
-#include <csignal>
-#include <initializer_list>
 #include <utility>
 
 namespace Cli {
@@ -27,7 +23,8 @@ int s_wake[2] = {-1, -1};  // closed when there is nothing left to watch
 bool hasRoom(int descriptor, std::size_t bytes)
 {
     pollfd wanted = {descriptor, POLLOUT, 0};
-    return bytes <= PIPE_BUF && poll(&wanted, 1, 0) == 1 && (wanted.revents & POLLOUT) != 0;
+    return bytes <= System::pipeRoom() && poll(&wanted, 1, 0) == 1 &&
+           (wanted.revents & POLLOUT) != 0;
 }
 
 void cancelJob(int)
@@ -37,26 +34,13 @@ void cancelJob(int)
     [[maybe_unused]] const ssize_t written = write(s_wake[1], "", 1);
 }
 
-void handle(int signal)
-{
-    struct sigaction action = {};
-    if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
-        return;
-    // No restart, so that waiting for input ends; reset, so that a second signal ends the program.
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    action.sa_handler = cancelJob;
-    sigemptyset(&action.sa_mask);
-    sigaction(signal, &action, nullptr);
-}
-
 }  // namespace
 
 Interrupt::Interrupt() : m_scope(s_job)
 {
-    if (pipe2(s_wake, O_CLOEXEC | O_NONBLOCK) == 0)
+    if (System::makeWakePipe(s_wake))
         m_thread = quietThread([this] { watch(); });
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        handle(signal);
+    System::onInterruption(cancelJob);
 }
 
 Interrupt::~Interrupt()

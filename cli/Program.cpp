@@ -2,10 +2,10 @@
 
 #include "Console.h"
 #include "Words.h"
+#include "system/System.h"
 
 #include <TessaryMesh/Errors.h>
 
-#include <unistd.h>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>

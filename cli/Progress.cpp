@@ -2,8 +2,8 @@
 
 #include "Console.h"
 #include "QuietThread.h"
+#include "system/System.h"
 
-#include <unistd.h>
 #include <algorithm>
 #include <utility>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <pthread.h>
-#include <csignal>
+#include "system/System.h"
+
 #include <system_error>
 #include <thread>
 
@@ -12,16 +12,13 @@ namespace Cli {
 template <class Work>
 std::thread quietThread(const Work& work)
 {
-    sigset_t all, old;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &old);
+    const System::SignalsHeldBack held;
     std::thread thread;
     try {
         thread = std::thread(work);
     } catch (const std::system_error&) {
         // Then a stop may take longer, and no progress is shown.
     }
-    pthread_sigmask(SIG_SETMASK, &old, nullptr);
     return thread;
 }
 

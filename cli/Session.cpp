@@ -4,12 +4,12 @@
 #include "Failures.h"
 #include "Threads.h"
 #include "Words.h"
+#include "system/System.h"
 
 #include <Tessary/Progress.h>
 #include <TessaryMesh/Errors.h>
 #include <nlohmann/json.hpp>
 
-#include <unistd.h>
 #include <new>
 
 namespace Cli {

@@ -6,11 +6,11 @@
 #include "Session.h"
 #include "Verbs.h"
 #include "Version.h"
+#include "system/System.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <unistd.h>
 #include <map>
 
 namespace {
