@@ -21,7 +21,7 @@ add_foreign_libraries() {
     while read -r soname path; do
         install -m 644 "$path" "$target/$soname"
         strip --strip-unneeded "$target/$soname"
-    done < <(ldd "$target/libtessary_mesh.so" | awk '$1 ~ /^lib(tbb|minizip)\./ { print $1, $3 }')
+    done < <(ldd "$target"/lib*.so | sort -u | awk '$1 ~ /^lib(tbb|minizip)\./ { print $1, $3 }')
 }
 
 add_papers() {

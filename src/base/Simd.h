@@ -6,8 +6,8 @@
 //   Float4, Int4, Double2   lanes 0 to 3, or 0 and 1; a point x, y, z has its numbers in lanes 0 to 2
 //   Mask4                   what a comparison of lanes says; bitsOf() is one bit a lane, lane 0 lowest
 //
-// Every operation rounds each lane as the plain operation does, so kernels have the same bits with
-// SSE2 and, where that is missing or TESSARY_SCALAR_LANES is defined, with SimdScalar.h:
+// Every operation rounds each lane as the plain operation does, so kernels have the same bits with SSE2, with
+// AArch64's vectors and, elsewhere or where TESSARY_SCALAR_LANES is defined, with SimdScalar.h:
 //
 //   load3(p), store3(p, a)        a point; lane 3 is loaded as 0. Neither touches what follows the point
 //   load4(p)                      from memory of any alignment
@@ -35,6 +35,8 @@
 
 #if defined(__SSE2__) && !defined(TESSARY_SCALAR_LANES)
 #include "base/SimdSse2.h"
+#elif defined(__aarch64__) && !defined(__AARCH64EB__) && !defined(TESSARY_SCALAR_LANES)
+#include "base/SimdNeon.h"
 #else
 #include "base/SimdScalar.h"
 #endif
