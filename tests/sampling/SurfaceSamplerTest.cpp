@@ -48,6 +48,22 @@ TEST(Elimination, EqualsTheLiteralWalkOnAnyPointsWithAndWithoutFixedOnes)
     }
 }
 
+// Pairs that are near in one order of the sum and far in another.
+TEST(Elimination, SumsSquaresInTheWrittenOrder)
+{
+    std::mt19937 random(1);
+    for (int found = 0; found < 20;) {
+        float3 p{std::fabs(randomCoordinate(random)), std::fabs(randomCoordinate(random)), 0};
+        p.z = std::sqrt(std::max(0.0f, 1 - (p.y * p.y + p.x * p.x)));
+        const float x = p.x * p.x, y = p.y * p.y, z = p.z * p.z;
+        const bool isNear = (y + x) + z <= 1;
+        if (p.z >= 1 || ((z + y) + x <= 1) == isNear || ((x + z) + y <= 1) == isNear)
+            continue;
+        ++found;
+        EXPECT_EQ(Tessary::eliminate({{0, 0, 0}, p}, 1)[1] != 0, isNear) << p.x << ' ' << p.y;
+    }
+}
+
 // A second call appends, and its random numbers are those after the first one's.
 TEST(SurfaceSampler, DrawsTheLiteralCandidatesCallAfterCall)
 {
