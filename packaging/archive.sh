@@ -39,8 +39,11 @@ add_papers() {
     } >"$1/share/doc/tessary/copyright"
 }
 
+# Where libraries lie while they are built would leave a trace in their id, though it is replaced when they are
+# installed: it is said relative to them.
 cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/opt/tessary \
     -DCMAKE_INSTALL_LIBDIR=lib -DTESSARY_BUILD_TESTS=OFF -DTESSARY_BUILD_PYTHON=ON -DTESSARY_WITH_ASSIMP=OFF \
+    -DCMAKE_BUILD_RPATH_USE_ORIGIN=ON \
     "${@:4}" >&2
 cmake --build "$build" --parallel "$(nproc)" >&2
 rm -rf "${build:?}/stage"
