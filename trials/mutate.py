@@ -101,7 +101,8 @@ def prepare():
     else:
         subprocess.run(["git", "worktree", "add", "--quiet", "--force", "--detach", COPY, commit], cwd=ROOT, check=True)
     subprocess.run(["cmake", "-S", COPY, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=RelWithDebInfo",
-                    "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1", "-DTESSARY_BUILD_PROGRAM=OFF", "-DTESSARY_BUILD_PYTHON=OFF"],
+                    "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1", "-DTESSARY_CHECKED=ON",
+                    "-DTESSARY_BUILD_PROGRAM=OFF", "-DTESSARY_BUILD_PYTHON=OFF"],
                    check=True, stdout=subprocess.DEVNULL)
 
 
