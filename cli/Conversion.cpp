@@ -67,8 +67,10 @@ void Conversion::write(
 
 void Conversion::write(const TessaryMesh::Result& result)
 {
+    Korvane::Object mesh = *result.mesh;
+    TessaryMesh::moveMaterialLibrary(mesh, m_inputPath, m_outputPath);
     write([&](TessaryMesh::OutputFile& output) {
-        auto warnings = TessaryMesh::writeMesh(*result.mesh, m_format, output);
+        auto warnings = TessaryMesh::writeMesh(mesh, m_format, output);
         if (m_maps)
             TessaryMesh::writeArrays(result.parents.arrays(), mapsFormatFor(m_maps->path()),
                                      *m_maps);

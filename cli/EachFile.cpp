@@ -6,6 +6,7 @@
 
 #include <Pelon/Job.h>
 #include <Tessary/Progress.h>
+#include <TessaryMesh/Memory.h>
 
 #include <algorithm>
 #include <exception>
@@ -61,6 +62,7 @@ ExitCode Batch::run(unsigned jobs)
     m_session.beginStage("");
     tellProgress();
     m_threads = std::max(1u, threadCount() / jobs);
+    TessaryMesh::shareMemory(jobs);
     std::vector<std::thread> others;
     for (unsigned job = 1; job < jobs; ++job)
         others.push_back(quietThread([this] { workOff(); }));

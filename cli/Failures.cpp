@@ -34,36 +34,6 @@ Json orNull(const std::string& text)
     return text.empty() ? Json() : Json(text);
 }
 
-const char* codeOf(const FileError& error)
-{
-    using Code = FileError::Code;
-    switch (error.code()) {
-        case Code::NotFound:
-            return "not-found";
-        case Code::IsFolder:
-            return "is-folder";
-        case Code::Unreadable:
-            return "unreadable";
-        case Code::Empty:
-            return "empty";
-        case Code::Malformed:
-            return "malformed";
-        case Code::Unsupported:
-            return "unsupported";
-        case Code::TooLarge:
-            return "too-large";
-        case Code::Exists:
-            return "exists";
-        case Code::NoFolder:
-            return "no-folder";
-        case Code::Unwritable:
-            return "unwritable";
-        case Code::OverLimit:
-            return "over-limit";
-    }
-    return "file";
-}
-
 Json placeOf(const FileError::Place& place)
 {
     Json facts;
@@ -124,8 +94,8 @@ Failure currentFailure(const std::string& subject, const std::string& verb)
     } catch (const UsageError& error) {
         return usageFailure(error.what(), verb);
     } catch (const FileError& error) {
-        return failure(ExitCode::File, codeOf(error), lineOf(error), orNull(error.file()),
-                       placeOf(error.place()));
+        return failure(ExitCode::File, TessaryMesh::nameOf(error.code()), lineOf(error),
+                       orNull(error.file()), placeOf(error.place()));
     } catch (const InvalidMesh& error) {
         return failureOf(error, subject, verb);
     } catch (const TessaryMesh::OutOfMemory& error) {

@@ -33,8 +33,9 @@ TessaryMesh::PageModel modelOf(const std::string& path, Session& session)
 {
     session.setSubject(path);
     session.beginStage("reading " + path);
-    TessaryMesh::MeshRead input = TessaryMesh::readMeshUnchecked(path);
+    TessaryMesh::MeshRead input = TessaryMesh::readMeshUnchecked(path, {session.settings.maxInput});
     session.warn(input.warnings);
+    warnOfNothing(*input.mesh, session);
     return {path == "-" ? "standard input" : std::filesystem::path(path).filename().string(),
             input.mesh};
 }

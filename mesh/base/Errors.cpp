@@ -34,6 +34,36 @@ std::string Problem::line() const
            "; " + advice;
 }
 
+const char* nameOf(FileError::Code code) noexcept
+{
+    using Code = FileError::Code;
+    switch (code) {
+        case Code::NotFound:
+            return "not-found";
+        case Code::IsFolder:
+            return "is-folder";
+        case Code::Unreadable:
+            return "unreadable";
+        case Code::Empty:
+            return "empty";
+        case Code::Malformed:
+            return "malformed";
+        case Code::Unsupported:
+            return "unsupported";
+        case Code::TooLarge:
+            return "too-large";
+        case Code::Exists:
+            return "exists";
+        case Code::NoFolder:
+            return "no-folder";
+        case Code::Unwritable:
+            return "unwritable";
+        case Code::OverLimit:
+            return "over-limit";
+    }
+    return "file";
+}
+
 bool ValidationReport::hasErrors() const
 {
     return firstError() != nullptr;

@@ -1,14 +1,18 @@
 #include "base/MachineMemory.h"
 
+#include <TessaryMesh/Memory.h>
+
 #include "system/System.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <fstream>
 
 namespace TessaryMesh {
-
 namespace {
+
+std::atomic<unsigned> jobsAtOnce{1};
 
 // The least limit of a group and of those around it, at most `most`. A container may see no more of them
 // than its own one, as the outermost.
@@ -50,7 +54,12 @@ std::uint64_t machineMemory(const std::string& root)
         else if (hasMemory(controllers))
             bytes = leastLimit(groups + "/memory", group, "memory.limit_in_bytes", bytes);
     }
-    return bytes;
+    return bytes / jobsAtOnce.load(std::memory_order_relaxed);
+}
+
+void shareMemory(unsigned jobs) noexcept
+{
+    jobsAtOnce.store(std::max(1u, jobs), std::memory_order_relaxed);
 }
 
 std::string memoryText(double bytes)

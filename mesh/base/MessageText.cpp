@@ -1,6 +1,7 @@
 #include "base/MessageText.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace TessaryMesh {
 namespace {
@@ -87,6 +88,13 @@ std::string quoted(std::string_view text)
         i += std::max<std::size_t>(length, 1);
     }
     return out + (i < text.size() ? "...\"" : "\"");
+}
+
+std::string measureText(double number)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.6g", number);
+    return text;
 }
 
 }  // namespace TessaryMesh

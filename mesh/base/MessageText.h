@@ -20,4 +20,7 @@ std::vector<char32_t> charactersOf(std::string_view text);
 /// `text` in quotation marks for a message: shortened, and with "?" for bytes that cannot be shown.
 std::string quoted(std::string_view text);
 
+/// A number of six digits, as measures are told: "0.245497".
+std::string measureText(double number);
+
 }  // namespace TessaryMesh

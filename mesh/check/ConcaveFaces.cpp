@@ -3,20 +3,12 @@
 #include "base/Guard.h"
 #include "base/Host.h"
 #include "base/MeshArrays.h"
+#include "base/MessageText.h"
 #include "check/FaceFan.h"
 #include "check/ValidateParts.h"
 
-#include <cstdio>
-
 namespace TessaryMesh {
 namespace {
-
-std::string text(double number)
-{
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.6g", number);
-    return buffer;
-}
 
 struct Found {
     Finding concave{Problem::Severity::Warning, "concave-face",
@@ -64,8 +56,8 @@ private:
     void tell(Finding& finding, std::size_t face) const
     {
         finding.add(Problem::Element::Face, face, [&] {
-            return "face " + str(face) + " (area " + text(m_fan.area()) + ", as a fan " +
-                   text(m_fan.fanArea()) + ")";
+            return "face " + str(face) + " (area " + measureText(m_fan.area()) + ", as a fan " +
+                   measureText(m_fan.fanArea()) + ")";
         });
     }
 

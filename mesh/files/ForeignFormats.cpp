@@ -54,6 +54,17 @@ constexpr Mark kMarksInside[] = {
     {0, "<HTML", "an HTML page"},
 };
 
+struct Ending {
+    std::string_view title, ending;
+};
+
+constexpr Ending kEndings[] = {
+    {"a binary FBX file", "fbx"}, {"an FBX file", "fbx"}, {"a Blender file", "blend"},
+    {"a VRML file", "wrl"},       {"an X3D file", "x3d"}, {"a DirectX file", "x"},
+    {"a DXF file", "dxf"},        {"a 3DS file", "3ds"},  {"a LightWave file", "lwo"},
+    {"a 3MF file", "3mf"},        {"an AMF file", "amf"}, {"a COLLADA file", "dae"},
+};
+
 bool contains(std::string_view bytes, std::string_view part)
 {
     return bytes.find(part) != std::string_view::npos;
@@ -95,6 +106,15 @@ std::string_view foreignFormat(const FileSigns& file)
         if (contains(bytes, mark.bytes))
             return mark.title;
     return "an XML file";
+}
+
+std::string_view foreignEnding(const FileSigns& file)
+{
+    const std::string_view title = foreignFormat(file);
+    for (const Ending& each : kEndings)
+        if (each.title == title)
+            return each.ending;
+    return "";
 }
 
 }  // namespace TessaryMesh

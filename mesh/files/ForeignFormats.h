@@ -10,4 +10,7 @@ namespace TessaryMesh {
 /// known, as for most text.
 std::string_view foreignFormat(const FileSigns& file);
 
+/// How names of such files end, "blend", where libassimp may read them; else empty.
+std::string_view foreignEnding(const FileSigns& file);
+
 }  // namespace TessaryMesh

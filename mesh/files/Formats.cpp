@@ -2,6 +2,7 @@
 
 #include "base/MessageText.h"
 #include "files/Deflate.h"
+#include "files/ForeignFormats.h"
 #include "files/assimp/Assimp.h"
 #include "files/gltf/Gltf.h"
 #include "files/json/Json.h"
@@ -81,12 +82,16 @@ bool recognisesNpz(const FileSigns& file)
 }
 
 #ifdef TESSARY_WITH_ASSIMP
-// What has no mark here, by the ending alone; ours are read by us.
+// By the ending, or by a mark of its own, which is all that a stream has; what is named like ours is
+// none of theirs.
 bool recognisesOther(const FileSigns& file)
 {
+    if (formatOfName(file.name))
+        return false;
+    const std::string_view mark = foreignEnding(file);
     const std::size_t dot = file.name.rfind('.');
-    return dot != std::string_view::npos && !formatOfName(file.name) &&
-           readsWithAssimp(file.name.substr(dot + 1));
+    return (!mark.empty() && readsWithAssimp(mark)) ||
+           (dot != std::string_view::npos && readsWithAssimp(file.name.substr(dot + 1)));
 }
 #endif
 

@@ -52,7 +52,13 @@ public:
                 m_offsets.emplace(*target, name);  // unless an earlier one is there
     }
 
-    void addValue(const String& name) { add({name, String(), String()}, Kind::OwnValue); }
+    void addValue(const String& name)
+    {
+        if (name == "subdivision_tags" && !tagsFollow())
+            leaveOut("value", name);
+        else
+            add({name, String(), String()}, Kind::OwnValue);
+    }
 
     void addProperty(const String& name)
     {
@@ -67,6 +73,15 @@ public:
     PropertyPlan take() { return std::move(m_plan); }
 
 private:
+    // They number points, which only triangles keep, but holes are faces.
+    bool tagsFollow() const
+    {
+        const Any value = m_mesh.getProperty("subdivision_tags");
+        const String* const tags = value.get<String>();
+        return m_onto == Onto::Triangles && tags &&
+               ("\n" + std::string(tags->view())).find("\nhole") == std::string::npos;
+    }
+
     void add(const ElementProperty& property, Kind kind)
     {
         m_plan.carried.push_back({property, kind});

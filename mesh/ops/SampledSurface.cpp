@@ -8,6 +8,7 @@
 #include "base/Host.h"
 #include "base/MachineMemory.h"
 #include "base/MeshArrays.h"
+#include "base/MessageText.h"
 #include "base/Vectors.h"
 #include "ops/CountSearch.h"
 
@@ -15,7 +16,6 @@
 #include <tbb/parallel_reduce.h>
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <new>
 
 namespace TessaryMesh {
@@ -38,18 +38,11 @@ constexpr double kCandidatesPerSample = 11.25;  // measured on smooth surfaces
     throw InvalidMesh(Problem{Problem::Severity::Error, code, message, 1, {}, advice});
 }
 
-std::string text(double number)
-{
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.6g", number);
-    return buffer;
-}
-
 // Rounded up to few digits, so that what is advised does fit.
 std::string textAbove(double number)
 {
     const double digit = std::pow(10, std::floor(std::log10(number)) - 2);
-    return text((std::floor(number / digit) + 1) * digit);
+    return measureText((std::floor(number / digit) + 1) * digit);
 }
 
 // What is wrong with so many candidates on this machine; empty where nothing is.
@@ -160,19 +153,19 @@ void SampledSurface::checkDistance(float distance) const
     if (!(distance > 0) || !std::isfinite(distance))
         throw ArgumentError("distance", "the distance is not a number above zero that is finite");
     const std::string advice = " (take a distance from " + textAbove(leastDistance()) + " on";
-    const std::string asked = "the distance " + text(distance);
+    const std::string asked = "the distance " + measureText(distance);
     if (distance < kLeastSquarable)
         throw ArgumentError("distance", asked + " is too small for single precision" + advice +
                                             ", or scale the mesh up)");
     const double count = candidates(distance);
     if (count > kMostCandidates)
-        throw ArgumentError("distance", asked + " asks for " + text(count) +
+        throw ArgumentError("distance", asked + " asks for " + measureText(count) +
                                             " candidates, which 32 bits cannot number" + advice +
                                             ")");
     if (m_farthest / distance > kMostCells)
         throw ArgumentError(
             "distance", asked + " is too small for a mesh that reaches as far from the origin as " +
-                            text(m_farthest) + advice + ", or move the mesh to the origin)");
+                            measureText(m_farthest) + advice + ", or move the mesh to the origin)");
     if (const std::string lack = lackOfMemory(count); !lack.empty())
         throw OutOfMemory("", asked + lack + advice + ")", count * kCandidateBytes);
 }
@@ -191,7 +184,7 @@ SurfaceSamples SampledSurface::sample(float distance, uint seed) const
         guarded(
             [&] { Tessary::poissonSampleTriMesh(distance, seed, *m_triangles, out, &services); });
     } catch (const OutOfMemory&) {
-        throw OutOfMemory("", "the distance " + text(distance) +
+        throw OutOfMemory("", "the distance " + measureText(distance) +
                                   " needs more memory than is free (take a larger one, or fewer "
                                   "samples)");
     }

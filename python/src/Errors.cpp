@@ -11,35 +11,6 @@ using TessaryMesh::ArrayError;
 using TessaryMesh::FileError;
 using TessaryMesh::Problem;
 
-const char* nameOf(FileError::Code code)
-{
-    using Code = FileError::Code;
-    switch (code) {
-        case Code::NotFound:
-            return "not-found";
-        case Code::IsFolder:
-            return "is-folder";
-        case Code::Unreadable:
-            return "unreadable";
-        case Code::Empty:
-            return "empty";
-        case Code::Malformed:
-            return "malformed";
-        case Code::Unsupported:
-            return "unsupported";
-        case Code::TooLarge:
-            return "too-large";
-        case Code::Exists:
-            return "exists";
-        case Code::NoFolder:
-            return "no-folder";
-        case Code::OverLimit:
-            return "over-limit";
-        default:
-            return "unwritable";
-    }
-}
-
 const char* nameOf(ArrayError::Code code)
 {
     using Code = ArrayError::Code;

@@ -34,7 +34,12 @@ TEST_F(StandardStreams, AFullOrClosedOutputExitsWithThreeAndALine)
 
 TEST_F(StandardStreams, TooMuchInputIsRefusedWithTheOption)
 {
-    expectRefusal(run({"info", "-", "--max-input", "100"}, {house, "", {}}), 3, "--max-input");
+    for (const Names& verb : {Names{"info", "-"}, Names{"validate", "-"},
+                              Names{"view", "-", "-o", folder / "page.html"}}) {
+        Names arguments = verb;
+        arguments.insert(arguments.end(), {"--max-input", "100"});
+        expectRefusal(run(arguments, {house, "", {}}), 3, "--max-input");
+    }
     EXPECT_EQ(run({"info", "-", "--max-input", "1K"}, {house, "", {}}).exitCode, 0);
     expectRefusal(run({"validate", "/dev/zero"}), 3, "byte 0 is 0");
 }

@@ -23,6 +23,21 @@ TEST_F(TriangulateVerb, ReportsCountsPropertiesAndTimes)
                                   "values": {"material_library": "house.mtl"}})");
 }
 
+TEST_F(TriangulateVerb, MaterialsLeadToTheSameFileFromAnotherFolder)
+{
+    const auto libraryOf = [&](const std::string& text, const std::string& path) {
+        folder.file("in.obj", "mtllib " + text + "\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+        reportOf({"triangulate", folder / "in.obj", "-o", folder / path, "--force"});
+        return infoOf(folder / path)["values"]["material_library"];
+    };
+    std::filesystem::create_directories(folder / "a b/c");
+    folder.file("my house.mtl", "");
+    EXPECT_EQ(libraryOf("house.mtl", "out.obj"), "house.mtl");
+    EXPECT_EQ(libraryOf("house.mtl", "a b/c/out.obj"), "../../house.mtl");
+    EXPECT_EQ(libraryOf("my house.mtl", "a b/out.npz"), "../my house.mtl");
+    EXPECT_EQ(libraryOf("a.mtl b.mtl /x/c.mtl", "a b/out.obj"), "../a.mtl ../b.mtl /x/c.mtl");
+}
+
 TEST_F(TriangulateVerb, PropertiesAreChosenByName)
 {
     const auto carried = [&](const std::string& selection) {

@@ -92,6 +92,8 @@ TEST(Gltf, HostileAndForeignFilesAreRefusedByName)
         {sceneOf("{\"mesh\": 3}"), "mesh 3 is named, but there is none"},
         {sceneOf(one, ", \"extras\": " + deep), "JSON more than 64 levels deep"},
         {sceneOf(one, ", \"extensionsRequired\": [\"X_y\"]"), "needs the extension \"X_y\""},
+        {sceneOf(one, ", \"extensionsRequired\": [\"KHR_draco_mesh_compression\"]"),
+         "is compressed by KHR_draco_mesh_compression, which is not read; export it without"},
         {replaced("\"count\": 3", "\"count\": 4000000000000"),
          "accessor 0 leads out of its buffer"},
         {replaced("\"bufferView\": 0, \"c", "\"bufferView\": 9, \"c"), "f: "},

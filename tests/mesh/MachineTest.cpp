@@ -1,3 +1,5 @@
+#include <TessaryMesh/Memory.h>
+
 #include <gtest/gtest.h>
 #include <mesh/base/FixedMath.h>
 #include <mesh/base/MachineMemory.h>
@@ -28,6 +30,9 @@ TEST(MachineMemory, IsWhatTheTightestGroupAroundTheProcessLeaves)
     EXPECT_EQ(put("sys/fs/cgroup/memory/job/memory.limit_in_bytes", "4000000\n"), 4000000u);
     EXPECT_EQ(put("sys/fs/cgroup/memory/c/memory.limit_in_bytes", "1\n"), 4000000u);
     EXPECT_EQ(put("sys/fs/cgroup/memory/memory.limit_in_bytes", "3000000\n"), 3000000u);
+    TessaryMesh::shareMemory(3);
+    EXPECT_EQ(TessaryMesh::machineMemory(root / ""), 1000000u);
+    TessaryMesh::shareMemory(1);
 }
 
 TEST(FixedMath, IsAsNearAsTheSystems)

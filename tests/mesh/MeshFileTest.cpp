@@ -133,6 +133,8 @@ TEST(MeshFile, OfAFurtherFormatIsReadThroughALibraryWithAWarning)
         getElementCount(*readMesh("/usr/share/assimp/models/RAW/WithColor.raw").mesh, sFaceComp),
         0u);
     const Folder folder;
+    const std::string nameless = folder.file("nameless", contentOf(path));  // as streams are
+    EXPECT_EQ(getElementCount(*readMesh(nameless).mesh, sFaceComp), 12u);
     EXPECT_TRUE(isRefused([&] { readMesh(folder.file("a.fbx", "Kaydara FBX Binary  ")); }));
 }
 

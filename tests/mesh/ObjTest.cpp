@@ -113,6 +113,21 @@ TEST(ObjReader, KeepsNamesOfFaces)
     EXPECT_FALSE(mesh->hasProperty("object"));
 }
 
+// Creases and so on for subdivision; their indices count from 0, and lines of them have no limit.
+TEST(ObjReader, KeepsTagsForTheWriter)
+{
+    const std::string crease = "crease 2/1/0 0 1 " + std::string(70000, '4');
+    const auto mesh =
+        readText(kSquare + "t " + crease + "\nf 1 2 3\n\tt  corner 1/1/0 \\\n2 5 # end\n").mesh;
+    EXPECT_EQ(textOf(mesh->getProperty("subdivision_tags")), crease + "\ncorner 1/1/0 2 5 # end");
+    EXPECT_EQ(firstDifference(*mesh, *readText(written(*mesh)).mesh), "");
+    std::vector<std::string> warnings;
+    mesh->setProperty("subdivision_tags", String("crease\n\nhole"));
+    EXPECT_EQ(written(*mesh, &warnings).find("crease"), std::string::npos);
+    EXPECT_EQ(warnings,
+              Strings{"value \"subdivision_tags\" cannot be held by OBJ and is left out"});
+}
+
 TEST(ObjReader, KeepsColoursOnlyWhereEveryPointHasOne)
 {
     const auto coloured = readText("v 0 0 0 1 0.5 0\nv 1 0 0 0 0 1\n");

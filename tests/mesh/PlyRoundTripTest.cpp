@@ -113,6 +113,7 @@ TEST(PlyRoundTrip, OtherProgramsFindTheirUsualNames)
     addValues<Korvane::Math::uchar4>(*mesh, "color", sPointComp, {{1, 2, 3, 4}});
     addValues<float2>(*mesh, "texcoord", sPointComp, {{0.5f, 1}});
     addValues<bool>(*mesh, "lit", sPointComp, {true});
+    addValues<float3>(*mesh, "face_color", sFaceComp, {});
     EXPECT_EQ(
         written(*mesh, "ply-ascii"),
         "ply\nformat ascii 1.0\n"
@@ -120,11 +121,13 @@ TEST(PlyRoundTrip, OtherProgramsFindTheirUsualNames)
         "comment property point uchar4 color red green blue alpha\n"
         "comment property point float2 texcoord s t\n"
         "comment property point bool lit lit\n"
+        "comment property face float3 face_color red green blue\n"
         "element vertex 1\nproperty float x\nproperty float y\nproperty float z\n"
         "property float nx\nproperty float ny\nproperty float nz\n"
         "property uchar red\nproperty uchar green\nproperty uchar blue\nproperty uchar alpha\n"
         "property float s\nproperty float t\nproperty uchar lit\n"
-        "element face 0\nproperty list uchar int vertex_indices\nend_header\n"
+        "element face 0\nproperty list uchar int vertex_indices\n"
+        "property uchar red\nproperty uchar green\nproperty uchar blue\nend_header\n"
         "0 0 0 0 0 1 1 2 3 4 0.5 1 1\n");
 }
 

@@ -92,6 +92,14 @@ TEST(Triangulate, CarriesOnlyWhatIsNamedInTheOrderOfTheSource)
     EXPECT_FALSE(some.mesh->hasProperty("shade_index"));
     EXPECT_FALSE(some.mesh->hasProperty(sRenderSettings));
     EXPECT_TRUE(some.mesh->hasProperty("material_library"));
+
+    // Tags name points, unless they are holes.
+    mesh->setProperty("subdivision_tags", String("crease 2/1/0 0 1 3"));
+    EXPECT_TRUE(triangulate(*mesh).mesh->hasProperty("subdivision_tags"));
+    mesh->setProperty("subdivision_tags", String("crease 2/1/0 0 1 3\nhole 1/0/0 1"));
+    const Result withHole = triangulate(*mesh);
+    EXPECT_FALSE(withHole.mesh->hasProperty("subdivision_tags"));
+    EXPECT_EQ(withHole.warnings.size(), 1u);
 }
 
 void addList(Object& mesh, const std::string& name, Ptr<Array<uint>> offsets)

@@ -1,7 +1,9 @@
 #include "files/assimp/Assimp.h"
 
 #include "base/MessageText.h"
+#include "files/Deflate.h"
 #include "files/FileErrors.h"
+#include "files/ForeignFormats.h"
 
 #include <assimp/material.h>
 #include <assimp/scene.h>
@@ -19,10 +21,14 @@ using Korvane::Math::float4;
 
 constexpr int kDeepestNode = 1000;
 
-std::string endingOf(const std::string& path)
+// That of the name, if it is one of theirs; else what the content is.
+std::string endingOf(const std::string& path, const FileSigns& signs)
 {
-    const std::size_t dot = path.rfind('.');
-    std::string ending = dot == std::string::npos ? "" : path.substr(dot + 1);
+    const std::string name(withoutGz(path));
+    const std::size_t dot = name.rfind('.');
+    std::string ending = dot == std::string::npos ? "" : name.substr(dot + 1);
+    if (ending.empty() || !readsWithAssimp(ending))
+        return std::string(foreignEnding(signs));
     std::transform(ending.begin(), ending.end(), ending.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return ending;
@@ -172,8 +178,9 @@ MeshRead readAssimp(const Input& input, const std::string& path)
     InputBuffer buffer;
     const std::string_view bytes = input.part(0, input.size(), buffer);
     Assimp::Importer importer;
+    const FileSigns signs{bytes.substr(0, Input::kHead), bytes.size(), path};
     const aiScene* const scene =
-        importer.ReadFileFromMemory(bytes.data(), bytes.size(), 0, endingOf(path).c_str());
+        importer.ReadFileFromMemory(bytes.data(), bytes.size(), 0, endingOf(path, signs).c_str());
     if (!scene) {
         const std::string error = importer.GetErrorString();
         failToRead(Code::Malformed, path,

@@ -12,6 +12,8 @@ namespace {
 using Code = FileError::Code;
 using tinygltf::Model;
 
+constexpr const char* kCompressions[] = {"KHR_draco_mesh_compression", "EXT_meshopt_compression"};
+
 constexpr const char* kUnderstood[] = {"KHR_mesh_quantization", "KHR_texture_transform",
                                        "KHR_lights_punctual",   "KHR_texture_basisu",
                                        "EXT_texture_webp",      "MSFT_texture_dds"};
@@ -19,6 +21,11 @@ constexpr const char* kUnderstood[] = {"KHR_mesh_quantization", "KHR_texture_tra
 // What changes how numbers are stored has to be understood; materials are their own affair.
 void refuseUnknownExtensions(const Model& model, const std::string& path)
 {
+    for (const char* const name : kCompressions)
+        if (std::count(model.extensionsRequired.begin(), model.extensionsRequired.end(), name) > 0)
+            failToRead(Code::Unsupported, path,
+                       "is compressed by " + std::string(name) +
+                           ", which is not read; export it without compression");
     for (const std::string& name : model.extensionsRequired)
         if (name.rfind("KHR_materials_", 0) != 0 &&
             std::find(std::begin(kUnderstood), std::end(kUnderstood), name) ==

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <TessaryMesh/AttributeArrays.h>
+
 #include "base/Host.h"
 #include "files/npz/NpyHeader.h"
 #include "files/npz/ZipArchive.h"
@@ -36,7 +38,7 @@ public:
         const Any values = read(name);
         const auto* const typed = values.get<Ptr<Array<T>>>();
         if (!typed || !*typed)
-            failToRequire(name, typeName<T>());
+            failToRequire(name, Internal::elementName<T>());
         return Pelon::toMutable(Ptr<Array<T>>(*typed));
     }
 
@@ -44,19 +46,6 @@ public:
     [[noreturn]] void failToRequire(const std::string& name, const std::string& what) const;
 
 private:
-    template <class T>
-    static std::string typeName()
-    {
-        std::string found;
-        Korvane::anyElementType([&found](auto tag, const char* name) {
-            constexpr bool isIt = std::is_same_v<typename decltype(tag)::type, T>;
-            if (isIt)
-                found = name;
-            return isIt;
-        });
-        return found;
-    }
-
     [[noreturn]] void fail(const std::string& name, const std::string& what) const;
     NpyHeader open(const std::string& name);
     template <class T>

@@ -1,5 +1,6 @@
 #include "files/npz/NpzNames.h"
 
+#include "files/PercentCodes.h"
 #include "files/npz/Texts.h"
 
 #include <utility>
@@ -29,7 +30,7 @@ String nameOfNpz(const std::string& text)
     for (const auto& [own, ownText] : kOwnNames)
         if (text == ownText)
             return *own;
-    return String(unescaped(text));
+    return String(percentDecoded(text));
 }
 
 }  // namespace TessaryMesh

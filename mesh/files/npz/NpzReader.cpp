@@ -1,5 +1,6 @@
 #include "base/MessageText.h"
 #include "files/FileErrors.h"
+#include "files/PercentCodes.h"
 #include "files/npz/Npz.h"
 #include "files/npz/NpzArchive.h"
 #include "files/npz/NpzForeign.h"
@@ -95,7 +96,7 @@ private:
         else if (kind == "component")
             addComponent(entry, name);
         else if (kind == "text")
-            m_mesh->setProperty(name, String(unescaped(textOf(entry, "text"))));
+            m_mesh->setProperty(name, String(percentDecoded(textOf(entry, "text"))));
         else
             fail("has an entry of the unknown kind " + TessaryMesh::quoted(kind));
     }
@@ -129,7 +130,7 @@ private:
     T defaultOf(const std::string& text)
     {
         if constexpr (std::is_same_v<T, String>) {
-            return String(unescaped(text));
+            return String(percentDecoded(text));
         } else {
             const auto array = m_archive.require<T>(text);
             if (array->size() != 1)

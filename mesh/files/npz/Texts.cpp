@@ -1,6 +1,7 @@
 #include "files/npz/Texts.h"
 
 #include "base/MessageText.h"
+#include "files/PercentCodes.h"
 
 #include <algorithm>
 
@@ -8,11 +9,6 @@ namespace TessaryMesh {
 namespace {
 
 constexpr std::size_t kLongestText = 256;
-
-int hexDigit(char c)
-{
-    return c >= '0' && c <= '9' ? c - '0' : c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
 
 void appendUtf8(std::string& text, char32_t c)
 {
@@ -74,31 +70,7 @@ bool fitIntoRows(const Array<String>& texts)
 std::string escaped(std::string_view text)
 {
     const bool isText = isUtf8(text);
-    std::string out;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c != '%' && (isText || byte < 0x80)) {
-            out += c;
-            continue;
-        }
-        out += '%';
-        out += "0123456789ABCDEF"[byte >> 4];
-        out += "0123456789ABCDEF"[byte & 15];
-    }
-    return out;
-}
-
-std::string unescaped(std::string_view text)
-{
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isCode = text[i] == '%' && i + 2 < text.size() && hexDigit(text[i + 1]) >= 0 &&
-                            hexDigit(text[i + 2]) >= 0;
-        out += isCode ? static_cast<char>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2]))
-                      : text[i];
-        i += isCode ? 2 : 0;
-    }
-    return out;
+    return percentCoded(text, [isText](unsigned char byte) { return byte >= 0x80 && !isText; });
 }
 
 }  // namespace TessaryMesh

@@ -21,8 +21,8 @@ std::vector<char32_t> paddedTexts(const Array<String>& texts, std::size_t width)
 /// Whether such an array holds these texts to the last byte, and is not absurdly larger than they are.
 bool fitIntoRows(const Array<String>& texts);
 
-/// Well-formed UTF-8 as it is, but for "%" and, where it is none, bytes from 128 on: %25, %FF.
+/// Well-formed UTF-8 as it is, but for "%" and, where it is none, bytes from 128 on: %25, %FF. See
+/// percentDecoded() for the way back.
 std::string escaped(std::string_view text);
-std::string unescaped(std::string_view text);
 
 }  // namespace TessaryMesh

@@ -25,6 +25,8 @@ namespace TessaryMesh {
 ///   s                 "smoothing", uint on faces; "off" is 0, as on faces before the first one
 ///   mtllib            "material_library", a string of the object itself; several different ones
 ///                     are joined with blanks
+///   t                 "subdivision_tags", a string of the object itself, a line each: creases, corners and
+///                     holes for subdivision, which count points and faces from 0
 ///
 /// A property exists only if the file has a line of its kind; texture coordinates and normals that
 /// no face names are kept. Numbers are the nearest floats; "nan" and "inf" are read as such. Points,

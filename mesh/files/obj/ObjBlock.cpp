@@ -168,6 +168,8 @@ private:
             set(m_block.smoothing, readSmoothing());
         else if (keyword == "mtllib")
             m_block.libraries.push_back(readName());
+        else if (keyword == "t")
+            m_block.tags.push_back(readTag());
         else
             return false;
         return true;
@@ -190,6 +192,16 @@ private:
         if (!isUtf8(name))
             m_tallies.otherNames.add(line);
         return name;
+    }
+
+    // Of any length: a tag may list all sharp edges of a mesh.
+    String readTag()
+    {
+        const std::uint64_t line = m_scanner.line();
+        const std::string tag = m_scanner.restOfLine();
+        if (!isUtf8(tag))
+            m_tallies.otherNames.add(line);
+        return tag;
     }
 
     uint readSmoothing()

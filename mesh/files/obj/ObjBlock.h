@@ -19,7 +19,7 @@ inline constexpr const char* kObjStatementsNotHeld[] = {
     "curv2", "surf",  "parm",   "trim",   "hole",     "scrv",     "sp",         "end",
     "con",   "mg",    "lod",    "bevel",  "c_interp", "d_interp", "shadow_obj", "trace_obj",
     "ctech", "stech", "usemap", "maplib", "call",     "csh",      "res",        "bsp",
-    "bzp",   "cdc",   "cdp",    "fo",     "t"};
+    "bzp",   "cdc",   "cdp",    "fo"};
 
 /// What statements of a block say of the faces behind them: the first face that each holds for.
 template <class T>
@@ -53,7 +53,7 @@ struct ObjBlock {
     Array<uint> texcoordIndices, normalIndices;  // of the first corners, up to the last with one
     FaceRuns<String> object, group, material;
     FaceRuns<uint> smoothing;
-    std::vector<String> libraries;
+    std::vector<String> libraries, tags;
     ObjReferences references;
     ObjTallies tallies;
     std::uint64_t colourCount = 0;

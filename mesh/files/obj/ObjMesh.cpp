@@ -72,6 +72,7 @@ public:
         storeFaceValues(&ObjBlock::material, "material", *mesh);
         storeFaceValues(&ObjBlock::smoothing, "smoothing", *mesh);
         storeLibraries(*mesh);
+        storeTags(*mesh);
         return mesh;
     }
 
@@ -167,6 +168,18 @@ private:
                 }
         if (!known.empty())
             mesh.setProperty("material_library", String(names));
+    }
+
+    void storeTags(Object& mesh)
+    {
+        std::string tags;
+        for (const ObjBlock& block : m_file.blocks)
+            for (const String& tag : block.tags) {
+                tags += tags.empty() ? "" : "\n";
+                tags += tag.view();
+            }
+        if (!tags.empty())
+            mesh.setProperty("subdivision_tags", String(tags));
     }
 
     ObjFile& m_file;

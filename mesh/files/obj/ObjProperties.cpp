@@ -3,6 +3,7 @@
 #include "base/Host.h"
 #include "base/MessageText.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace TessaryMesh {
@@ -40,6 +41,7 @@ public:
         findFaceNames("material", m_found.material);
         find("smoothing", Geometry::sFaceComp, m_found.faceCount(), m_found.smoothing);
         findLibrary();
+        findTags();
         for (std::string& warning : m_search.leftOut())
             m_found.warnings.push_back(std::move(warning));
         return std::move(m_found);
@@ -94,6 +96,22 @@ private:
         const String* const library = value.get<String>();
         if (library && isWritableName(library->view()))
             m_found.materialLibrary = m_search.findText("material_library");
+    }
+
+    // A line each.
+    void findTags()
+    {
+        const Any value = m_mesh.getProperty("subdivision_tags");
+        const String* const tags = value.get<String>();
+        if (!tags || tags->empty())
+            return;
+        for (std::string_view rest = tags->view(); !rest.empty();) {
+            const std::string_view tag = rest.substr(0, rest.find('\n'));
+            if (tag.empty() || !isWritableName(tag))
+                return;
+            rest.remove_prefix(std::min(tag.size() + 1, rest.size()));
+        }
+        m_found.tags = m_search.findText("subdivision_tags");
     }
 
     const Object& m_mesh;

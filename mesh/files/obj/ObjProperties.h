@@ -32,7 +32,7 @@ struct ObjProperties {
     std::optional<CornerValues<float3>> wideTexcoord, normal;
     std::optional<ElementValues<String>> object, group, material;
     std::optional<ElementValues<uint>> smoothing;
-    std::optional<String> materialLibrary;
+    std::optional<String> materialLibrary, tags;
 
     std::vector<std::string> warnings;
 

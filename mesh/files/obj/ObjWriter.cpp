@@ -4,7 +4,9 @@
 #include "files/RowSections.h"
 #include "files/obj/ObjProperties.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <string_view>
 
 namespace TessaryMesh {
 namespace {
@@ -201,6 +203,16 @@ void putHeader(const ObjProperties& mesh, TextBuffer& out)
         putStatement("mtllib", *mesh.materialLibrary, out);
 }
 
+// Behind the faces, which some of them speak of.
+void putTags(const ObjProperties& mesh, TextBuffer& out)
+{
+    for (std::string_view rest = mesh.tags ? mesh.tags->view() : ""; !rest.empty();) {
+        const std::string_view tag = rest.substr(0, rest.find('\n'));
+        out << "t " << tag << '\n';
+        rest.remove_prefix(std::min(tag.size() + 1, rest.size()));
+    }
+}
+
 }  // namespace
 
 std::vector<std::string> writeObj(const Object& mesh, OutputFile& output)
@@ -223,7 +235,8 @@ std::vector<std::string> writeObj(const Object& mesh, OutputFile& output)
          {properties.faceCount(),
           [&properties](std::size_t begin, std::size_t end, TextBuffer& out) {
               FaceText(properties).put(begin, end, out);
-          }}},
+          }},
+         sectionOf(1, put(putTags))},
         output);
     return std::move(properties.warnings);
 }

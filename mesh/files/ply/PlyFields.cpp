@@ -150,7 +150,7 @@ private:
         const bool isString = value.get<String>() != nullptr;
         leaveOut("value " + quoted(name.view()) + (isString ? " (string)" : "") + " of the mesh",
                  "cannot be held by PLY");
-        if (isString && name == "material_library")
+        if (isString && (name == "material_library" || name == "subdivision_tags"))
             m_fields.warnings.back() += "; write OBJ to keep it";
     }
 

@@ -1,6 +1,7 @@
 #include "files/ply/PlyNames.h"
 
 #include "base/MessageText.h"
+#include "files/PercentCodes.h"
 
 #include <algorithm>
 
@@ -12,9 +13,11 @@ using Names = std::vector<std::string>;
 // What other programs call these values; nothing for others, and for types that they do not expect.
 Names customaryNames(std::string_view name, Owner owner, Form form)
 {
-    if (name == "color" && form.scalar == Scalar::UInt8 && form.count == 3)
+    // As faces' colours are called beside those of points.
+    const bool isColour = name == "color" || (name == "face_color" && owner == Owner::Face);
+    if (isColour && form.scalar == Scalar::UInt8 && form.count == 3)
         return {"red", "green", "blue"};
-    if (name == "color" && form.scalar == Scalar::UInt8 && form.count == 4)
+    if (isColour && form.scalar == Scalar::UInt8 && form.count == 4)
         return {"red", "green", "blue", "alpha"};
     if (name == "normal" && isFloat(form.scalar) && form.count == 3)
         return {"nx", "ny", "nz"};
@@ -35,13 +38,6 @@ Names numberedNames(const std::string& stem, unsigned count)
     return names;
 }
 
-int hexDigit(char c)
-{
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    const std::size_t place = digits.find(c);
-    return place == std::string_view::npos ? -1 : static_cast<int>(place);
-}
-
 }  // namespace
 
 std::string encodedName(std::string_view name)
@@ -49,31 +45,14 @@ std::string encodedName(std::string_view name)
     if (name.empty())
         return "%";
     const bool keepsHighBytes = isUtf8(name);
-    std::string word;
-    for (const char c : name) {
-        const unsigned byte = static_cast<unsigned char>(c);
-        if (byte > 0x20 && c != '%' && c != 0x7F && (byte < 0x80 || keepsHighBytes)) {
-            word += c;
-            continue;
-        }
-        word += '%';
-        word += "0123456789ABCDEF"[byte >> 4];
-        word += "0123456789ABCDEF"[byte & 15];
-    }
-    return word;
+    return percentCoded(name, [keepsHighBytes](unsigned char byte) {
+        return byte <= 0x20 || byte == 0x7F || (byte >= 0x80 && !keepsHighBytes);
+    });
 }
 
 std::string decodedName(std::string_view word)
 {
-    std::string name;
-    for (std::size_t i = 0; i < word.size(); ++i) {
-        const bool coded = word[i] == '%' && i + 2 < word.size() && hexDigit(word[i + 1]) >= 0 &&
-                           hexDigit(word[i + 2]) >= 0;
-        name +=
-            coded ? static_cast<char>(hexDigit(word[i + 1]) * 16 + hexDigit(word[i + 2])) : word[i];
-        i += coded ? 2 : 0;
-    }
-    return name == "%" && word == "%" ? std::string() : name;
+    return word == "%" ? std::string() : percentDecoded(word);
 }
 
 ColumnNames::ColumnNames() : m_used{{"x", "y", "z"}, {"vertex_indices", "vertex_index"}} {}

@@ -67,6 +67,9 @@ private:
     Place m_place;
 };
 
+/// The name of a code, for programs that read reports: "not-found".
+TESSARY_MESH_API const char* nameOf(FileError::Code code) noexcept;
+
 /// What is wrong with a mesh, or unusual about it: one entry per kind.
 struct Problem {
     /// How bad it is.

@@ -141,6 +141,15 @@ TESSARY_MESH_API std::vector<std::string> writeMesh(const Korvane::Object& mesh,
 TESSARY_MESH_API std::vector<std::string> saveMesh(const Korvane::Object& mesh,
                                                    const std::string& path, bool overwrite = false);
 
+/// Makes the "material_library" of a mesh lead from another folder to the same files: "roof.mtl" becomes
+/// "../in/roof.mtl". Absolute names stay.
+///
+/// @param[in,out] mesh  any object
+/// @param[in]     from  the file that it was read from
+/// @param[in]     to    the file that it goes to; "-" is a stream, in the working folder
+TESSARY_MESH_API void moveMaterialLibrary(Korvane::Object& mesh, const std::string& from,
+                                          const std::string& to);
+
 /// The header line behind which a PLY file's list of numbers for each face, which became the property
 /// `name` of `mesh`, is a property of the corners: "comment property corner float crease crease".
 /// Empty where the property is no such list.

@@ -90,7 +90,7 @@ enum class Concave {
 /// once. Lists that belong to points are shared. A list or any other property on a component of its
 /// own has no rule by which it follows faces onto triangles; a warning says that it is left out.
 /// Values of the object itself (not geometry properties), such as "material_library", are always
-/// carried. A mesh without faces keeps its points. A dual table of the mesh (see addDual()) is none of
+/// carried, except "subdivision_tags" that name faces. A mesh without faces keeps its points. A dual table of the mesh (see addDual()) is none of
 /// the triangles and is left out, with a warning.
 ///
 /// @param[in] mesh   without errors
