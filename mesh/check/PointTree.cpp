@@ -60,10 +60,11 @@ void PointTree::setCounts(uint point, bool counts)
         m_counting[node] += counts ? 1 : ~0u;
 }
 
-PointTree::Triangle::Triangle(const PlanePoint& a, const PlanePoint& b, const PlanePoint& c)
-    : a(a),
-      b(b),
-      c(c),
+PointTree::Triangle::Triangle(const PlanePoint& first, const PlanePoint& second,
+                              const PlanePoint& third)
+    : a(first),
+      b(second),
+      c(third),
       box{{std::min({a.x, b.x, c.x}), std::min({a.y, b.y, c.y})},
           {std::max({a.x, b.x, c.x}), std::max({a.y, b.y, c.y})}}
 {}

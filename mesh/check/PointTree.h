@@ -60,7 +60,7 @@ private:
     };
 
     struct Triangle {
-        Triangle(const PlanePoint& a, const PlanePoint& b, const PlanePoint& c);
+        Triangle(const PlanePoint& first, const PlanePoint& second, const PlanePoint& third);
 
         PlanePoint a, b, c;
         Box box;
