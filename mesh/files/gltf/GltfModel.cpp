@@ -192,7 +192,7 @@ tinygltf::Model parseGltf(const Input& input, const std::string& path)
     }
     if (folder.error)
         std::rethrow_exception(folder.error);
-    if (!isLoaded && error.find("bad_alloc") != std::string::npos)
+    if (!isLoaded && firstLine(error) == std::bad_alloc().what())
         throw std::bad_alloc();  // the library turns what it catches into text
     if (!isLoaded)
         failToRead(Code::Malformed, path,

@@ -216,6 +216,13 @@ private:
         }
     }
 
+    // Colours of faces are called otherwise beside those of points.
+    static bool isNameOf(const Custom& custom, Owner owner, std::string_view name)
+    {
+        return name == custom.property ||
+               (custom.isColour && owner == Owner::Face && name == "face_color");
+    }
+
     void planTogether(const Element& element, Columns& columns, Owner owner, const Custom& custom,
                       std::vector<std::size_t> places)
     {
@@ -223,7 +230,7 @@ private:
         const bool isEightBit = custom.isColour && scalar == Scalar::UInt8;
         const bool isPlanned = std::any_of(
             m_plan.properties.begin(), m_plan.properties.end(), [&](const PlannedProperty& other) {
-                return other.owner == owner && other.name == custom.property && !other.isCopy;
+                return other.owner == owner && isNameOf(custom, owner, other.name) && !other.isCopy;
             });
         if ((!isFloat(scalar) && !isEightBit) || (isPlanned && !isEightBit))
             return;
